@@ -1,0 +1,32 @@
+#pragma once
+
+#include "frame/attr/Enumerations.h"
+#include "frame/attr/Records.h"
+#include "frame/processor/BaseAttribute.h"
+
+// Numbers, enumerators and records, one line per role; optional inputs with what they read as while unset.
+
+namespace orvik { namespace imaproc { namespace attr {
+
+ORVIK_OUTPUT(OutMax, (processor::BaseValueAttribute<double>), "maximum");
+ORVIK_OUTPUT(OutMaxLabel, (processor::BaseValueAttribute<unsigned int>), "largest label");
+ORVIK_INPUT(InNbLabels, (processor::BaseValueAttribute<unsigned int>), "number of labels");
+ORVIK_INPUT(InThresholdMin, (processor::BaseValueAttribute<double>), "lowest value that counts");
+ORVIK_INPUT(InThresholdMax, (processor::BaseValueAttribute<double>), "highest value that counts");
+ORVIK_INPUT(InStdDevX, (processor::BaseValueAttribute<float>), "standard deviation along x, in pixels");
+ORVIK_INPUT(InStdDevY, (processor::BaseValueAttribute<float>), "standard deviation along y, in pixels");
+
+ORVIK_INPUT(InLocalExtremumType, (processor::BaseValueAttribute<eLocalExtremumType>), "which extremum spreads");
+ORVIK_INPUT(InNeighborhood2d, (processor::BaseValueAttribute<eNeighborhood2d>), "neighbours of a pixel");
+ORVIK_OPTIONAL_INPUT(InOptNeighborhood2d, (processor::BaseValueAttribute<eNeighborhood2d>), eN2D_Eight,
+                     "neighbours of a pixel; eight unless set");
+ORVIK_OPTIONAL_INPUT(InOptOptimizationPolicy, (processor::BaseValueAttribute<eProcessingOptimizationPolicy>),
+                     ePOP_Iterative, "memory against passes; iterative unless set");
+
+ORVIK_INPUT(InCannyThresholds, (processor::InputDataItem<CannyThresholds>), "thresholds of the edge detector");
+ORVIK_INPUT(InGaussianCoverage, (processor::InputDataItem<GaussianCoverage>), "reach of the Gaussian kernel");
+ORVIK_OPTIONAL_INPUT(InOptGradientGaussianCoverage, (processor::InputOptionalDataItem<GaussianCoverage>),
+                     createGaussianCoverage(), "reach of the Gaussian kernel; 4 standard deviations unless set");
+ORVIK_OUTPUT(OutStatsResult, (processor::OutputDataItem<StatsResult>), "statistics");
+
+}}}  // namespace orvik::imaproc::attr

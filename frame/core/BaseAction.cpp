@@ -1,0 +1,180 @@
+#include "frame/core/BaseAction.h"
+
+#include "frame/core/RunState.h"
+#include "frame/core/Scheduler.h"
+#include "frame/util/FrameMessages.h"
+
+namespace orvik { namespace core {
+
+bool BaseRequestOrigin::isCancellationRequested() const
+{
+    return m_run && m_run->cancelled.load(std::memory_order_relaxed);
+}
+
+void BaseRequestOrigin::reportProgress(unsigned long nbDone, unsigned long nbElements) const
+{
+    if (!m_run || !m_reportsProgress || !m_run->progress)
+        return;
+    const std::lock_guard<std::mutex> lock(m_run->progressMutex);
+    m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
+}
+
+BaseAction::BaseAction() : m_run(new RunState) {}
+BaseAction::~BaseAction() = default;
+
+bool BaseAction::isComplexAction() const
+{
+    return false;
+}
+
+BoolResult BaseAction::prepareRun()
+{
+    return success();
+}
+
+void BaseAction::requestCancellationdDerived() {}
+void BaseAction::cleanOnErrorDerived(const eCleanReason&) {}
+void BaseAction::clearIntermediateData() noexcept {}
+
+BoolResult BaseAction::enterRun()
+{
+    const std::lock_guard<std::mutex> lock(m_run->mutex);
+    if (m_run->running)
+        return failure(getClassName() + " is running already");
+    m_run->running = true;
+    m_run->failure = nullptr;
+    m_run->cancelled = false;
+    return success();
+}
+
+BoolResult BaseAction::execute(const BaseRequestOrigin& origin)
+{
+    m_origin = origin;
+    BoolResult result = failure(std::string());
+    try {
+        result = prepareRun();
+        if (result.getValue()) {
+            result = runDerived();
+            if (result.getValue())
+                return result;
+        }
+    } catch (...) {
+        cleanOnErrorDerived(origin.isCancellationRequested() ? eCR_Cancellation : eCR_Failure);
+        clearIntermediateData();
+        throw;
+    }
+    cleanOnErrorDerived(origin.isCancellationRequested() ? eCR_Cancellation : eCR_Failure);
+    clearIntermediateData();
+    return result;
+}
+
+void BaseAction::runToEnd() noexcept
+{
+    std::exception_ptr failure;
+    try {
+        const BoolResult result = execute(BaseRequestOrigin(m_run.get(), true));
+        if (!result.getValue()) {
+            logError(processor::g_baseProcessingLogSource, result.getMessage(), __FILE__, __LINE__);
+            throw processor::ORVIKBaseProcessingException(result.getMessage(), __PRETTY_FUNCTION__, __FILE__, __LINE__);
+        }
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    const std::lock_guard<std::mutex> lock(m_run->mutex);
+    m_run->running = false;
+    m_run->failure = failure;
+    m_run->ended.notify_all();
+}
+
+void BaseAction::executeAsRoot()
+{
+    const BoolResult entered = enterRun();
+    if (!entered.getValue()) {
+        logError(processor::g_baseProcessingLogSource, entered.getMessage(), __FILE__, __LINE__);
+        throw processor::ORVIKBaseProcessingException(entered.getMessage(), __PRETTY_FUNCTION__, __FILE__, __LINE__);
+    }
+    runToEnd();
+    rethrowFailure();
+}
+
+BoolResult BaseAction::run(const eSynchroType& synchro)
+{
+    const boost::shared_ptr<BaseAction> self = weak_from_this().lock();
+    if (!self)
+        return failure(getClassName() + " can't run in the background: no shared pointer holds it");
+    const BoolResult entered = enterRun();
+    if (!entered.getValue())
+        return entered;
+    if (synchro != eST_Asynchronous) {
+        runToEnd();
+        return hasFailed() ? failure(getErrorMessage()) : success();
+    }
+    runInBackground(self, [self] { self->runToEnd(); });
+    return success();
+}
+
+void BaseAction::waitForEnd() const
+{
+    std::unique_lock<std::mutex> lock(m_run->mutex);
+    m_run->ended.wait(lock, [this] { return !m_run->running; });
+}
+
+bool BaseAction::isRunning() const
+{
+    const std::lock_guard<std::mutex> lock(m_run->mutex);
+    return m_run->running;
+}
+
+bool BaseAction::hasFailed() const
+{
+    const std::lock_guard<std::mutex> lock(m_run->mutex);
+    return m_run->failure != nullptr;
+}
+
+std::string BaseAction::getErrorMessage() const
+{
+    try {
+        rethrowFailure();
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (...) {
+        return UnHandleException().what();
+    }
+    return std::string();
+}
+
+void BaseAction::rethrowFailure() const
+{
+    std::exception_ptr failure;
+    {
+        const std::lock_guard<std::mutex> lock(m_run->mutex);
+        failure = m_run->failure;
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+void BaseAction::requestCancellation()
+{
+    const std::lock_guard<std::mutex> lock(m_run->mutex);
+    if (!m_run->running)
+        return;
+    m_run->cancelled = true;
+    requestCancellationdDerived();
+}
+
+void BaseAction::setProgressCallback(const std::function<void(double)>& callback)
+{
+    const std::lock_guard<std::mutex> lock(m_run->progressMutex);
+    m_run->progress = callback;
+}
+
+BaseComplexAction::BaseComplexAction() = default;
+BaseComplexAction::~BaseComplexAction() = default;
+
+bool BaseComplexAction::isComplexAction() const
+{
+    return true;
+}
+
+}}  // namespace orvik::core

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "frame/image/BufferType.h"
+
+#include <memory>
+#include <vector>
+
+namespace orvik { namespace image {
+
+/// Memory in one block, aligned to 64 bytes and zeroed. A second `init` of the same or a smaller size keeps the memory.
+class ORVIK_API TypedOwnBuffer
+{
+public:
+    TypedOwnBuffer();
+    ~TypedOwnBuffer();
+
+    void init(unsigned long nbValues, eDataType type);
+    void* getDataPtr() const { return m_data.get(); }
+    eDataType getDataType() const { return m_type; }
+
+private:
+    struct Free
+    {
+        void operator()(void* block) const;
+    };
+    std::unique_ptr<void, Free> m_data;
+    unsigned long m_capacity;  // bytes
+    eDataType m_type;
+};
+
+/// A buffer in fragments of equal size, such as lines.
+class ORVIK_API BaseFragBuffer
+{
+public:
+    BaseFragBuffer();
+    virtual ~BaseFragBuffer();
+
+    unsigned long getNbFragments() const { return m_fragments.size(); }
+    void* getDataPtr(unsigned long fragment) const { return m_fragments[fragment]; }
+    /// Value `offset` of a fragment.
+    void* getDataPtr(unsigned long fragment, unsigned long offset) const
+    {
+        return static_cast<char*>(m_fragments[fragment]) + offset * m_valueSize;
+    }
+    /// Turns the ring by one: fragment 1 becomes 0 and so on, the old fragment 0 becomes the last. Nothing is copied.
+    void rollUpFragments();
+
+protected:
+    std::vector<void*> m_fragments;
+    unsigned long m_valueSize;
+};
+
+/// Fragments in one block of memory of their own: the rolling lines of the kernels. A second `init` that needs no more
+/// memory makes none.
+class ORVIK_API FragHybridBuffer : public BaseFragBuffer
+{
+public:
+    FragHybridBuffer();
+    ~FragHybridBuffer() override;
+
+    /// Each fragment starts at a multiple of 64 bytes and is readable up to 64 values past its size.
+    void init(eDataType type, unsigned long fragmentSize, unsigned long nbFragments);
+
+private:
+    TypedOwnBuffer m_memory;
+};
+
+}}  // namespace orvik::image

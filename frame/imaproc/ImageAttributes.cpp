@@ -1,0 +1,49 @@
+#include "frame/imaproc/ImageAttributes.h"
+
+namespace orvik { namespace imaproc {
+
+BaseImageAttribute::~BaseImageAttribute() = default;
+BaseInputImageAttribute::~BaseInputImageAttribute() = default;
+BaseOutputImageAttribute::~BaseOutputImageAttribute() = default;
+BaseStripAttribute::~BaseStripAttribute() = default;
+BaseInputYStrip2dAttribute::~BaseInputYStrip2dAttribute() = default;
+BaseOutputYStrip2dAttribute::~BaseOutputYStrip2dAttribute() = default;
+BaseInputZStrip3dAttribute::~BaseInputZStrip3dAttribute() = default;
+BaseOutputZStrip3dAttribute::~BaseOutputZStrip3dAttribute() = default;
+BaseYStrip2dWithKernelAttribute::~BaseYStrip2dWithKernelAttribute() = default;
+BaseInputYStrip2dWithKernelAttribute::~BaseInputYStrip2dWithKernelAttribute() = default;
+BaseZStrip3dWithKernelAttribute::~BaseZStrip3dWithKernelAttribute() = default;
+BaseInputZStrip3dWithKernelAttribute::~BaseInputZStrip3dWithKernelAttribute() = default;
+BasePlanIndexedAttribute::~BasePlanIndexedAttribute() = default;
+
+void BaseInputImageAttribute::init(const StorageType& value)
+{
+    m_value = value;
+    setHasValue(value != nullptr);
+}
+
+void BaseInputImageAttribute::clear()
+{
+    BaseImageAttribute::clear();
+    m_value.reset();
+}
+
+void BaseOutputImageAttribute::init(const StorageType& value)
+{
+    m_value = value;
+    setHasValue(value != nullptr);
+}
+
+void BaseOutputImageAttribute::clear()
+{
+    BaseImageAttribute::clear();
+    m_value.reset();
+}
+
+image::eImageBufferType BaseStripAttribute::getImageBufferType() const
+{
+    const boost::shared_ptr<image::BaseImageFragment> strip = getImageStrip();
+    return strip ? strip->getBufferType() : static_cast<image::eImageBufferType>(0);
+}
+
+}}  // namespace orvik::imaproc

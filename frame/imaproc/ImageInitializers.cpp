@@ -1,0 +1,210 @@
+#include "frame/imaproc/ImageInitializers.h"
+
+#include "frame/util/FrameMessages.h"
+
+namespace orvik { namespace imaproc {
+
+namespace {
+
+[[noreturn]] void throwInitializerFailure(const char* text)
+{
+    logError(processor::g_baseProcessingLogSource, text, __FILE__, __LINE__);
+    throw processor::ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+}
+
+boost::shared_ptr<const BaseImageAttribute> lockInput(const boost::weak_ptr<const BaseImageAttribute>& input)
+{
+    const boost::shared_ptr<const BaseImageAttribute> locked = input.lock();
+    if (!locked)
+        throwInitializerFailure("Attribute weak pointer has expired, can't get it");
+    return locked;
+}
+
+void checkInput(const boost::weak_ptr<const BaseImageAttribute>& input)
+{
+    if (!input.lock())
+        throwInitializerFailure("Input attribute should not be null");
+}
+
+/// The image of an attribute; false with its name when there is none.
+BoolResult imageOf(const boost::weak_ptr<const BaseImageAttribute>& input, boost::shared_ptr<const image::BaseImage>& image)
+{
+    const boost::shared_ptr<const BaseImageAttribute> attribute = lockInput(input);
+    image = attribute->getImage();
+    return image ? success() : failure("Attribute " + attribute->getObjectName() + " has no value, no output can be made");
+}
+
+}  // namespace
+
+BaseImageProcessingOutputInitializer::~BaseImageProcessingOutputInitializer() = default;
+BaseDuplicateImageInitializer::~BaseDuplicateImageInitializer() = default;
+BasePromoteUnaryImageInitializer::~BasePromoteUnaryImageInitializer() = default;
+BaseCustomImageInfo::~BaseCustomImageInfo() = default;
+BaseFromImageCustomImageInfo::~BaseFromImageCustomImageInfo() = default;
+BaseCustomImageInitializer::~BaseCustomImageInitializer() = default;
+BaseFromImagePlanIndexedInitializer::~BaseFromImagePlanIndexedInitializer() = default;
+
+void BaseImageProcessingOutputInitializer::initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out,
+                                                      const boost::weak_ptr<const BaseImageAttribute>& in)
+{
+    initBase(out);
+    checkInput(in);
+    m_input = in;
+}
+
+BoolResult BaseImageProcessingOutputInitializer::getInput(boost::shared_ptr<const image::BaseImage>& input) const
+{
+    return imageOf(m_input, input);
+}
+
+image::ImageSizes BaseImageProcessingOutputInitializer::getOutputSizes(const image::BaseImage& input) const
+{
+    return input.getGeometry().getSizes();
+}
+
+BoolResult BaseImageProcessingOutputInitializer::initAttribute()
+{
+    boost::shared_ptr<const image::BaseImage> input;
+    const BoolResult result = getInput(input);
+    if (!result.getValue())
+        return result;
+    static_cast<BaseOutputImageAttribute&>(*getOutputAttribute())
+        .init(image::createImage(getOutputType(*input), getOutputSizes(*input)));
+    return success();
+}
+
+std::string BaseImageProcessingOutputInitializer::createInitializerFormalString() const
+{
+    return getOutputAttribute()->getObjectName() + ": a new image of the size of " + lockInput(m_input)->getObjectName()
+           + ", " + getDescription();
+}
+
+std::string BaseImageProcessingOutputInitializer::createInitializerEvaluatedString() const
+{
+    boost::shared_ptr<const image::BaseImage> input;
+    const BoolResult result = getInput(input);
+    if (!result.getValue())
+        return result.getMessage();
+    return getOutputAttribute()->getObjectName() + ": a new image of size " + toString(getOutputSizes(*input)) + ", "
+           + toString(getOutputType(*input));
+}
+
+void BaseDuplicateImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
+                                         const boost::weak_ptr<const BaseImageAttribute>& in,
+                                         const image::eImageBufferType& type, const eImageInitializerStoragePolicy&)
+{
+    initImages(out, in);
+    m_type = type;
+}
+
+image::eImageBufferType BaseDuplicateImageInitializer::getOutputType(const image::BaseImage& input) const
+{
+    return image::isValid(m_type) ? m_type : input.getBufferType();
+}
+
+std::string BaseDuplicateImageInitializer::getDescription() const
+{
+    return image::isValid(m_type) ? toString(m_type) : "of its type";
+}
+
+void BasePromoteUnaryImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
+                                            const boost::weak_ptr<const BaseImageAttribute>& in, const ePromoteUnaryType&)
+{
+    initImages(out, in);
+}
+
+image::eImageBufferType BasePromoteUnaryImageInitializer::getOutputType(const image::BaseImage&) const
+{
+    return image::eIBT_Real32;
+}
+
+std::string BasePromoteUnaryImageInitializer::getDescription() const
+{
+    return toString(image::eIBT_Real32);
+}
+
+boost::shared_ptr<const image::BaseImage> BaseFromImageCustomImageInfo::getInputImage() const
+{
+    const boost::shared_ptr<const image::BaseImage> image = lockInput(m_input)->getImage();
+    if (!image)
+        throwInitializerFailure("The input image of an output initializer has no value");
+    return image;
+}
+
+void BaseCustomImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
+                                      const boost::shared_ptr<BaseCustomImageInfo>& info)
+{
+    initBase(out);
+    m_info = info;
+}
+
+image::ImageSizes BaseCustomImageInitializer::getSizes() const
+{
+    return image::ImageSizes(m_info->getSizeX(), m_info->getSizeY(), m_info->getSizeZ(), m_info->getSizeC(),
+                             m_info->getSizeT());
+}
+
+BoolResult BaseCustomImageInitializer::initAttribute()
+{
+    static_cast<BaseOutputImageAttribute&>(*getOutputAttribute())
+        .init(image::createImage(m_info->getImageBufferType(), getSizes()));
+    return success();
+}
+
+std::string BaseCustomImageInitializer::createInitializerFormalString() const
+{
+    return getOutputAttribute()->getObjectName() + ": a new image of a size computed from the inputs";
+}
+
+std::string BaseCustomImageInitializer::createInitializerEvaluatedString() const
+{
+    return getOutputAttribute()->getObjectName() + ": a new image of size " + toString(getSizes()) + ", "
+           + toString(m_info->getImageBufferType());
+}
+
+void BaseFromImagePlanIndexedInitializer::initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
+                                                   const boost::weak_ptr<const BaseImageAttribute>& in,
+                                                   const eFromImagePlanIndexedPolicy& policy)
+{
+    initBase(out);
+    checkInput(in);
+    m_input = in;
+    m_policy = policy;
+}
+
+BoolResult BaseFromImagePlanIndexedInitializer::initAttribute()
+{
+    boost::shared_ptr<const image::BaseImage> input;
+    const BoolResult result = imageOf(m_input, input);
+    if (!result.getValue())
+        return result;
+    return initAttribute(static_cast<BasePlanIndexedAttribute&>(*getOutputAttribute()),
+                         m_policy == eFIPIP_Planes ? input->getSizeZ() : 1, input->getSizeC(), input->getSizeT());
+}
+
+void BaseFromImagePlanIndexedInitializer::initPlanIndexed(unsigned long sizeZ, unsigned long sizeC, unsigned long sizeT,
+                                                          BasePlanIndexedColl& coll,
+                                                          const CreationFunction& creationFunction)
+{
+    for (unsigned long t = 0; t < sizeT; ++t)
+        for (unsigned long c = 0; c < sizeC; ++c)
+            for (unsigned long z = 0; z < sizeZ; ++z)
+                if (!coll.getStorage(PlanIndex(z, c, t)))
+                    coll.insert(PlanIndex(z, c, t), creationFunction());
+}
+
+std::string BaseFromImagePlanIndexedInitializer::createInitializerFormalString() const
+{
+    return getOutputAttribute()->getObjectName() + ": an empty entry per "
+           + (m_policy == eFIPIP_Planes ? "plane" : "volume") + " of " + lockInput(m_input)->getObjectName();
+}
+
+std::string BaseFromImagePlanIndexedInitializer::createInitializerEvaluatedString() const
+{
+    boost::shared_ptr<const image::BaseImage> input;
+    const BoolResult result = imageOf(m_input, input);
+    return result.getValue() ? createInitializerFormalString() + " (" + toString(input->getGeometry().getSizes()) + ")"
+                             : result.getMessage();
+}
+
+}}  // namespace orvik::imaproc

@@ -1,0 +1,243 @@
+#pragma once
+
+#include "frame/imaproc/ImageAttributes.h"
+#include "frame/processor/BaseOutputInitializer.h"
+
+#include <boost/function.hpp>
+
+namespace orvik { namespace imaproc {
+
+/// Whether a new image is kept in one place; this frame runs in one process and knows one way.
+enum eImageInitializerStoragePolicy : unsigned int
+{
+    eIISP_Local = 0
+};
+
+enum ePromoteUnaryType : unsigned int
+{
+    ePUT_Real = 4  ///< float 32 for all types: holds fractions, and keeps the sign
+};
+
+enum eFromImagePlanIndexedPolicy : unsigned int
+{
+    eFIPIP_Planes = 0,
+    eFIPIP_Volumes = 1
+};
+
+/// Makes an image from an input image.
+class ORVIK_API BaseImageProcessingOutputInitializer : public processor::BaseOutputInitializer
+{
+public:
+    ~BaseImageProcessingOutputInitializer() override;
+    processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
+    BoolResult initAttribute() override;
+    std::string createInitializerFormalString() const override;
+    std::string createInitializerEvaluatedString() const override;
+
+protected:
+    /// @throws ORVIKBaseProcessingException for an attribute that was null.
+    void initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out,
+                    const boost::weak_ptr<const BaseImageAttribute>& in);
+    /// The input image; false when it has no value.
+    BoolResult getInput(boost::shared_ptr<const image::BaseImage>& input) const;
+    /// Type of the image to make.
+    virtual image::eImageBufferType getOutputType(const image::BaseImage& input) const = 0;
+    virtual image::ImageSizes getOutputSizes(const image::BaseImage& input) const;
+    virtual std::string getDescription() const = 0;
+
+private:
+    boost::weak_ptr<const BaseImageAttribute> m_input;
+};
+
+/// An image of the size of the input, of a given type or of the input's (type 0).
+class ORVIK_API BaseDuplicateImageInitializer : public BaseImageProcessingOutputInitializer
+{
+public:
+    ~BaseDuplicateImageInitializer() override;
+    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const boost::weak_ptr<const BaseImageAttribute>& in,
+              const image::eImageBufferType& type, const eImageInitializerStoragePolicy& policy);
+
+protected:
+    image::eImageBufferType getOutputType(const image::BaseImage& input) const override;
+    std::string getDescription() const override;
+
+private:
+    image::eImageBufferType m_type = static_cast<image::eImageBufferType>(0);
+};
+
+template<class In, class Out>
+class DuplicateImageInitializer : public BaseDuplicateImageInitializer
+{
+};
+
+/// An image of the size of the input, of a type that holds what real-valued results become.
+class ORVIK_API BasePromoteUnaryImageInitializer : public BaseImageProcessingOutputInitializer
+{
+public:
+    ~BasePromoteUnaryImageInitializer() override;
+    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const boost::weak_ptr<const BaseImageAttribute>& in,
+              const ePromoteUnaryType& promotion);
+
+protected:
+    image::eImageBufferType getOutputType(const image::BaseImage& input) const override;
+    std::string getDescription() const override;
+};
+
+template<class In, class Out>
+class PromoteUnaryImageInitializer : public BasePromoteUnaryImageInitializer
+{
+};
+
+/// Sizes and type of an image that a family computes.
+class ORVIK_API BaseCustomImageInfo
+{
+public:
+    virtual ~BaseCustomImageInfo();
+    virtual unsigned long getSizeX() const = 0;
+    virtual unsigned long getSizeY() const = 0;
+    virtual unsigned long getSizeZ() const = 0;
+    virtual unsigned long getSizeC() const = 0;
+    virtual unsigned long getSizeT() const = 0;
+    virtual image::eImageBufferType getImageBufferType() const = 0;
+};
+
+/// Takes from an input image what the family does not override.
+class ORVIK_API BaseFromImageCustomImageInfo : public BaseCustomImageInfo
+{
+public:
+    ~BaseFromImageCustomImageInfo() override;
+    void initBase(const boost::weak_ptr<const BaseImageAttribute>& input) { m_input = input; }
+    /// @throws ORVIKBaseProcessingException when the attribute is gone or has no value.
+    boost::shared_ptr<const image::BaseImage> getInputImage() const;
+    unsigned long getSizeX() const override { return getInputImage()->getSizeX(); }
+    unsigned long getSizeY() const override { return getInputImage()->getSizeY(); }
+    unsigned long getSizeZ() const override { return getInputImage()->getSizeZ(); }
+    unsigned long getSizeC() const override { return getInputImage()->getSizeC(); }
+    unsigned long getSizeT() const override { return getInputImage()->getSizeT(); }
+    image::eImageBufferType getImageBufferType() const override { return getInputImage()->getBufferType(); }
+
+private:
+    boost::weak_ptr<const BaseImageAttribute> m_input;
+};
+
+class ORVIK_API BaseCustomImageInitializer : public processor::BaseOutputInitializer
+{
+public:
+    ~BaseCustomImageInitializer() override;
+    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const boost::shared_ptr<BaseCustomImageInfo>& info);
+    processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
+    BoolResult initAttribute() override;
+    std::string createInitializerFormalString() const override;
+    std::string createInitializerEvaluatedString() const override;
+
+private:
+    image::ImageSizes getSizes() const;
+
+    boost::shared_ptr<BaseCustomImageInfo> m_info;
+};
+
+template<class Out>
+class CustomImageInitializer : public BaseCustomImageInitializer
+{
+};
+
+/// Fills a plan-indexed output: an empty entry for each plane or volume of an input image that has none.
+class ORVIK_API BaseFromImagePlanIndexedInitializer : public processor::BaseOutputInitializer
+{
+public:
+    typedef boost::function<boost::shared_ptr<BaseSerializationObject>()> CreationFunction;
+
+    ~BaseFromImagePlanIndexedInitializer() override;
+    using processor::BaseOutputInitializer::initBase;
+    void initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
+                  const boost::weak_ptr<const BaseImageAttribute>& in, const eFromImagePlanIndexedPolicy& policy);
+    processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
+    using processor::BaseOutputInitializer::initAttribute;
+    BoolResult initAttribute() override;
+    virtual BoolResult initAttribute(BasePlanIndexedAttribute& attribute, unsigned long sizeZ, unsigned long sizeC,
+                                     unsigned long sizeT) = 0;
+    std::string createInitializerFormalString() const override;
+    std::string createInitializerEvaluatedString() const override;
+
+protected:
+    static void initPlanIndexed(unsigned long sizeZ, unsigned long sizeC, unsigned long sizeT, BasePlanIndexedColl& coll,
+                                const CreationFunction& creationFunction);
+
+private:
+    boost::weak_ptr<const BaseImageAttribute> m_input;
+    eFromImagePlanIndexedPolicy m_policy = eFIPIP_Planes;
+};
+
+template<class A>
+class FromImagePlanIndexedInitializer : public BaseFromImagePlanIndexedInitializer
+{
+public:
+    using BaseFromImagePlanIndexedInitializer::initAttribute;
+    BoolResult initAttribute(BasePlanIndexedAttribute& attribute, unsigned long sizeZ, unsigned long sizeC,
+                             unsigned long sizeT) override
+    {
+        if (!attribute.hasValue())
+            attribute.initEmpty();
+        initPlanIndexed(sizeZ, sizeC, sizeT, *attribute.accessStorage(), &A::Entry::createNode);
+        return success();
+    }
+};
+
+template<class In, class Out>
+processor::InitializerPtr duplicateInOut(const boost::shared_ptr<Out>& out, const boost::shared_ptr<In>& in,
+                                         const image::eImageBufferType& type,
+                                         const eImageInitializerStoragePolicy& policy = eIISP_Local)
+{
+    const boost::shared_ptr<DuplicateImageInitializer<In, Out> > initializer =
+        boost::make_shared<DuplicateImageInitializer<In, Out> >();
+    initializer->init(out, in, type, policy);
+    return initializer;
+}
+
+template<class In, class Out>
+processor::InitializerPtr promoteUnary(const boost::shared_ptr<Out>& out, const boost::shared_ptr<In>& in,
+                                       const ePromoteUnaryType& promotion = ePUT_Real)
+{
+    const boost::shared_ptr<PromoteUnaryImageInitializer<In, Out> > initializer =
+        boost::make_shared<PromoteUnaryImageInitializer<In, Out> >();
+    initializer->init(out, in, promotion);
+    return initializer;
+}
+
+template<class Out>
+processor::InitializerPtr customOutput(const boost::shared_ptr<Out>& out,
+                                       const boost::shared_ptr<BaseCustomImageInfo>& info)
+{
+    const boost::shared_ptr<CustomImageInitializer<Out> > initializer = boost::make_shared<CustomImageInitializer<Out> >();
+    initializer->init(out, info);
+    return initializer;
+}
+
+/// One empty entry per plane (z, c, t).
+template<class A, class In>
+processor::InitializerPtr fromImage(const boost::shared_ptr<A>& out, const boost::shared_ptr<In>& in)
+{
+    const boost::shared_ptr<FromImagePlanIndexedInitializer<A> > initializer =
+        boost::make_shared<FromImagePlanIndexedInitializer<A> >();
+    initializer->initBase(out, in, eFIPIP_Planes);
+    return initializer;
+}
+
+/// One empty entry per volume (c, t).
+template<class A, class In>
+processor::InitializerPtr fromImageButVolume(const boost::shared_ptr<A>& out, const boost::shared_ptr<In>& in)
+{
+    const boost::shared_ptr<FromImagePlanIndexedInitializer<A> > initializer =
+        boost::make_shared<FromImagePlanIndexedInitializer<A> >();
+    initializer->initBase(out, in, eFIPIP_Volumes);
+    return initializer;
+}
+
+/// Enters an initialiser under the name of its output.
+template<class A>
+void addInitializer(processor::InitializerMap& initializers, const processor::InitializerPtr& initializer)
+{
+    initializers[A::getObjectNameStr()] = initializer;
+}
+
+}}  // namespace orvik::imaproc

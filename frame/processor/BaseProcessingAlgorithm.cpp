@@ -1,0 +1,118 @@
+#include "frame/processor/BaseProcessingAlgorithm.h"
+
+#include "frame/core/Scheduler.h"
+
+#include <limits>
+
+namespace orvik { namespace processor {
+
+namespace {
+
+/// Calls `end` when the scope is left, by an exception as well.
+template<class F>
+struct AtScopeEnd
+{
+    F end;
+    ~AtScopeEnd() { end(); }
+};
+template<class F>
+AtScopeEnd(F) -> AtScopeEnd<F>;
+
+}  // namespace
+
+BaseDataParser::BaseDataParser() : m_nbInit(0), m_nbMain(0), m_nbFinal(0) {}
+BaseDataParser::~BaseDataParser() = default;
+
+void BaseDataParser::setRuns(unsigned long nbInit, unsigned long nbMain, unsigned long nbFinal)
+{
+    m_nbInit = nbInit;
+    m_nbMain = nbMain;
+    m_nbFinal = nbFinal;
+}
+
+BaseProcessingAlgorithm::BaseProcessingAlgorithm() = default;
+BaseProcessingAlgorithm::~BaseProcessingAlgorithm() = default;
+
+void BaseProcessingAlgorithm::getNoParseInfo(unsigned long& nbElements, unsigned long& first, unsigned long& second) const
+{
+    nbElements = std::numeric_limits<unsigned long>::max();
+    first = second = 0;
+}
+
+BoolResult BaseProcessingAlgorithm::runDerived()
+{
+    return mainProcess();
+}
+
+BoolResult BaseProcessingAlgorithm::mainProcess()
+{
+    DataParserColl parsers;
+    initDataParserColl(parsers);
+    const AtScopeEnd clearParsers{[this] { clearDataParserColl(); }};
+    const StageResult before = preProcess();
+    if (before.getValue() != eSRT_Done)
+        return failure(before.getMessage());
+    for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
+        parser->start(getRunGranularity());
+    const BoolResult result = runKernel(parsers);
+    if (!result.getValue())
+        return result;
+    const StageResult after = postProcess();
+    return after.getValue() == eSRT_Done ? success() : failure(after.getMessage());
+}
+
+BoolResult BaseProcessingAlgorithm::runKernel(const DataParserColl& parsers)
+{
+    DataTypeIdentifierColl dataTypes;
+    getDataTypeIdColl(dataTypes);
+    AlgorithmFunctionIdentifier selected;
+    const BoolResult found = getFunctionSelector().select(dataTypes, getForcedInstructionSets(), selected);
+    if (!found.getValue())
+        return failure(getObjectName() + ": " + found.getMessage());
+    getEntry().lastEfficiency.store(selected.getEfficiency(), std::memory_order_relaxed);
+    const AlgorithmFunction function = selected.getFunction();
+
+    if (parsers.empty()) {
+        ProcessingInfo info = {0, 0, 0, 0, 0};
+        getNoParseInfo(info.nbAlignedData, info.nbData, info.firstColumn);
+        return (this->*function)(info);
+    }
+
+    const BaseDataParser& first = *parsers.front();
+    const unsigned long counts[] = {first.getNbInitData(), first.getNbMainData(), first.getNbFinalData()};
+    const unsigned long nbLines = first.getNbLines();
+    for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
+        if (parser->getNbInitData() != counts[0] || parser->getNbMainData() != counts[1]
+            || parser->getNbFinalData() != counts[2] || parser->getNbLines() != nbLines)
+            return failure(getObjectName() + ": the strips differ in size: "
+                           + std::to_string(counts[0] + counts[1] + counts[2]) + " x " + std::to_string(nbLines)
+                           + " and "
+                           + std::to_string(parser->getNbInitData() + parser->getNbMainData() + parser->getNbFinalData())
+                           + " x " + std::to_string(parser->getNbLines()));
+
+    for (unsigned long line = 0; line < nbLines; ++line) {
+        if (getOrigin().isCancellationRequested())
+            return failure(core::getCancelledText());
+        for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
+            parser->beginLine(line);
+        ProcessingInfo info = {0, 0, 0, line, 0};
+        for (const unsigned long count : counts) {
+            if (count == 0)
+                continue;
+            info.nbData = count;
+            info.nbAlignedData = alignedCount(count, getRunGranularity());
+            for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
+                parser->beginRun(info.firstColumn, count);
+            const BoolResult result = (this->*function)(info);
+            if (!result.getValue())
+                return result;
+            for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
+                parser->endRun(info.firstColumn, count);
+            info.firstColumn += count;
+            ++info.partIndex;
+        }
+    }
+    return success();
+}
+
+}}  // namespace orvik::processor

@@ -1,0 +1,182 @@
+#include "frame/processor/BaseRule.h"
+
+#include "frame/util/FrameMessages.h"
+
+#include <boost/make_shared.hpp>
+
+namespace orvik { namespace processor {
+
+namespace {
+
+[[noreturn]] void throwRuleFailure(const char* text)
+{
+    logError(g_baseProcessingLogSource, text, __FILE__, __LINE__);
+    throw ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+}
+
+class CombinedRule : public BaseRule
+{
+public:
+    eRuleType getRuleType() const override { return eRT_Combinator; }
+};
+
+class AndRule : public CombinedRule
+{
+public:
+    AndRule(const RulePtr& a, const RulePtr& b) : m_a(a), m_b(b) {}
+    bool testRule() const override { return m_a->testRule() && m_b->testRule(); }
+    std::string createRuleFormalString() const override
+    {
+        return m_a->createRuleFormalString() + " && " + m_b->createRuleFormalString();
+    }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        return createRuleEvaluatedStartString(depth) + "both hold:\n" + m_a->createRuleEvaluatedString(depth + 1)
+               + m_b->createRuleEvaluatedString(depth + 1);
+    }
+
+private:
+    RulePtr m_a, m_b;
+};
+
+class IfRule : public CombinedRule
+{
+public:
+    IfRule(const RulePtr& condition, const RulePtr& thenRule, const RulePtr& elseRule)
+        : m_condition(condition), m_then(thenRule), m_else(elseRule)
+    {
+    }
+    bool testRule() const override { return m_condition->testRule() ? m_then->testRule() : m_else->testRule(); }
+    std::string createRuleFormalString() const override
+    {
+        return "If(" + m_condition->createRuleFormalString() + ", " + m_then->createRuleFormalString() + ", "
+               + m_else->createRuleFormalString() + ")";
+    }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        const bool condition = m_condition->testRule();
+        return createRuleEvaluatedStartString(depth) + "as " + m_condition->createRuleFormalString()
+               + (condition ? " holds:\n" : " does not hold:\n")
+               + (condition ? m_then : m_else)->createRuleEvaluatedString(depth + 1);
+    }
+
+private:
+    RulePtr m_condition, m_then, m_else;
+};
+
+class NotRule : public CombinedRule
+{
+public:
+    explicit NotRule(const RulePtr& a) : m_a(a) {}
+    bool testRule() const override { return !m_a->testRule(); }
+    std::string createRuleFormalString() const override { return "Not(" + m_a->createRuleFormalString() + ")"; }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        return createRuleEvaluatedStartString(depth) + "does not hold:\n" + m_a->createRuleEvaluatedString(depth + 1);
+    }
+
+private:
+    RulePtr m_a;
+};
+
+class NoneRule : public CombinedRule
+{
+public:
+    bool testRule() const override { return true; }
+    std::string createRuleFormalString() const override { return "none"; }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        return createRuleEvaluatedStartString(depth) + "no condition\n";
+    }
+};
+
+}  // namespace
+
+BaseRule::~BaseRule() = default;
+
+std::string BaseRule::createRuleEvaluatedStartString(unsigned int depth) const
+{
+    return std::string(2 * depth, ' ') + (testRule() ? "ok: " : "failed: ");
+}
+
+BaseAttributeRule::~BaseAttributeRule() = default;
+
+void BaseAttributeRule::initBase(const WeakAttribute& attribute1)
+{
+    if (!attribute1.lock())
+        throwRuleFailure("Input attribute should not be null");
+    m_attribute1 = attribute1;
+    m_nbAttributes = 1;
+}
+
+void BaseAttributeRule::initBase(const WeakAttribute& attribute1, const WeakAttribute& attribute2)
+{
+    initBase(attribute1);
+    if (!attribute2.lock())
+        throwRuleFailure("Input attribute should not be null");
+    m_attribute2 = attribute2;
+    m_nbAttributes = 2;
+}
+
+boost::shared_ptr<const BaseAttribute> BaseAttributeRule::lock(const WeakAttribute& attribute, bool initialised)
+{
+    if (!initialised)
+        throwRuleFailure("Initialize rule before trying to use its data");
+    const boost::shared_ptr<const BaseAttribute> locked = attribute.lock();
+    if (!locked)
+        throwRuleFailure("Attribute weak pointer has expired, can't get it");
+    return locked;
+}
+
+BaseOptionalRule::~BaseOptionalRule() = default;
+RuleOptionalIsSet::~RuleOptionalIsSet() = default;
+
+bool RuleOptionalIsSet::testRule() const
+{
+    return getAttribute1()->hasValue();
+}
+
+std::string RuleOptionalIsSet::createRuleFormalString() const
+{
+    return getAttribute1()->getObjectName() + " is set";
+}
+
+std::string RuleOptionalIsSet::createRuleEvaluatedString(unsigned int depth) const
+{
+    return createRuleEvaluatedStartString(depth) + createRuleFormalString() + "\n";
+}
+
+RulePtr operator&&(const RulePtr& a, const RulePtr& b)
+{
+    return boost::make_shared<AndRule>(a, b);
+}
+
+RulePtr If(const RulePtr& condition, const RulePtr& thenRule)
+{
+    return If(condition, thenRule, none());
+}
+
+RulePtr If(const RulePtr& condition, const RulePtr& thenRule, const RulePtr& elseRule)
+{
+    return boost::make_shared<IfRule>(condition, thenRule, elseRule);
+}
+
+RulePtr Not(const RulePtr& a)
+{
+    return boost::make_shared<NotRule>(a);
+}
+
+RulePtr none()
+{
+    static const RulePtr* const rule = new RulePtr(boost::make_shared<NoneRule>());
+    return *rule;
+}
+
+RulePtr isSet(const WeakAttribute& attribute)
+{
+    const boost::shared_ptr<RuleOptionalIsSet> rule = boost::make_shared<RuleOptionalIsSet>();
+    rule->init(attribute);
+    return rule;
+}
+
+}}  // namespace orvik::processor

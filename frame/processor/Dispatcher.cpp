@@ -1,0 +1,184 @@
+#include "frame/processor/Dispatcher.h"
+
+#include "frame/core/Scheduler.h"
+
+#include <algorithm>
+
+namespace orvik { namespace processor {
+
+namespace {
+
+/// A strip of fewer samples takes less time than the handing out.
+const unsigned long g_minStripSamples = 32768;
+/// Strips per thread, so that a thread that is held up does not hold up the others.
+const unsigned long g_stripsPerThread = 4;
+
+unsigned long divideUp(unsigned long a, unsigned long b)
+{
+    return (a + b - 1) / b;
+}
+
+template<class Split>
+std::vector<const BaseDataSplit*> plain(const std::vector<boost::shared_ptr<Split> >& splits)
+{
+    std::vector<const BaseDataSplit*> result;
+    for (const boost::shared_ptr<Split>& split : splits)
+        result.push_back(split.get());
+    return result;
+}
+
+}  // namespace
+
+BaseProcessorDispatcher::BaseProcessorDispatcher() : m_nbElements(0), m_grain(1), m_next(0), m_nbRunning(0) {}
+BaseProcessorDispatcher::~BaseProcessorDispatcher() = default;
+
+BoolResult BaseProcessorDispatcher::initElements(const core::BasePriority& priority,
+                                                 const std::vector<const BaseDataSplit*>& splits)
+{
+    m_priority = priority;
+    m_next = m_nbRunning = 0;
+    m_nbElements = 0;
+    const BaseDataSplit* decider = nullptr;
+    for (const BaseDataSplit* split : splits) {
+        const unsigned long nbElements = split ? split->getNbElements() : 0;
+        if (nbElements == 0)
+            continue;
+        if (decider && nbElements != m_nbElements)
+            return failure(getProcessorName() + ": attribute " + split->getAttributeName() + " has "
+                           + std::to_string(nbElements) + " elements, attribute " + decider->getAttributeName()
+                           + " has " + std::to_string(m_nbElements));
+        decider = split;
+        m_nbElements = nbElements;
+    }
+    return decider ? success() : failure(getProcessorName() + ": no attribute tells the number of elements");
+}
+
+BoolResult BaseProcessorDispatcher::queryNextAction(const core::BaseRequestOrigin& origin,
+                                                    boost::shared_ptr<core::BaseActionRequest>& request, bool& hasMore,
+                                                    boost::shared_ptr<BaseSerializationObject>&)
+{
+    request.reset();
+    hasMore = false;
+    if (!hasPendingAction())
+        return success();
+    const ElementsRange range(m_next, std::min(m_grain, m_nbElements - m_next));
+    const boost::shared_ptr<BaseProcessor> child = createProcessor();
+    BoolResult result = child->init(ePRP_WithRules);
+    if (result.getValue())
+        result = initAttributes(range, origin, child);
+    if (!result.getValue())
+        return result;
+    child->setActionPriority(m_priority);
+    request = boost::make_shared<core::BaseActionRequest>(child);
+    m_next += range.getCount();
+    ++m_nbRunning;
+    hasMore = hasPendingAction();
+    return success();
+}
+
+void BaseProcessorDispatcher::notifyDerived(const boost::shared_ptr<core::BaseActionRequest>&,
+                                            const boost::shared_ptr<const BaseSerializationObject>&, bool& ended)
+{
+    ended = --m_nbRunning == 0 && !hasPendingAction();
+}
+
+void BaseProcessorDispatcher::clearDerived()
+{
+    m_next = m_nbElements = 0;
+}
+
+void BaseProcessorDispatcher::requestCancellationDerived()
+{
+    m_next = m_nbElements;
+}
+
+BaseStaticProcessorDispatcher::BaseStaticProcessorDispatcher() = default;
+BaseStaticProcessorDispatcher::~BaseStaticProcessorDispatcher() = default;
+
+BoolResult BaseStaticProcessorDispatcher::initBase(const core::BasePriority& priority,
+                                                   const std::vector<boost::shared_ptr<BaseStaticSplit> >& splits)
+{
+    m_splits = splits;
+    return initElements(priority, plain(splits));
+}
+
+BoolResult BaseStaticProcessorDispatcher::initAttributes(const ElementsRange& range,
+                                                         const core::BaseRequestOrigin& origin,
+                                                         const boost::shared_ptr<BaseProcessor>& child)
+{
+    for (const boost::shared_ptr<BaseStaticSplit>& split : m_splits) {
+        const BoolResult result = split->processAttribute(*child, static_cast<unsigned int>(range.getStart()), origin);
+        if (!result.getValue())
+            return result;
+    }
+    return success();
+}
+
+void BaseStaticProcessorDispatcher::clearDerived()
+{
+    BaseProcessorDispatcher::clearDerived();
+    m_splits.clear();
+}
+
+unsigned long BaseStaticProcessorDispatcher::start(unsigned int)
+{
+    m_grain = 1;
+    return m_nbElements;
+}
+
+BaseDynamicProcessorDispatcher::BaseDynamicProcessorDispatcher() = default;
+BaseDynamicProcessorDispatcher::~BaseDynamicProcessorDispatcher() = default;
+
+BoolResult BaseDynamicProcessorDispatcher::initBase(const core::BasePriority& priority,
+                                                    const std::vector<boost::shared_ptr<BaseDynamicSplit> >& splits)
+{
+    m_splits = splits;
+    return initElements(priority, plain(splits));
+}
+
+BoolResult BaseDynamicProcessorDispatcher::initAttributes(const ElementsRange& range,
+                                                          const core::BaseRequestOrigin& origin,
+                                                          const boost::shared_ptr<BaseProcessor>& child)
+{
+    for (const boost::shared_ptr<BaseDynamicSplit>& split : m_splits) {
+        const BoolResult result = split->processAttribute(*child, range.getStart(), range.getCount(), origin);
+        if (!result.getValue())
+            return result;
+    }
+    return success();
+}
+
+void BaseDynamicProcessorDispatcher::clearDerived()
+{
+    BaseProcessorDispatcher::clearDerived();
+    m_splits.clear();
+}
+
+unsigned long BaseDynamicProcessorDispatcher::start(unsigned int nbThreads)
+{
+    if (m_nbElements == 0)
+        return 0;
+    unsigned long grain = core::getStripGrain();
+    if (grain == 0) {
+        unsigned long margin = 0, samples = 1;
+        for (const boost::shared_ptr<BaseDynamicSplit>& split : m_splits) {
+            margin = std::max(margin, split->getMargin());
+            samples = std::max(samples, split->getElementSamples());
+        }
+        grain = std::max({divideUp(m_nbElements, g_stripsPerThread * nbThreads), 2 * margin + 1, getMinElements(),
+                          divideUp(g_minStripSamples, samples)});
+    }
+    m_grain = std::min(grain, m_nbElements);
+    return divideUp(m_nbElements, m_grain);
+}
+
+RetrievalResult provideProcessor(const boost::shared_ptr<core::BaseAction>& action, const core::BasePriority& priority,
+                                 ProviderPtr& provider)
+{
+    if (action)
+        action->setActionPriority(priority);
+    const boost::shared_ptr<core::SingleActionProvider> single = boost::make_shared<core::SingleActionProvider>();
+    return provided(single->init(action), single, provider);
+}
+
+}}  // namespace orvik::processor

@@ -1,0 +1,178 @@
+#pragma once
+
+#include "frame/processor/AsyncProcessors.h"
+#include "frame/processor/ClassStatics.h"
+
+#include <boost/make_shared.hpp>
+
+#include <tuple>
+
+namespace orvik { namespace processor {
+
+/// What every processor class repeats, written once. `D` is the class, `B` the base that tells its stages, `A...` its
+/// attributes in declaration order; they may be forward declared where the class is.
+///
+/// `D` names itself by ORVIK_PROCESSOR and hides what it has of its own: `createRule()`,
+/// `initInitializers(InitializerMap&)`, `s_version`.
+template<class D, class B, class... A>
+class Processor : public B, public BaseObjectDescription
+{
+public:
+    /// Hands a value to an attribute; a later one replaces it.
+    /// @throws ORVIKBaseProcessingException before `init`.
+    template<class T>
+    void set(const typename T::StorageType& value)
+    {
+        this->checkInitialised();
+        attribute<T>()->assign(value);
+    }
+
+    /// The value of an output. @throws ORVIKBaseProcessingException before `init`.
+    template<class T>
+    typename std::enable_if<T::g_bOutput, typename T::StorageType>::type getStorage() const
+    {
+        this->checkInitialised();
+        return attribute<T>()->getStorage();
+    }
+
+    BoolResult initDerived(AttributeColl& attributes, InitializerMap& initializers, ProcessorDispatchPolicy& policy,
+                           RulePtr& rule, const eProcessorRulePolicy& rulePolicy) override
+    {
+        attributes.clear();
+        (void(attributes.push_back(std::get<boost::shared_ptr<A> >(m_attributes) = boost::make_shared<A>())), ...);
+        initializers.clear();
+        static_cast<D*>(this)->initInitializers(initializers);
+        policy = getDefaultDispatchPolicy();
+        rule.reset();
+        if (rulePolicy != ePRP_NoRules)
+            rule = static_cast<const D*>(this)->createRule();
+        return success();
+    }
+
+    static const std::string& getTypeName()
+    {
+        static const std::string name = details::makeTypeName(D::s_namespace, D::s_name);
+        return name;
+    }
+    static const std::string& getObjectNameStr()
+    {
+        static const std::string name(D::s_name);
+        return name;
+    }
+    static const std::string& getToolTipStr()
+    {
+        static const std::string tip = D::readToolTip();
+        return tip;
+    }
+    static unsigned int getVersion()
+    {
+        static const unsigned int version = details::readVersionConstant(D::s_version);
+        return version;
+    }
+    static const ProcessorDispatchPolicy& getDefaultDispatchPolicy()
+    {
+        static ProcessorDispatchPolicy policy;
+        details::initDispatchPolicy(policy);
+        return policy;
+    }
+    static BaseDynamicObject* createNewObject() { return new D; }
+    static DynamicObjectPtr createSharedObject() { return boost::make_shared<D>(); }
+    static boost::shared_ptr<D> createProcessor() { return boost::make_shared<D>(); }
+    static boost::shared_ptr<BaseProcessor> createBaseProcessor() { return boost::make_shared<D>(); }
+
+    std::string getClassName() const override { return getTypeName(); }
+    const std::string& getObjectName() const override { return getObjectNameStr(); }
+    const std::string& getToolTip() const override { return getToolTipStr(); }
+    BaseDynamicObject* createNew() const override { return createNewObject(); }
+    DynamicObjectPtr createShared() const override { return createSharedObject(); }
+    bool hasCopySupport() const override { return false; }
+    // Processors are never copied: their attributes, rules and partial results refer to one another.
+    void copy(const BaseDynamicObject&) override { details::throwCopyNotSupported(getTypeName()); }
+    BaseDynamicObject* duplicate() const override { details::throwCopyNotSupported(getTypeName()); }
+    DynamicObjectPtr duplicateShared() const override { details::throwCopyNotSupported(getTypeName()); }
+    BoolResult write(BaseOArchive& archive) const override
+    {
+        const BoolResult result = B::write(archive);
+        return result.getValue() ? details::writeClassVersion(archive, getClassName(), getVersion()) : result;
+    }
+    BoolResult read(BaseIArchive& archive) override
+    {
+        const BoolResult result = B::read(archive);
+        return result.getValue() ? details::readClassVersion(archive, getClassName(), getVersion()) : result;
+    }
+
+    /// Strips of fewer lines cost more than they win; a class with an expensive first line asks for more.
+    static constexpr unsigned long s_minStripLines = 1;
+
+protected:
+    typedef std::tuple<boost::shared_ptr<A>...> AttributeTuple;
+
+    static constexpr unsigned int s_version = 1;
+
+    template<class T>
+    const boost::shared_ptr<T>& attribute() const
+    {
+        return std::get<boost::shared_ptr<T> >(m_attributes);
+    }
+    /// What an attribute holds.
+    template<class T>
+    decltype(auto) value() const
+    {
+        return attribute<T>()->getStorage();
+    }
+    RulePtr createRule() const { return RulePtr(); }
+    void initInitializers(InitializerMap&) {}
+
+    AttributeTuple m_attributes;
+};
+
+/// First line of a processor class: its name and the number of its tool tip. The namespace has a `Library` that tells
+/// the rest: `s_namespace`, `s_name`, `toolTip(row)`.
+#define ORVIK_PROCESSOR(Name, ToolTipRow) \
+    template<class, class, class...> \
+    friend class ::orvik::processor::Processor; \
+    template<class, class...> \
+    friend class ::orvik::processor::ProcessingAlgorithm; \
+    static constexpr const char* s_name = #Name; \
+    static constexpr const char* s_namespace = Library::s_namespace; \
+    static std::string readToolTip() \
+    { \
+        return Library::toolTip(ToolTipRow); \
+    } \
+\
+public: \
+    static constexpr const char* s_library = Library::s_name; \
+    static constexpr const char* s_headerPath = __FILE__; \
+    Name(); \
+    ~Name() override;
+
+template<class D, class... A>
+class ProcessingAlgorithm;
+
+/// Makes a processor, ready for `set`.
+template<class P>
+boost::shared_ptr<P> createInitialised()
+{
+    const boost::shared_ptr<P> processor = boost::make_shared<P>();
+    processor->init(ePRP_WithRules);
+    return processor;
+}
+
+/// Starts a processor in the background. It keeps itself alive until it has ended.
+template<class P>
+boost::shared_ptr<P> startAsync(const boost::shared_ptr<P>& processor)
+{
+    processor->run(core::eST_Asynchronous);
+    return processor;
+}
+
+/// An output of a processor that was started in the background: waits for its end, raises its failure if it failed.
+template<class A, class P>
+typename A::StorageType waitForOutput(const boost::shared_ptr<P>& processor)
+{
+    processor->waitForEnd();
+    processor->rethrowFailure();
+    return processor->template getStorage<A>();
+}
+
+}}  // namespace orvik::processor

@@ -1,0 +1,88 @@
+#include "frame/serialization/DataItem.h"
+
+#include "frame/serialization/Archive.h"
+#include "frame/util/FrameMessages.h"
+
+namespace orvik {
+
+namespace {
+
+struct LeafWriter : BaseLeafVisitor
+{
+    explicit LeafWriter(BaseOArchive& to) : archive(to) {}
+
+    template<class T>
+    void writeLeaf(const char* name, const T& value)
+    {
+        archive << SerializationOItem<T>(name, value);
+    }
+    void visit(const char* name, bool& value) override { writeLeaf(name, value); }
+    void visit(const char* name, int& value) override { writeLeaf(name, value); }
+    void visit(const char* name, long& value) override { writeLeaf(name, value); }
+    void visit(const char* name, unsigned int& value) override { writeLeaf(name, value); }
+    void visit(const char* name, unsigned long& value) override { writeLeaf(name, value); }
+    void visit(const char* name, float& value) override { writeLeaf(name, value); }
+    void visit(const char* name, double& value) override { writeLeaf(name, value); }
+
+    BaseOArchive& archive;
+};
+
+struct LeafReader : BaseLeafVisitor
+{
+    explicit LeafReader(BaseIArchive& from) : archive(from) {}
+
+    template<class T>
+    void readLeaf(const char* name, T& value)
+    {
+        archive >> SerializationIItem<T>(name, value);
+    }
+    void visit(const char* name, bool& value) override { readLeaf(name, value); }
+    void visit(const char* name, int& value) override { readLeaf(name, value); }
+    void visit(const char* name, long& value) override { readLeaf(name, value); }
+    void visit(const char* name, unsigned int& value) override { readLeaf(name, value); }
+    void visit(const char* name, unsigned long& value) override { readLeaf(name, value); }
+    void visit(const char* name, float& value) override { readLeaf(name, value); }
+    void visit(const char* name, double& value) override { readLeaf(name, value); }
+
+    BaseIArchive& archive;
+};
+
+}  // namespace
+
+BaseLeafVisitor::~BaseLeafVisitor() = default;
+BaseDataItemNodeColl::~BaseDataItemNodeColl() = default;
+
+BaseDataItemNode::BaseDataItemNode() = default;
+BaseDataItemNode::BaseDataItemNode(const BaseDataItemNode&) = default;
+BaseDataItemNode& BaseDataItemNode::operator=(const BaseDataItemNode&) = default;
+BaseDataItemNode::~BaseDataItemNode() = default;
+
+void BaseDataItemNode::visitLeaves(BaseLeafVisitor&) {}
+
+BoolResult BaseDataItemNode::write(BaseOArchive& archive) const
+{
+    ArchiveSectionManager section(archive, getNodeName());
+    LeafWriter writer(archive);
+    // The visitor may change leaves when it reads; this one only looks.
+    const_cast<BaseDataItemNode*>(this)->visitLeaves(writer);
+    section.close();
+    return success();
+}
+
+BoolResult BaseDataItemNode::read(BaseIArchive& archive)
+{
+    ArchiveSectionManager section(archive, getNodeName());
+    LeafReader reader(archive);
+    visitLeaves(reader);
+    section.close();
+    return success();
+}
+
+void BaseDataItemNodeColl::throwWrongNode(const char* listName)
+{
+    const std::string text = std::string("A list of ") + listName + " was given a null record or one of another type";
+    logError(g_utilLogSource, text, __FILE__, __LINE__);
+    throw ORVIKUtilException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+}
+
+}  // namespace orvik

@@ -1,0 +1,217 @@
+#pragma once
+
+#include "frame/serialization/BaseDynamicObject.h"
+
+#include <boost/preprocessor/punctuation/comma_if.hpp>
+#include <boost/preprocessor/seq/for_each.hpp>
+#include <boost/preprocessor/seq/for_each_i.hpp>
+#include <boost/preprocessor/seq/variadic_seq_to_seq.hpp>
+#include <boost/preprocessor/stringize.hpp>
+#include <boost/preprocessor/tuple/elem.hpp>
+
+#include <cstdint>
+#include <vector>
+
+namespace orvik {
+
+/// Sees the leaves of a record one by one, in declaration order; used for archives and texts.
+class ORVIK_API BaseLeafVisitor
+{
+public:
+    virtual ~BaseLeafVisitor();
+    virtual void visit(const char* name, bool& value) = 0;
+    virtual void visit(const char* name, int& value) = 0;
+    virtual void visit(const char* name, long& value) = 0;
+    virtual void visit(const char* name, unsigned int& value) = 0;
+    virtual void visit(const char* name, unsigned long& value) = 0;
+    virtual void visit(const char* name, float& value) = 0;
+    virtual void visit(const char* name, double& value) = 0;
+};
+
+/// A record: a tree of named leaves.
+class ORVIK_API BaseDataItemNode : public BaseSerializationObject
+{
+public:
+    BaseDataItemNode();
+    BaseDataItemNode(const BaseDataItemNode&);
+    BaseDataItemNode& operator=(const BaseDataItemNode&);
+    ~BaseDataItemNode() override;
+
+    virtual const char* getNodeName() const = 0;
+    virtual void visitLeaves(BaseLeafVisitor& visitor);
+
+    BoolResult write(BaseOArchive& archive) const;
+    BoolResult read(BaseIArchive& archive);
+};
+
+/// One field of a record. Every leaf is a type of its own with a name, so that rules and splits can be told by type
+/// which field they look at.
+template<class T>
+class DataItemLeaf
+{
+public:
+    typedef T ValueType;
+
+    DataItemLeaf(const T& value = T()) : m_value(value) {}
+    const T& getValue() const { return m_value; }
+    T& accessValue() { return m_value; }
+
+private:
+    T m_value;
+};
+
+/// A list of plain values in a record.
+template<class T>
+class DataItemLeafColl : public DataItemLeaf<std::vector<T> >
+{
+};
+
+/// A list of records in a record.
+class ORVIK_API BaseDataItemNodeColl
+{
+public:
+    virtual ~BaseDataItemNodeColl();
+    virtual std::size_t size() const = 0;
+    virtual void clear() = 0;
+    /// @throws ORVIKUtilException for a null node or one of another type than the list's.
+    virtual void push_back(const boost::shared_ptr<BaseDataItemNode>& node) = 0;
+
+protected:
+    [[noreturn]] static void throwWrongNode(const char* listName);
+};
+
+template<class T>
+class DataItemNodeColl : public BaseDataItemNodeColl
+{
+public:
+    typedef T NodeType;
+    typedef std::vector<boost::shared_ptr<T> > Nodes;
+
+    std::size_t size() const override { return m_nodes.size(); }
+    void clear() override { m_nodes.clear(); }
+    void push_back(const boost::shared_ptr<BaseDataItemNode>& node) override
+    {
+        const boost::shared_ptr<T> typed = boost::dynamic_pointer_cast<T>(node);
+        if (!typed)
+            throwWrongNode(T::getRecordName());
+        m_nodes.push_back(typed);
+    }
+    void push_back(const boost::shared_ptr<T>& node)
+    {
+        if (!node)
+            throwWrongNode(T::getRecordName());
+        m_nodes.push_back(node);
+    }
+    const Nodes& getNodes() const { return m_nodes; }
+    Nodes& accessNodes() { return m_nodes; }
+
+private:
+    Nodes m_nodes;
+};
+
+// ORVIK_RECORD(Pixel2d, (double, X)(double, Y)(double, Value)) declares a record with its leaves in this order:
+// nested types Pixel2d::X ..., get<Pixel2d::X>(), set<Pixel2d::X>(value), Pixel2d::createNode() and
+// Pixel2d::createNode(x, y, value). ORVIK_RECORD_DEFINE compiles its body, in the frame, so that a record outlives the
+// library that asked for it.
+
+#define ORVIK_LEAF_TYPE(r, data, leaf) \
+    struct BOOST_PP_TUPLE_ELEM(2, 1, leaf) : public ::orvik::DataItemLeaf<BOOST_PP_TUPLE_ELEM(2, 0, leaf)> \
+    { \
+        static const char* getName() { return BOOST_PP_STRINGIZE(BOOST_PP_TUPLE_ELEM(2, 1, leaf)); } \
+    };
+#define ORVIK_LEAF_MEMBER(r, data, leaf) BOOST_PP_TUPLE_ELEM(2, 1, leaf) BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf));
+#define ORVIK_LEAF_ACCESS(r, data, leaf) \
+    const BOOST_PP_TUPLE_ELEM(2, 1, leaf)& leafOf(const BOOST_PP_TUPLE_ELEM(2, 1, leaf)*) const \
+    { \
+        return BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf)); \
+    }
+#define ORVIK_LEAF_PARAMETER(r, data, i, leaf) \
+    BOOST_PP_COMMA_IF(i) const BOOST_PP_TUPLE_ELEM(2, 0, leaf) & BOOST_PP_CAT(value, i)
+#define ORVIK_LEAF_ASSIGN(r, data, i, leaf) node->template set<BOOST_PP_TUPLE_ELEM(2, 1, leaf)>(BOOST_PP_CAT(value, i));
+#define ORVIK_LEAF_VISIT(r, data, leaf) \
+    visitor.visit(BOOST_PP_TUPLE_ELEM(2, 1, leaf)::getName(), BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf)).accessValue());
+
+#define ORVIK_RECORD_FROM_SEQ(Name, leaves) \
+    class ORVIK_API Name : public ::orvik::BaseDataItemNode \
+    { \
+    public: \
+        BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_TYPE, _, leaves) \
+        Name(); \
+        Name(const Name&); \
+        Name& operator=(const Name&); \
+        ~Name() override; \
+        static boost::shared_ptr<Name> createNode(); \
+        static boost::shared_ptr<Name> createNode(BOOST_PP_SEQ_FOR_EACH_I(ORVIK_LEAF_PARAMETER, _, leaves)) \
+        { \
+            const boost::shared_ptr<Name> node = createNode(); \
+            BOOST_PP_SEQ_FOR_EACH_I(ORVIK_LEAF_ASSIGN, _, leaves) \
+            return node; \
+        } \
+        static const char* getRecordName() { return #Name; } \
+        const char* getNodeName() const override { return #Name; } \
+        template<class Leaf> \
+        const typename Leaf::ValueType& get() const \
+        { \
+            return leafOf(static_cast<const Leaf*>(nullptr)).getValue(); \
+        } \
+        template<class Leaf> \
+        void set(const typename Leaf::ValueType& value) \
+        { \
+            const_cast<Leaf&>(leafOf(static_cast<const Leaf*>(nullptr))).accessValue() = value; \
+        } \
+        void visitLeaves(::orvik::BaseLeafVisitor& visitor) override \
+        { \
+            BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_VISIT, _, leaves) \
+        } \
+\
+    private: \
+        BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_ACCESS, _, leaves) \
+        BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_MEMBER, _, leaves) \
+    }
+#define ORVIK_RECORD(Name, leaves) ORVIK_RECORD_FROM_SEQ(Name, BOOST_PP_VARIADIC_SEQ_TO_SEQ(leaves))
+
+/// Declares a list of records `NodeType`; `Name::Coll` is the list itself.
+#define ORVIK_RECORD_COLL(Name, NodeType) \
+    class ORVIK_API Name : public ::orvik::BaseDataItemNode \
+    { \
+    public: \
+        struct Coll : public ::orvik::DataItemNodeColl<NodeType> \
+        { \
+            typedef ::orvik::DataItemNodeColl<NodeType> ValueType; \
+            static const char* getName() { return "Coll"; } \
+        }; \
+        Name(); \
+        Name(const Name&); \
+        Name& operator=(const Name&); \
+        ~Name() override; \
+        static boost::shared_ptr<Name> createNode(); \
+        static const char* getRecordName() { return #Name; } \
+        const char* getNodeName() const override { return #Name; } \
+        template<class L> \
+        const L& get() const \
+        { \
+            return m_coll; \
+        } \
+        template<class L> \
+        L& access() \
+        { \
+            return m_coll; \
+        } \
+        std::size_t size() const { return m_coll.size(); } \
+        const NodeType& operator[](std::size_t i) const { return *m_coll.getNodes()[i]; } \
+\
+    private: \
+        Coll m_coll; \
+    }
+
+#define ORVIK_RECORD_DEFINE(Name) \
+    Name::Name() = default; \
+    Name::Name(const Name&) = default; \
+    Name& Name::operator=(const Name&) = default; \
+    Name::~Name() = default; \
+    boost::shared_ptr<Name> Name::createNode() \
+    { \
+        return boost::make_shared<Name>(); \
+    }
+
+}  // namespace orvik

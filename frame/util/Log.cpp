@@ -1,0 +1,162 @@
+#include "frame/util/FrameMessages.h"
+
+#include <log4cplus/logger.h>
+#include <log4cplus/loglevel.h>
+#include <log4cplus/nullappender.h>
+
+namespace orvik {
+
+namespace {
+
+/// A logger below the base one. Never destroyed, so that a failure at the end of the process can still be logged.
+log4cplus::Logger& makeLogger(const std::string& suffix)
+{
+    getBaseLogger();
+    return *new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName() + suffix));
+}
+
+const char* const g_messageFailureText = "Exception thrown while processing message";
+
+void logMessageFailure(const char* function, const char* file, unsigned int line)
+{
+    logMessage(getBaseLogger(), log4cplus::ERROR_LOG_LEVEL, std::string(g_messageFailureText) + " in " + function, file,
+               static_cast<int>(line));
+}
+
+/// A catalogue with its rows, filled when it is first asked for.
+LogMessageManager& filled(const char* name, const std::string& domain,
+                          std::initializer_list<std::pair<int, const char*> > rows)
+{
+    LogMessageManager& manager = LogMessageManager::getInstance(name);
+    for (const std::pair<int, const char*>& row : rows)
+        manager.addMessage(domain, row.first, row.second);
+    return manager;
+}
+
+}  // namespace
+
+const std::string& getBaseLoggerName()
+{
+    static const std::string* const name = new std::string("orvik");
+    return *name;
+}
+
+log4cplus::Logger& getBaseLogger()
+{
+    static log4cplus::Logger* const logger = [] {
+        log4cplus::Logger* const made = new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName()));
+        made->addAppender(log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
+        return made;
+    }();
+    return *logger;
+}
+
+log4cplus::Logger& getORVIKUtilLogger()
+{
+    static log4cplus::Logger& logger = makeLogger(".ORVIKUtil");
+    return logger;
+}
+
+log4cplus::Logger& getORVIKSerializationLogger()
+{
+    static log4cplus::Logger& logger = makeLogger(".ORVIKSerialization");
+    return logger;
+}
+
+log4cplus::Logger& processor::getORVIKBaseProcessingLogger()
+{
+    static log4cplus::Logger& logger = makeLogger(".ORVIKBaseProcessing");
+    return logger;
+}
+
+log4cplus::Logger& imaproc::getORVIKImageProcessingLogger()
+{
+    static log4cplus::Logger& logger = makeLogger(".ORVIKImageProcessing");
+    return logger;
+}
+
+LogMessageManager& getORVIKUtilLogMessageManager()
+{
+    static LogMessageManager& manager =
+        filled("ORVIKUtil", typeid(eORVIKUtilErrors::domain).name(),
+               {{eORVIKUtilErrors::eCopyNotSupported, "Objects of class %s can't be copied"}});
+    return manager;
+}
+
+LogMessageManager& getORVIKSerializationLogMessageManager()
+{
+    static LogMessageManager& manager =
+        filled("ORVIKSerialization", typeid(eORVIKSerializationMessage::domain).name(),
+               {{eORVIKSerializationMessage::eClassVersionTooRecent,
+                 "The archive holds version %2% of class %1%, which is more recent than the version in use (%3%)"}});
+    return manager;
+}
+
+LogMessageManager& processor::getORVIKBaseProcessingLogMessageManager()
+{
+    static LogMessageManager& manager = [] () -> LogMessageManager& {
+        filled("ORVIKBaseProcessing", typeid(eAlgorithmFunctionMessage::domain).name(),
+               {{eAlgorithmFunctionMessage::eRegistrationFailed, "Kernels could not be registered (%2%):\n%1%"}});
+        return filled("ORVIKBaseProcessing", typeid(eProcessorMessage::domain).name(),
+                      {{eProcessorMessage::eRunRefused, "%s refuses to run:\n%s"},
+                       {eProcessorMessage::eMandatoryAttributeMissing,
+                        "%s refuses to run: mandatory attribute %s has no value (unset or null)"},
+                       {eProcessorMessage::eRunFailed, "%s failed: %s"},
+                       {eProcessorMessage::eProcessorNotInitialised,
+                        "Processor %s has not been initialised, call init first"}});
+    }();
+    return manager;
+}
+
+LogMessageManager& imaproc::getORVIKImageProcessingLogMessageManager()
+{
+    static LogMessageManager& manager = filled("ORVIKImageProcessing", typeid(eImageMessage::domain).name(),
+                                               {{eImageMessage::eInvalidImage, "Invalid image: %s"}});
+    return manager;
+}
+
+const LogSource g_utilLogSource = {&getORVIKUtilLogger, &getORVIKUtilLogMessageManager};
+const LogSource g_serializationLogSource = {&getORVIKSerializationLogger, &getORVIKSerializationLogMessageManager};
+const LogSource processor::g_baseProcessingLogSource = {&getORVIKBaseProcessingLogger,
+                                                        &getORVIKBaseProcessingLogMessageManager};
+const LogSource imaproc::g_imageProcessingLogSource = {&getORVIKImageProcessingLogger,
+                                                       &getORVIKImageProcessingLogMessageManager};
+
+void logMessage(log4cplus::Logger& logger, const int& level, const std::string& message, const std::string& file,
+                int line)
+{
+    logger.log(level, message, file.c_str(), line);
+}
+
+void logError(const LogSource& source, const std::string& text, const char* file, unsigned int line)
+{
+    log4cplus::Logger& logger = source.logger();
+    if (logger.isEnabledFor(log4cplus::ERROR_LOG_LEVEL))
+        logMessage(logger, log4cplus::ERROR_LOG_LEVEL, text, file, static_cast<int>(line));
+}
+
+std::string formatAndLogError(const LogSource& source, const std::string& domainName, int id,
+                              std::initializer_list<std::string> arguments, const char* function, const char* file,
+                              unsigned int line)
+{
+    try {
+        LogMessageFormater formater(source.manager());
+        formater.setMsgId(domainName, id);
+        for (const std::string& argument : arguments)
+            formater % argument;
+        const std::string text = formater.string();
+        logError(source, text, file, line);
+        return text;
+    } catch (const BaseException& cause) {
+        logMessageFailure(function, file, line);
+        throw BaseException(g_messageFailureText, function, file, line, cause);
+    } catch (const std::exception& cause) {
+        logMessageFailure(function, file, line);
+        throw BaseException(g_messageFailureText, function, file, line, cause);
+    } catch (...) {
+        logMessageFailure(function, file, line);
+        throw BaseException(g_messageFailureText, function, file, line, UnHandleException());
+    }
+}
+
+}  // namespace orvik

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace orvik { namespace imaproc { namespace fd {
+
+/// What the processor classes of this library share.
+struct Library
+{
+    static constexpr const char* s_namespace = "orvik::imaproc::fd";
+    static constexpr const char* s_name = "ORVIKIPLFeatureDetection";
+    /// Text of a class's tool tip, also while the library is still loading.
+    static std::string toolTip(unsigned int row);
+};
+
+}}}  // namespace orvik::imaproc::fd

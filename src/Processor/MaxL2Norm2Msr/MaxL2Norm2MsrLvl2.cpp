@@ -1,0 +1,56 @@
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl2.h"
+
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/ImageRules.h"
+#include "frame/imaproc/Stages.h"
+#include "frame/processor/ProcessorFactory.h"
+#include "frame/util/NumericLimits.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+ORVIK_REGISTER_PROCESSOR(MaxL2Norm2MsrLvl2)
+
+MaxL2Norm2MsrLvl2::MaxL2Norm2MsrLvl2()
+    : m_results(boost::make_shared<std::map<processor::ElementsRange, boost::shared_ptr<StatsResult> > >())
+{
+}
+
+MaxL2Norm2MsrLvl2::~MaxL2Norm2MsrLvl2() = default;
+
+processor::RulePtr MaxL2Norm2MsrLvl2::createRule() const
+{
+    return matchSize(attribute<InSubImg2d1>(), attribute<InSubImg2d2>())
+           && matchBufferType(attribute<InSubImg2d1>(), attribute<InSubImg2d2>());
+}
+
+processor::RetrievalResult MaxL2Norm2MsrLvl2::retrieveProvider(const core::BasePriority& priority,
+                                                               processor::ProviderPtr& provider)
+{
+    return dispatch<MaxL2Norm2MsrLvl3>(priority, provider, strips<InYStrip2d1>(value<InSubImg2d1>()),
+                                       strips<InYStrip2d2>(value<InSubImg2d2>()),
+                                       resultOfEach<OutStatsResult>(m_results));
+}
+
+processor::StageResult MaxL2Norm2MsrLvl2::postProcess()
+{
+    double m = NumericLimits<double>::s_min;
+    for (const auto& strip : *m_results) {
+        const double v = strip.second->get<StatsResult::Max>();
+        m = (v > m) ? v : m;
+    }
+    value<OutStatsResult>()->set<StatsResult::Max>(m);
+    return processor::StageResult(processor::eSRT_Done);
+}
+
+void MaxL2Norm2MsrLvl2::clearIntermediateData() noexcept
+{
+    m_results->clear();
+}
+
+}}}  // namespace orvik::imaproc::fd
