@@ -1,3 +1,17 @@
-# The kit's other algorithm libraries; a line per class, as in src/CMakeLists.txt. Part of the frame's library.
+# The kit's other algorithm libraries, part of the frame's library: one line per family, as in src/CMakeLists.txt.
 set(siblings ${CMAKE_SOURCE_DIR}/siblings)
-set(ORVIK_SIBLING_SOURCES)
+set(U ${siblings}/Utility/Processor)
+set(M ${siblings}/AdvancedMorphology/Processor)
+orvik_level3(BasicThresholdImg ${U}/BasicThresholdImg/BasicThresholdImg sse2 avx2 avx512)
+orvik_level3(IterativeExtremumPropagation2dImg
+  ${M}/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImg sse2 avx2 avx512)
+
+set(ORVIK_SIBLING_SOURCES
+  ${siblings}/Utility/Library.cpp
+  ${siblings}/AdvancedMorphology/Library.cpp
+  ${U}/BasicThresholdImg/BasicThresholdImgLvl1.cpp ${U}/BasicThresholdImg/BasicThresholdImgLvl2.cpp ${BasicThresholdImg}
+  ${M}/PlaneRuns.cpp
+  ${M}/ConnectedComponent2dImg/ConnectedComponent2dImgLvl1.cpp ${M}/ConnectedComponent2dImg/ConnectedComponent2dImgLvl2.cpp
+  ${M}/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImgLvl2.cpp ${IterativeExtremumPropagation2dImg}
+  ${M}/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgLutBuildPassLvl2.cpp
+  ${M}/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgThresholdPassLvl2.cpp)

@@ -13,6 +13,8 @@ ORVIK_OUTPUT(OutMaxLabel, (processor::BaseValueAttribute<unsigned int>), "larges
 ORVIK_INPUT(InNbLabels, (processor::BaseValueAttribute<unsigned int>), "number of labels");
 ORVIK_INPUT(InThresholdMin, (processor::BaseValueAttribute<double>), "lowest value that counts");
 ORVIK_INPUT(InThresholdMax, (processor::BaseValueAttribute<double>), "highest value that counts");
+ORVIK_OPTIONAL_INPUT(InOptOutside, (processor::BaseValueAttribute<unsigned int>), 0,
+                     "not 0: values outside the thresholds count; inside unless set");
 ORVIK_INPUT(InStdDevX, (processor::BaseValueAttribute<float>), "standard deviation along x, in pixels");
 ORVIK_INPUT(InStdDevY, (processor::BaseValueAttribute<float>), "standard deviation along y, in pixels");
 

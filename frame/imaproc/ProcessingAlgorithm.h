@@ -64,6 +64,15 @@ protected:
                    ? static_cast<Parser*>(parser)
                    : nullptr;
     }
+    /// Calls f with the parser of a strip attribute, whatever its sample type. False when there is none.
+    template<class Attribute, class F>
+    bool withParser(F&& f) const
+    {
+        return tryParser<Attribute, unsigned char>(f) || tryParser<Attribute, float>(f)
+               || tryParser<Attribute, signed char>(f) || tryParser<Attribute, short>(f)
+               || tryParser<Attribute, unsigned short>(f) || tryParser<Attribute, int>(f)
+               || tryParser<Attribute, unsigned int>(f);
+    }
     /// The parser of a strip attribute whatever its sample type, for setting its border.
     template<class Attribute, class BaseParser>
     BaseParser& borderParser() const
@@ -81,6 +90,15 @@ private:
     {
         static AlgorithmEntry& found = getAlgorithmEntry(D::getTypeName());
         return found;
+    }
+
+    template<class Attribute, class Sample, class F>
+    bool tryParser(F& f) const
+    {
+        auto* const found = parser<Attribute, Sample>();
+        if (found)
+            f(*found);
+        return found != nullptr;
     }
 
     template<class Attribute>

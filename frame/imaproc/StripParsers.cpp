@@ -51,7 +51,10 @@ void PlainStripParser::endRun(unsigned long firstColumn, unsigned long nbData)
         std::memcpy(m_line + firstColumn * m_sampleSize, m_current, nbData * m_sampleSize);
 }
 
-KernelYStrip2dParser::KernelYStrip2dParser(eDataType dataType) : BaseStripParser(dataType), m_lineSize(0) {}
+KernelYStrip2dParser::KernelYStrip2dParser(eDataType dataType)
+    : BaseStripParser(dataType), m_lineSize(0), m_nextLine(nullptr)
+{
+}
 
 void KernelYStrip2dParser::start(unsigned long granularity)
 {
@@ -86,6 +89,7 @@ void KernelYStrip2dParser::beginLine(unsigned long line)
         m_lines.rollUpFragments();
         load(nbLines - 1, first + static_cast<long>(nbLines - 1));
     }
+    m_nextLine = m_strip->getImageLine(first + static_cast<long>(nbLines));
 }
 
 KernelZStrip3dParser::KernelZStrip3dParser(eDataType dataType) : BaseStripParser(dataType), m_lineSize(0), m_y(0) {}

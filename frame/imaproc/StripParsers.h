@@ -62,6 +62,15 @@ public:
     void init(const boost::shared_ptr<image::InputImageYStrip2dWithKernel>& strip) { m_strip = strip; }
     void clear() override { m_strip.reset(); }
     const boost::shared_ptr<image::InputImageYStrip2dWithKernel>& getImageYStrip2dWithKernel() const { return m_strip; }
+    /// Asks memory for `nbSamples` columns of the line that comes next. A kernel that works its way along the line calls
+    /// it on the way, so that the line is there when it is copied; asked for all at once it would be waited for.
+    void prefetchNext(unsigned long column, unsigned long nbSamples) const
+    {
+        const unsigned long cacheLine = 64;
+        const char* const from = static_cast<const char*>(m_nextLine) + column * m_sampleSize;
+        for (unsigned long i = 0; m_nextLine && i < nbSamples * m_sampleSize; i += cacheLine)
+            __builtin_prefetch(from + i);
+    }
     /// 0 unless set.
     void setBorder2dPolicy(const image::Border2dPolicy& policy) { m_border = policy; }
 
@@ -82,6 +91,7 @@ private:
     image::Border2dPolicy m_border;
     image::FragHybridBuffer m_lines;
     unsigned long m_lineSize;
+    const void* m_nextLine;  // null at the end of the image
 };
 
 /// Slices around the current one, whole, in buffers of their own in which the border stands where there is no image.

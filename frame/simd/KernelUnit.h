@@ -8,6 +8,8 @@
 #include "frame/imaproc/ProcessingAlgorithm.h"
 #include "frame/processor/KernelRegistrator.h"
 
+#include "frame/util/NumericLimits.h"
+
 #include <immintrin.h>
 
 #include <algorithm>

@@ -29,6 +29,19 @@ inline void store(T* to, typename Lanes<T>::type v)
     std::memcpy(to, &v, sizeof v);
 }
 
+/// Whether any lane of a comparison's result, all ones or all zeros, is set.
+template<class V>
+inline bool anyOf(V mask)
+{
+#if ORVIK_SET_BYTES == 64
+    return _mm512_test_epi64_mask((__m512i)mask, (__m512i)mask) != 0;
+#elif ORVIK_SET_BYTES == 32
+    return !_mm256_testz_si256((__m256i)mask, (__m256i)mask);
+#else
+    return _mm_movemask_epi8((__m128i)mask) != 0;
+#endif
+}
+
 /// a * b + c, rounded once. Only where a kernel is told to fuse; nothing else ever is.
 inline Lanes<float>::type fma(Lanes<float>::type a, Lanes<float>::type b, Lanes<float>::type c)
 {

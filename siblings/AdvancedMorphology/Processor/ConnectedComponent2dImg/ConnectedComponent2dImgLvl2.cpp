@@ -1,0 +1,22 @@
+#include "siblings/AdvancedMorphology/Processor/ConnectedComponent2dImg/ConnectedComponent2dImgLvl2.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/ProcessorFactory.h"
+
+namespace orvik { namespace imaproc { namespace advmorpho {
+
+using namespace attr;
+
+ORVIK_REGISTER_PROCESSOR(ConnectedComponent2dImgLvl2)
+
+ConnectedComponent2dImgLvl2::ConnectedComponent2dImgLvl2() = default;
+ConnectedComponent2dImgLvl2::~ConnectedComponent2dImgLvl2() = default;
+
+BoolResult ConnectedComponent2dImgLvl2::runDerived()
+{
+    value<OutPlaneComponents>()->runs.find(*value<InSubImg2d>(), value<InNeighborhood2d>());
+    return success();
+}
+
+}}}  // namespace orvik::imaproc::advmorpho

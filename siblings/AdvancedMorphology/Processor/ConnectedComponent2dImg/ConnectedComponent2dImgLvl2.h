@@ -1,0 +1,41 @@
+#pragma once
+
+#include "siblings/AdvancedMorphology/Library.h"
+#include "siblings/AdvancedMorphology/Processor/PlaneRuns.h"
+
+#include "frame/processor/Processor.h"
+
+namespace orvik { namespace imaproc {
+
+namespace attr {
+struct InSubImg2d;
+struct InNeighborhood2d;
+}  // namespace attr
+
+namespace advmorpho {
+
+/// Partial result of one plane.
+class PlaneComponents : public BaseDataItemNode
+{
+public:
+    const char* getNodeName() const override { return "PlaneComponents"; }
+    static boost::shared_ptr<PlaneComponents> createNode() { return boost::make_shared<PlaneComponents>(); }
+
+    PlaneRuns runs;
+};
+
+ORVIK_OUTPUT(OutPlaneComponents, (processor::OutputDataItem<PlaneComponents>), "components of one plane");
+
+/// Level 2: finds the components of one plane; numbering them is left to Level 1, which knows all planes.
+class ConnectedComponent2dImgLvl2
+    : public processor::Processor<ConnectedComponent2dImgLvl2, processor::BaseSyncProcessor, attr::InSubImg2d,
+                                  attr::InNeighborhood2d, OutPlaneComponents>
+{
+    ORVIK_PROCESSOR(ConnectedComponent2dImgLvl2, 1)
+
+protected:
+    BoolResult runDerived() override;
+};
+
+}  // namespace advmorpho
+}}  // namespace orvik::imaproc

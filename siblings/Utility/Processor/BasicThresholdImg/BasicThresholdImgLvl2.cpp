@@ -1,0 +1,35 @@
+#include "siblings/Utility/Processor/BasicThresholdImg/BasicThresholdImgLvl2.h"
+
+#include "siblings/Utility/Processor/BasicThresholdImg/BasicThresholdImgLvl3.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/ImageRules.h"
+#include "frame/imaproc/Stages.h"
+#include "frame/processor/ProcessorFactory.h"
+
+namespace orvik { namespace imaproc { namespace util {
+
+using namespace attr;
+
+ORVIK_REGISTER_PROCESSOR(BasicThresholdImgLvl2)
+
+BasicThresholdImgLvl2::BasicThresholdImgLvl2() = default;
+BasicThresholdImgLvl2::~BasicThresholdImgLvl2() = default;
+
+processor::RulePtr BasicThresholdImgLvl2::createRule() const
+{
+    return matchSize(attribute<InSubImg2d>(), attribute<OutBinImg>());
+}
+
+processor::RetrievalResult BasicThresholdImgLvl2::retrieveProvider(const core::BasePriority& priority,
+                                                                   processor::ProviderPtr& provider)
+{
+    return dispatch<BasicThresholdImgLvl3>(priority, provider, strips<InYStrip2d>(value<InSubImg2d>()),
+                                           same<InThresholdMin>(value<InThresholdMin>()),
+                                           same<InThresholdMax>(value<InThresholdMax>()),
+                                           strips<OutYStrip2d>(value<OutBinImg>()));
+}
+
+}}}  // namespace orvik::imaproc::util
