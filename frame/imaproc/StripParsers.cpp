@@ -13,8 +13,8 @@ KernelZStrip3dParser::~KernelZStrip3dParser() = default;
 BaseStripParser::BaseStripParser(eDataType dataType) : m_dataType(dataType), m_sampleSize(getDataTypeSize(dataType)) {}
 
 PlainStripParser::PlainStripParser(eDataType dataType, bool writable, bool wholeLines)
-    : BaseStripParser(dataType), m_current(nullptr), m_writable(writable), m_wholeLines(wholeLines), m_granularity(1),
-      m_line(nullptr)
+    : BaseStripParser(dataType), m_current(nullptr), m_writable(writable), m_wholeLines(wholeLines), m_inPlace(false),
+      m_granularity(1), m_line(nullptr)
 {
 }
 
@@ -27,8 +27,9 @@ void PlainStripParser::start(unsigned long granularity)
     else
         setRuns(0, sizeX / block * block, sizeX % block);
     m_granularity = granularity;
-    if (!m_strip->hasSlack())
-        m_scratch.init(processor::alignedCount(m_wholeLines ? sizeX : block, granularity), m_dataType);
+    m_inPlace = m_strip->hasSlack() && granularity <= block;
+    if (!m_inPlace)
+        m_scratch.init(processor::alignedCount(m_wholeLines || granularity > block ? sizeX : block, granularity), m_dataType);
 }
 
 void PlainStripParser::beginLine(unsigned long line)
@@ -39,7 +40,7 @@ void PlainStripParser::beginLine(unsigned long line)
 void PlainStripParser::beginRun(unsigned long firstColumn, unsigned long nbData)
 {
     m_current = m_line + firstColumn * m_sampleSize;
-    if (m_strip->hasSlack() || nbData % m_granularity == 0)
+    if (m_inPlace || nbData % m_granularity == 0)
         return;
     std::memcpy(m_scratch.getDataPtr(), m_current, nbData * m_sampleSize);
     m_current = m_scratch.getDataPtr();

@@ -26,7 +26,8 @@ protected:
     const unsigned long m_sampleSize;
 };
 
-/// Strips without margins. A run points into the image's own line where that has slack, else to a scratch line.
+/// Strips without margins. A run points into the image's own line where that has as much slack as the kernel may use,
+/// else to a scratch line.
 class ORVIK_API PlainStripParser : public BaseStripParser
 {
 public:
@@ -50,6 +51,7 @@ private:
     image::TypedOwnBuffer m_scratch;
     const bool m_writable;
     const bool m_wholeLines;
+    bool m_inPlace;
     unsigned long m_granularity;
     char* m_line;
 };

@@ -1,0 +1,136 @@
+#pragma once
+
+// Images of any sample type for tests: filling, reading, comparing.
+
+#include "frame/image/BaseImage.h"
+#include "frame/util/NumericLimits.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <type_traits>
+#include <vector>
+
+namespace orvik::test {
+
+typedef boost::shared_ptr<image::BaseImage> ImagePtr;
+
+constexpr image::eImageBufferType kAllTypes[] = {
+    image::eIBT_Int8,   image::eIBT_UInt8,  image::eIBT_Int16,   image::eIBT_UInt16,  image::eIBT_Int32, image::eIBT_UInt32,
+    image::eIBT_Real32, image::eIBT_Binary, image::eIBT_Label16, image::eIBT_Label32, image::eIBT_Label8};
+
+/// Calls f(x, y, z, c, t) for each sample, x fastest.
+template<class F>
+void forEachSample(const image::ImageSizes& sizes, F&& f)
+{
+    for (unsigned long t = 0; t < sizes.t; ++t)
+        for (unsigned long c = 0; c < sizes.c; ++c)
+            for (unsigned long z = 0; z < sizes.z; ++z)
+                for (unsigned long y = 0; y < sizes.y; ++y)
+                    for (unsigned long x = 0; x < sizes.x; ++x)
+                        f(x, y, z, c, t);
+}
+
+/// A sample of any type; exact, since double holds them all.
+inline double sampleAt(const image::BaseImage& image, unsigned long x, unsigned long y, unsigned long z = 0,
+                       unsigned long c = 0, unsigned long t = 0)
+{
+    double value = 0;
+    image::withSampleType(image::toDataType(image.getBufferType()), [&](auto sample) {
+        value = static_cast<double>(static_cast<const decltype(sample)*>(image.getLine(y, z, c, t))[x]);
+    });
+    return value;
+}
+
+inline void setSample(image::BaseImage& image, double value, unsigned long x, unsigned long y, unsigned long z = 0,
+                      unsigned long c = 0, unsigned long t = 0)
+{
+    image::withSampleType(image::toDataType(image.getBufferType()), [&](auto sample) {
+        static_cast<decltype(sample)*>(image.accessLine(y, z, c, t))[x] = static_cast<decltype(sample)>(value);
+    });
+}
+
+/// Random samples: any value of an integer type, 0 and 1 for binary, -1000 to 1000 with fractions for float.
+inline void fillRandom(image::BaseImage& image, unsigned int seed)
+{
+    std::mt19937 random(seed);
+    const bool binary = image.getBufferType() == image::eIBT_Binary;
+    image::withSampleType(image::toDataType(image.getBufferType()), [&](auto sample) {
+        typedef decltype(sample) T;
+        forEachSample(image.getGeometry().getSizes(), [&](unsigned long x, unsigned long y, unsigned long z,
+                                                          unsigned long c, unsigned long t) {
+            T value;
+            if constexpr (std::is_floating_point<T>::value)
+                value = std::uniform_real_distribution<T>(-1000, 1000)(random);
+            else
+                value = static_cast<T>(binary ? random() & 1 : random());
+            static_cast<T*>(image.accessLine(y, z, c, t))[x] = value;
+        });
+    });
+}
+
+inline ImagePtr randomImage(image::eImageBufferType type, const image::ImageSizes& sizes, unsigned int seed = 1)
+{
+    const ImagePtr image = image::createImage(type, sizes);
+    fillRandom(*image, seed);
+    return image;
+}
+
+/// Same sizes, types and bits; the first difference is told by its coordinates.
+inline ::testing::AssertionResult sameSamples(const image::BaseImage& a, const image::BaseImage& b)
+{
+    const image::ImageSizes& sizes = a.getGeometry().getSizes();
+    if (!(sizes == b.getGeometry().getSizes()) || a.getBufferType() != b.getBufferType())
+        return ::testing::AssertionFailure()
+               << toString(sizes) << ", " << toString(a.getBufferType()) << " against "
+               << toString(b.getGeometry().getSizes()) << ", " << toString(b.getBufferType());
+    const std::size_t sampleSize = image::getImageBufferBaseSize(a.getBufferType());
+    ::testing::AssertionResult result = ::testing::AssertionSuccess();
+    forEachSample(sizes, [&](unsigned long x, unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
+        if (result
+            && std::memcmp(static_cast<const char*>(a.getLine(y, z, c, t)) + x * sampleSize,
+                           static_cast<const char*>(b.getLine(y, z, c, t)) + x * sampleSize, sampleSize) != 0)
+            result = ::testing::AssertionFailure()
+                     << toString(a.getBufferType()) << ", size " << toString(sizes) << ": at (" << x << ", " << y << ", "
+                     << z << ", " << c << ", " << t << ") " << sampleAt(a, x, y, z, c, t) << " against "
+                     << sampleAt(b, x, y, z, c, t);
+    });
+    return result;
+}
+
+/// An image on a caller's buffer, the lines apart by `gap` samples that belong to nobody: after a run they must still
+/// hold what they held. The buffer ends with the last sample, so that tools that watch memory see what is read past it.
+class GuardedImage
+{
+public:
+    GuardedImage(image::eImageBufferType type, const image::ImageSizes& sizes, unsigned long gap)
+        : m_sampleSize(image::getImageBufferBaseSize(type)), m_lineSize(sizes.x * m_sampleSize),
+          m_stride((sizes.x + gap) * m_sampleSize)
+    {
+        const unsigned long nbLines = sizes.y * sizes.z * sizes.c * sizes.t;
+        m_bytes.assign((nbLines - 1) * m_stride + m_lineSize, s_guard);
+        const long line = static_cast<long>(m_stride), plane = line * static_cast<long>(sizes.y);
+        const long volume = plane * static_cast<long>(sizes.z);
+        m_image = image::wrapBuffer(static_cast<void*>(m_bytes.data()), type, sizes,
+                                    image::ImageStrides(line, plane, volume, volume * static_cast<long>(sizes.c)));
+    }
+
+    const ImagePtr& get() const { return m_image; }
+    bool areGuardsIntact() const
+    {
+        for (std::size_t i = 0; i < m_bytes.size(); ++i)
+            if (i % m_stride >= m_lineSize && m_bytes[i] != s_guard)
+                return false;
+        return true;
+    }
+
+private:
+    static constexpr unsigned char s_guard = 0xA5;
+
+    unsigned long m_sampleSize, m_lineSize, m_stride;
+    std::vector<unsigned char> m_bytes;
+    ImagePtr m_image;
+};
+
+}  // namespace orvik::test
