@@ -15,3 +15,12 @@ set(ORVIK_SIBLING_SOURCES
   ${M}/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImgLvl2.cpp ${IterativeExtremumPropagation2dImg}
   ${M}/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgLutBuildPassLvl2.cpp
   ${M}/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgThresholdPassLvl2.cpp)
+
+set(F ${siblings}/Filtering/Processor)
+orvik_level3(GaussianGradient2dImg ${F}/GaussianGradient2dImg/GaussianGradient2dImg sse2 avx2 avx512)
+list(APPEND ORVIK_SIBLING_SOURCES
+  ${siblings}/Filtering/GaussianRules.cpp
+  ${siblings}/Filtering/GaussianWeights.cpp
+  ${siblings}/Filtering/Library.cpp
+  ${F}/GaussianGradient2dImg/GaussianGradient2dImgLvl1.cpp ${F}/GaussianGradient2dImg/GaussianGradient2dImgLvl2.cpp
+  ${GaussianGradient2dImg})

@@ -30,9 +30,21 @@ T borderSample(const BorderPolicy& policy)
 
 void fillBorder(const BorderPolicy& policy, eDataType type, void* samples, unsigned long n)
 {
+    if (policy.getType() == eBT_Nearest)
+        return;
     withSampleType(type, [&](auto zero) {
         typedef decltype(zero) T;
         std::fill_n(static_cast<T*>(samples), n, borderSample<T>(policy));
+    });
+}
+
+void repeatEdges(eDataType type, void* samples, unsigned long first, unsigned long sizeX, unsigned long n)
+{
+    withSampleType(type, [&](auto zero) {
+        typedef decltype(zero) T;
+        T* const line = static_cast<T*>(samples);
+        std::fill(line, line + first, line[first]);
+        std::fill(line + first + sizeX, line + n, line[first + sizeX - 1]);
     });
 }
 

@@ -8,11 +8,13 @@ enum eBorderType : unsigned int
 {
     eBT_Value = 0,
     eBT_Min = 1,
-    eBT_Max = 2
+    eBT_Max = 2,
+    eBT_Nearest = 3
 };
 
-/// What a kernel reads beyond the image: a constant, or the lowest or highest finite value of the sample type.
-/// A constant outside the range of an integer type reads as the nearest value within.
+/// What a kernel reads beyond the image: a constant, the lowest or highest finite value of the sample type, or the
+/// sample of the image that lies nearest. A constant outside the range of an integer type reads as the nearest value
+/// within.
 class BorderPolicy
 {
 public:
@@ -38,11 +40,17 @@ class Border3dPolicy : public BorderPolicy
 inline Border2dPolicy valuedBorder2d(double value) { return Border2dPolicy(eBT_Value, value); }
 inline Border2dPolicy valuedMinBorder2d() { return Border2dPolicy(eBT_Min); }
 inline Border2dPolicy valuedMaxBorder2d() { return Border2dPolicy(eBT_Max); }
+inline Border2dPolicy nearestBorder2d() { return Border2dPolicy(eBT_Nearest); }
 inline Border3dPolicy valuedBorder3d(double value) { return Border3dPolicy(eBT_Value, value); }
 inline Border3dPolicy valuedMinBorder3d() { return Border3dPolicy(eBT_Min); }
 inline Border3dPolicy valuedMaxBorder3d() { return Border3dPolicy(eBT_Max); }
+inline Border3dPolicy nearestBorder3d() { return Border3dPolicy(eBT_Nearest); }
 
-/// Sets `n` samples of that type to what the border reads as.
+/// Sets `n` samples of that type to what the border reads as; without effect for the nearest sample, which only the
+/// image's lines can tell.
 ORVIK_API void fillBorder(const BorderPolicy& policy, eDataType type, void* samples, unsigned long n);
+/// In a line of `n` samples of that type, `sizeX` of which are the image's, from `first` on, sets those before to the
+/// first of them and those after to the last.
+ORVIK_API void repeatEdges(eDataType type, void* samples, unsigned long first, unsigned long sizeX, unsigned long n);
 
 }}  // namespace orvik::image

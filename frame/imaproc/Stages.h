@@ -238,12 +238,38 @@ StripsOf<A> strips(const boost::shared_ptr<typename A::StorageType::element_type
     return {image, image::StripMargins()};
 }
 
-/// Strips whose children also read that many samples around each of theirs.
+/// Strips whose children also read neighbours of their lines.
+template<class A>
+StripsOf<A> stripsWithMargins(const boost::shared_ptr<const image::BaseImage>& image, const image::StripMargins& margins)
+{
+    return {image, margins};
+}
+
+/// The same with that many samples on both sides.
 template<class A>
 StripsOf<A> stripsWithMargins(const boost::shared_ptr<const image::BaseImage>& image, unsigned long marginX,
                               unsigned long marginY, unsigned long marginZ = 0)
 {
-    return {image, {marginX, marginX, marginY, marginY, marginZ, marginZ}};
+    return stripsWithMargins<A>(image, {marginX, marginX, marginY, marginY, marginZ, marginZ});
+}
+
+template<class Part>
+struct PartIfImage
+{
+    Part part;
+
+    template<class P, class Splits>
+    BoolResult addSplit(Splits& splits) const
+    {
+        return part.image ? part.template addSplit<P>(splits) : success();
+    }
+};
+
+/// Sub-images or strips of an image that may be unset: the children's attribute then stays unset, too.
+template<class Part>
+PartIfImage<Part> ifSet(const Part& part)
+{
+    return {part};
 }
 
 }}  // namespace orvik::imaproc

@@ -1,8 +1,19 @@
 #include "frame/imaproc/StripParsers.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace orvik { namespace imaproc {
+
+namespace {
+
+/// The line or slice of an image that stands for `i` where the nearest one does.
+long nearest(long i, unsigned long size)
+{
+    return std::max(0l, std::min(i, static_cast<long>(size) - 1));
+}
+
+}  // namespace
 
 BaseImageParser::~BaseImageParser() = default;
 BaseStripParser::~BaseStripParser() = default;
@@ -70,12 +81,15 @@ void KernelYStrip2dParser::start(unsigned long granularity)
 
 void KernelYStrip2dParser::load(unsigned long fragment, long y)
 {
-    const unsigned long sizeX = m_strip->getSizeX();
-    void* const start = m_lines.getDataPtr(fragment, m_strip->getMargins().startX);
-    if (const void* const line = m_strip->getImageLine(y))
+    const unsigned long sizeX = m_strip->getSizeX(), startX = m_strip->getMargins().startX;
+    const bool repeats = m_border.getType() == image::eBT_Nearest;
+    void* const start = m_lines.getDataPtr(fragment, startX);
+    if (const void* const line = m_strip->getImageLine(repeats ? nearest(y, m_strip->getImageSizeY()) : y))
         std::memcpy(start, line, sizeX * m_sampleSize);
     else
         image::fillBorder(m_border, m_dataType, start, sizeX);
+    if (repeats)
+        image::repeatEdges(m_dataType, m_lines.getDataPtr(fragment), startX, sizeX, m_lineSize);
 }
 
 void KernelYStrip2dParser::beginLine(unsigned long line)
@@ -110,13 +124,22 @@ void KernelZStrip3dParser::start(unsigned long granularity)
 void KernelZStrip3dParser::load(unsigned long fragment, long z)
 {
     const image::StripMargins& margins = m_strip->getMargins();
-    const unsigned long sizeX = m_strip->getSizeX();
-    for (unsigned long y = 0; y < m_strip->getSizeY(); ++y) {
-        void* const start = m_slices.getDataPtr(fragment, (margins.startY + y) * m_lineSize + margins.startX);
-        if (const void* const line = m_strip->getImageLine(static_cast<long>(y), z))
+    const unsigned long sizeX = m_strip->getSizeX(), sizeY = m_strip->getSizeY();
+    const bool repeats = m_border.getType() == image::eBT_Nearest;
+    // Margin rows hold the border since `start`, unless each slice repeats its own.
+    const unsigned long firstRow = repeats ? 0 : margins.startY;
+    const unsigned long endRow = margins.startY + sizeY + (repeats ? margins.endY : 0);
+    const long sourceZ = repeats ? nearest(z, m_strip->getImageSizeZ()) : z;
+    for (unsigned long row = firstRow; row < endRow; ++row) {
+        const long y = static_cast<long>(row) - static_cast<long>(margins.startY);
+        void* const start = m_slices.getDataPtr(fragment, row * m_lineSize + margins.startX);
+        if (const void* const line = m_strip->getImageLine(repeats ? nearest(y, sizeY) : y, sourceZ))
             std::memcpy(start, line, sizeX * m_sampleSize);
         else
             image::fillBorder(m_border, m_dataType, start, sizeX);
+        if (repeats)
+            image::repeatEdges(m_dataType, m_slices.getDataPtr(fragment, row * m_lineSize), margins.startX, sizeX,
+                               m_lineSize);
     }
 }
 

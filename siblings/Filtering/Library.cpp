@@ -1,0 +1,20 @@
+#include "siblings/Filtering/Library.h"
+
+namespace orvik { namespace imaproc { namespace filter {
+
+namespace {
+
+const char* const g_toolTips[] = {
+    /* 0 */ "Level 1: gradient of all planes by derivatives of a Gaussian",
+    /* 1 */ "Level 2: gradient of one plane by derivatives of a Gaussian",
+    /* 2 */ "Level 3: gradient of one strip by derivatives of a Gaussian",
+};
+
+}  // namespace
+
+std::string Library::toolTip(unsigned int row)
+{
+    return g_toolTips[row];
+}
+
+}}}  // namespace orvik::imaproc::filter

@@ -1,0 +1,118 @@
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+
+#include "siblings/Filtering/GaussianRules.h"
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl2.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/ImageInitializers.h"
+#include "frame/imaproc/ImageRules.h"
+#include "frame/imaproc/Stages.h"
+#include "frame/processor/ProcessorFactory.h"
+#include "frame/util/FrameMessages.h"
+
+namespace orvik { namespace imaproc { namespace filter {
+
+using namespace attr;
+
+ORVIK_REGISTER_PROCESSOR(GaussianGradient2dImgLvl1)
+
+namespace {
+
+/// Makes an output, unless the caller gave the other one: then that is all that is wanted.
+class OutputOfNoneGiven : public BasePromoteUnaryImageInitializer
+{
+public:
+    explicit OutputOfNoneGiven(const boost::weak_ptr<const BaseImageAttribute>& other) : m_other(other) {}
+    BoolResult initAttribute() override
+    {
+        const boost::shared_ptr<const BaseImageAttribute> other = m_other.lock();
+        const bool given = other && other->hasValue() && !other->isMadeByInitializer();
+        return given ? success() : BasePromoteUnaryImageInitializer::initAttribute();
+    }
+
+private:
+    boost::weak_ptr<const BaseImageAttribute> m_other;
+};
+
+processor::InitializerPtr outputOfNoneGiven(const boost::shared_ptr<BaseOutputImageAttribute>& out,
+                                            const boost::shared_ptr<BaseOutputImageAttribute>& other,
+                                            const boost::shared_ptr<BaseInputImageAttribute>& in)
+{
+    const boost::shared_ptr<OutputOfNoneGiven> initializer = boost::make_shared<OutputOfNoneGiven>(other);
+    initializer->init(out, in, ePUT_Real);
+    return initializer;
+}
+
+}  // namespace
+
+GaussianGradient2dImgLvl1::GaussianGradient2dImgLvl1() = default;
+GaussianGradient2dImgLvl1::~GaussianGradient2dImgLvl1() = default;
+
+processor::RulePtr GaussianGradient2dImgLvl1::createRule() const
+{
+    return makesGaussian(attribute<InStdDevX>(), attribute<InOptGradientGaussianCoverage>())
+           && makesGaussian(attribute<InStdDevY>(), attribute<InOptGradientGaussianCoverage>())
+           && matchSize(attribute<InImg>(), attribute<OutOptGradXImg>())
+           && matchSize(attribute<InImg>(), attribute<OutOptGradYImg>())
+           && noInSitu(attribute<InImg>(), attribute<OutOptGradXImg>())
+           && noInSitu(attribute<InImg>(), attribute<OutOptGradYImg>())
+           && noInSitu(attribute<OutOptGradXImg>(), attribute<OutOptGradYImg>());
+}
+
+void GaussianGradient2dImgLvl1::initInitializers(processor::InitializerMap& initializers)
+{
+    addInitializer<OutOptGradXImg>(initializers, outputOfNoneGiven(attribute<OutOptGradXImg>(),
+                                                                   attribute<OutOptGradYImg>(), attribute<InImg>()));
+    addInitializer<OutOptGradYImg>(initializers, outputOfNoneGiven(attribute<OutOptGradYImg>(),
+                                                                   attribute<OutOptGradXImg>(), attribute<InImg>()));
+}
+
+processor::RetrievalResult GaussianGradient2dImgLvl1::retrieveProvider(const core::BasePriority& priority,
+                                                                       processor::ProviderPtr& provider)
+{
+    return dispatch<GaussianGradient2dImgLvl2>(
+        priority, provider, eachPlane<InSubImg2d>(value<InImg>()), same<InStdDevX>(value<InStdDevX>()),
+        same<InStdDevY>(value<InStdDevY>()), same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
+        ifSet(eachPlane<OutSubGradXImg2d>(value<OutOptGradXImg>())),
+        ifSet(eachPlane<OutSubGradYImg2d>(value<OutOptGradYImg>())));
+}
+
+namespace {
+
+boost::shared_ptr<GaussianGradient2dImgLvl1> makeProcessor(const boost::shared_ptr<const image::BaseImage>& in,
+                                                           float stdDevX, float stdDevY)
+{
+    const boost::shared_ptr<GaussianGradient2dImgLvl1> processor =
+        processor::createInitialised<GaussianGradient2dImgLvl1>();
+    processor->set<InImg>(in);
+    processor->set<InStdDevX>(stdDevX);
+    processor->set<InStdDevY>(stdDevY);
+    return processor;
+}
+
+}  // namespace
+
+void gaussianGradient2dImg(const boost::shared_ptr<const image::BaseImage>& in, float stdDevX, float stdDevY,
+                           double coverage, const boost::shared_ptr<image::BaseImage>& outX,
+                           const boost::shared_ptr<image::BaseImage>& outY)
+{
+    if (!outX && !outY)
+        ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
+                    processor::eProcessorMessage::eRunFailed, "gaussianGradient2dImg", "outX and outY are both null");
+    const boost::shared_ptr<GaussianGradient2dImgLvl1> processor = makeProcessor(in, stdDevX, stdDevY);
+    processor->set<InOptGradientGaussianCoverage>(GaussianCoverage::createNode(coverage));
+    processor->set<OutOptGradXImg>(outX);
+    processor->set<OutOptGradYImg>(outY);
+    processor::executeSyncRun(processor);
+}
+
+std::pair<boost::shared_ptr<image::BaseImage>, boost::shared_ptr<image::BaseImage> > gaussianGradient2dImg(
+    const boost::shared_ptr<const image::BaseImage>& in, float stdDev)
+{
+    const boost::shared_ptr<GaussianGradient2dImgLvl1> processor = makeProcessor(in, stdDev, stdDev);
+    processor::executeSyncRun(processor);
+    return {processor->getStorage<OutOptGradXImg>(), processor->getStorage<OutOptGradYImg>()};
+}
+
+}}}  // namespace orvik::imaproc::filter

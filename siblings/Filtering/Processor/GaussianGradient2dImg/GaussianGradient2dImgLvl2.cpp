@@ -1,0 +1,49 @@
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl2.h"
+
+#include "siblings/Filtering/GaussianRules.h"
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl3.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/ImageRules.h"
+#include "frame/imaproc/Stages.h"
+#include "frame/processor/ProcessorFactory.h"
+
+#include <algorithm>
+
+namespace orvik { namespace imaproc { namespace filter {
+
+using namespace attr;
+
+ORVIK_REGISTER_PROCESSOR(GaussianGradient2dImgLvl2)
+
+GaussianGradient2dImgLvl2::GaussianGradient2dImgLvl2() = default;
+GaussianGradient2dImgLvl2::~GaussianGradient2dImgLvl2() = default;
+
+processor::RulePtr GaussianGradient2dImgLvl2::createRule() const
+{
+    return makesGaussian(attribute<InStdDevX>(), attribute<InGaussianCoverage>())
+           && makesGaussian(attribute<InStdDevY>(), attribute<InGaussianCoverage>())
+           && matchSize(attribute<InSubImg2d>(), attribute<OutSubGradXImg2d>())
+           && matchSize(attribute<InSubImg2d>(), attribute<OutSubGradYImg2d>());
+}
+
+processor::RetrievalResult GaussianGradient2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
+                                                                       processor::ProviderPtr& provider)
+{
+    const double coverage = value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>();
+    const unsigned long halfSize = static_cast<unsigned long>(getGaussianHalfSize(value<InStdDevY>(), coverage));
+    image::StripMargins margins;
+    // Lines farther than the image is high are all the same one; its kernel is folded there.
+    margins.startY = std::min(halfSize, value<InSubImg2d>()->getSizeY());
+    margins.endY = margins.startY + GaussianGradient2dImgLvl3::s_nbLinesAtOnce - 1;
+    return dispatch<GaussianGradient2dImgLvl3>(
+        priority, provider, stripsWithMargins<InKnlYStrip2d>(value<InSubImg2d>(), margins),
+        same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),
+        same<InGaussianCoverage>(value<InGaussianCoverage>()),
+        ifSet(strips<OutOptGradXYStrip2d>(value<OutSubGradXImg2d>())),
+        ifSet(strips<OutOptGradYYStrip2d>(value<OutSubGradYImg2d>())));
+}
+
+}}}  // namespace orvik::imaproc::filter
