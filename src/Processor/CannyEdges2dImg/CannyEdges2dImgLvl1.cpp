@@ -31,7 +31,9 @@ processor::RulePtr CannyEdges2dImgLvl1::createRule() const
     };
     return matchSizeAndType(gx, attribute<InGyGreyImg2d>()) && matchSize(gx, attribute<OutBinImg>())
            && sizeWhenSet(attribute<OutOptWk1BinImg>()) && sizeWhenSet(attribute<OutOptWk2BinImg>())
-           && sizeWhenSet(attribute<OutOptWk1LabelImg>());
+           && sizeWhenSet(attribute<OutOptWk1LabelImg>())
+           // Strips would read gradients that other strips have overwritten.
+           && noInSitu(gx, attribute<OutBinImg>()) && noInSitu(attribute<InGyGreyImg2d>(), attribute<OutBinImg>());
 }
 
 void CannyEdges2dImgLvl1::initInitializers(processor::InitializerMap& initializers)

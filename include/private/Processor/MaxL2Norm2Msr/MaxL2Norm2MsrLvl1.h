@@ -25,8 +25,8 @@ class MaxL2Norm2MsrLvl1;
 /// sqrt(a(p)^2 + b(p)^2).
 ///
 /// Squares and their sum are formed and compared in float, whatever the sample type, so 32-bit integers above 2^24 lose
-/// low bits before they are squared; the root is taken in double. A NaN is ignored unless it is the last sample of a
-/// run, and takes with it the maximum of its run so far.
+/// low bits before they are squared; the root is taken in double. A NaN takes with it the maximum of its run of samples
+/// so far; a strip whose last sample is one counts as none, and when nothing else is left the lowest double is returned.
 ///
 /// @param in1, in2  images of equal sizes and buffer type, any of the eleven types.
 /// @return the measure in units of the samples; 0 for images that are 0 everywhere.
