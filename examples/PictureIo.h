@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace orvik::examples
-{
+namespace orvik::examples {
 
 /// A picture file could not be read or written. The text names the file and the reason.
 class PictureError : public std::runtime_error
@@ -35,10 +34,7 @@ struct Picture
     std::vector<unsigned char> samples;
 
     /// Distance in bytes from one row to the next.
-    std::size_t rowBytes() const
-    {
-        return sizeX * bytesPerSample(sampleType);
-    }
+    std::size_t rowBytes() const { return sizeX * bytesPerSample(sampleType); }
 
     /// The sample in column x (below sizeX) and row y (below sizeY) as a number; throws std::out_of_range otherwise.
     double valueAt(unsigned long x, unsigned long y) const;
@@ -79,4 +75,4 @@ void writeRgbPng(const std::string& path, unsigned long sizeX, unsigned long siz
 /// different finite samples gives 0 everywhere. Throws std::invalid_argument if `samples` does not fit the sizes.
 std::vector<unsigned char> toDisplay8(const Picture& picture);
 
-} // namespace orvik::examples
+}  // namespace orvik::examples

@@ -1,0 +1,49 @@
+#include "Ratios.h"
+
+#include <cstdio>
+
+namespace orvik::bench {
+
+void RatioReporter::ReportRuns(const std::vector<Run>& runs)
+{
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+        if (run.run_type != Run::RT_Iteration || run.error_occurred || run.iterations == 0)
+            continue;
+        const double time = run.real_accumulated_time / static_cast<double>(run.iterations);
+        double& shortest = m_shortest[run.run_name.function_name];
+        shortest = shortest == 0 || time < shortest ? time : shortest;
+    }
+}
+
+double RatioReporter::time(const std::string& name) const
+{
+    const auto found = m_shortest.find(name);
+    return found == m_shortest.end() ? 0.0 : found->second;
+}
+
+int runBenchmarks(int argc, char** argv, const std::vector<Ratio>& ratios)
+{
+    std::vector<char*> arguments(argv, argv + argc);
+    char repetitions[] = "--benchmark_repetitions=5", order[] = "--benchmark_enable_random_interleaving=true";
+    char display[] = "--benchmark_display_aggregates_only=false";
+    arguments.insert(arguments.begin() + 1, {repetitions, order, display});
+    int count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
+        return 1;
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    std::printf("\nRatios of the shortest times\n");
+    for (const Ratio& ratio : ratios) {
+        const double longer = reporter.time(ratio.longer), shorter = reporter.time(ratio.shorter);
+        if (longer > 0 && shorter > 0)
+            std::printf("%8.2f  %s (%s)\n", longer / shorter, ratio.what.c_str(), ratio.aim.c_str());
+        else
+            std::printf("       -  %s: did not run here\n", ratio.what.c_str());
+    }
+    benchmark::Shutdown();
+    return 0;
+}
+
+}  // namespace orvik::bench

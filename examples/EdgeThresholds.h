@@ -1,0 +1,23 @@
+#pragma once
+
+#include "frame/image/BaseImage.h"
+
+#include <optional>
+#include <string>
+
+namespace orvik::examples {
+
+/// Thresholds of an edge detector in grey levels per pixel, with what chose them.
+struct EdgeThresholds
+{
+    double low;
+    double high;
+    std::string origin;
+};
+
+/// Takes what the user gave and derives the rest from the gradient of the picture: high is the 90th percentile of its
+/// magnitude, but no less than a tenth and no more than half of the largest one, and low is 0.4 high.
+EdgeThresholds chooseThresholds(const std::optional<double>& low, const std::optional<double>& high,
+                                const image::BaseImage& gradientX, const image::BaseImage& gradientY);
+
+}  // namespace orvik::examples

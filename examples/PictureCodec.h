@@ -1,0 +1,100 @@
+#pragma once
+
+// What the codecs share among themselves; programs include PictureIo.h.
+
+#include "PictureIo.h"
+
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace orvik::examples::codec {
+
+/// PNG from an open file of that many bytes. Like the others, throws Refusal.
+Picture readPng(std::FILE* file, std::uint64_t fileBytes);
+Picture readJpeg(std::FILE* file, std::uint64_t fileBytes);
+Picture readTiff(const std::string& path);
+
+constexpr std::uint64_t maxPictureBytes = std::uint64_t(1) << 34;
+
+/// Why a file is refused. readPicture() and the writers add the file's name to it.
+class Refusal : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+std::string systemReason(int errorNumber);
+
+struct FileCloser
+{
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+/// The first message of a codec. Later ones only tell of the consequences. The text has a fixed size because it is
+/// filled inside the codec, where neither an exception nor a leak through longjmp() is allowed.
+class CodecMessage
+{
+public:
+    void keep(const char* format, va_list arguments)
+    {
+        if (isEmpty())
+            std::vsnprintf(m_text, sizeof m_text, format, arguments);
+    }
+
+    void keep(const char* text)
+    {
+        if (isEmpty())
+            std::snprintf(m_text, sizeof m_text, "%s", text);
+    }
+
+    bool isEmpty() const { return m_text[0] == '\0'; }
+
+    const char* text() const { return m_text; }
+
+    [[noreturn]] void refuse() const { throw Refusal(isEmpty() ? "the codec gives no reason" : m_text); }
+
+private:
+    char m_text[512] = {};
+};
+
+std::string sizeText(std::uint64_t sizeX, std::uint64_t sizeY);
+
+/// Bytes of a picture; refuses what is empty or above maxPictureBytes.
+std::size_t checkedBytes(std::uint64_t sizeX, std::uint64_t sizeY, std::uint64_t bytesPerPixel);
+
+/// Refuses sizes that no file this short can hold before memory is filled for them.
+void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, std::uint64_t sizeX, std::uint64_t sizeY);
+
+/// Memory for a codec to fill. Not zeroed: pages that a truncated file never reaches stay untouched.
+using RawBytes = std::unique_ptr<unsigned char[]>;
+
+RawBytes allocateRaw(std::size_t bytes);
+
+template<typename Sample>
+Sample loadSample(const unsigned char* from)
+{
+    Sample sample;
+    std::memcpy(&sample, from, sizeof sample);
+    return sample;
+}
+
+/// Grey of a colour, rounded to nearest.
+std::uint16_t luma16(std::uint16_t red, std::uint16_t green, std::uint16_t blue);
+
+/// One row as the codec gives it: three channels, or grey in `red` alone. `step` is in bytes.
+struct SourceRow
+{
+    const unsigned char* red;
+    const unsigned char* green;
+    const unsigned char* blue;
+    std::size_t step;
+};
+
+void convertRow(SampleType sampleType, const SourceRow& row, std::size_t count, bool invert, unsigned char* out);
+
+}  // namespace orvik::examples::codec
