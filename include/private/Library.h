@@ -1,11 +1,13 @@
 #pragma once
 
+#include "frame/util/Export.h"
+
 #include <string>
 
 namespace orvik { namespace imaproc { namespace fd {
 
-/// What the processor classes of this library share.
-struct Library
+/// What the processor classes of this library share. Seen from outside, since the classes' inline statics use it.
+struct ORVIK_API Library
 {
     static constexpr const char* s_namespace = "orvik::imaproc::fd";
     static constexpr const char* s_name = "ORVIKIPLFeatureDetection";
