@@ -105,6 +105,7 @@ BoolResult BaseProcessor::write(BaseOArchive& archive) const
     if (!result.getValue())
         return result;
     ArchiveSectionManager section(archive, "attributes");
+    archive << SerializationOItem<bool>("initialised", m_initialised);
     for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
         if (!attribute->isStored())
             continue;
@@ -131,11 +132,14 @@ BoolResult BaseProcessor::read(BaseIArchive& archive)
             return result;
     }
     ArchiveSectionManager section(archive, "attributes");
+    bool initialised = false;  // one that was not had no attributes to write
+    archive >> SerializationIItem<bool>("initialised", initialised);
     for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
         if (!attribute->isStored())
             continue;
         bool hasValue = false;
-        archive >> SerializationIItem<bool>(attribute->getObjectName(), hasValue);
+        if (initialised)
+            archive >> SerializationIItem<bool>(attribute->getObjectName(), hasValue);
         attribute->clear();
         if (!hasValue)
             continue;
