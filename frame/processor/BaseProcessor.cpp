@@ -61,6 +61,18 @@ void BaseProcessor::clearMadeOutputs()
             attribute->clear();
 }
 
+BoolResult BaseProcessor::checkMandatory(bool outputs) const
+{
+    for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
+        if (attribute->isOutput() == outputs && attribute->isMandatory() && !attribute->hasValue()) {
+            LogMessageFormater formater(getORVIKBaseProcessingLogMessageManager());
+            formater[eProcessorMessage::eMandatoryAttributeMissing] % getObjectName() % attribute->getObjectName();
+            return failure(formater.string());
+        }
+    }
+    return success();
+}
+
 BoolResult BaseProcessor::refusedByRule() const
 {
     LogMessageFormater formater(getORVIKBaseProcessingLogMessageManager());
@@ -72,13 +84,9 @@ BoolResult BaseProcessor::prepareRun()
 {
     checkInitialised();
     clearMadeOutputs();
-    for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
-        if (!attribute->isOutput() && !attribute->isOptional() && !attribute->hasValue()) {
-            LogMessageFormater formater(getORVIKBaseProcessingLogMessageManager());
-            formater[eProcessorMessage::eMandatoryAttributeMissing] % getObjectName() % attribute->getObjectName();
-            return failure(formater.string());
-        }
-    }
+    const BoolResult hasInputs = checkMandatory(false);
+    if (!hasInputs.getValue())
+        return hasInputs;
     if (m_rule && !m_rule->testRule())
         return refusedByRule();
 
@@ -96,7 +104,7 @@ BoolResult BaseProcessor::prepareRun()
         clearMadeOutputs();
         return refused;
     }
-    return success();
+    return checkMandatory(true);
 }
 
 BoolResult BaseProcessor::write(BaseOArchive& archive) const
