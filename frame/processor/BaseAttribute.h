@@ -21,6 +21,8 @@ public:
     virtual const std::string& getToolTip() const = 0;
     virtual bool isOutput() const = 0;
     virtual bool isOptional() const = 0;
+    /// Whether a run can't do without a value. A number or enumerator that is a result is written where it stands.
+    virtual bool isMandatory() const { return !isOptional(); }
 
     /// Whether the attribute was given a value. A null pointer is none; nor is the default of an optional attribute.
     bool hasValue() const { return m_hasValue; }
@@ -65,6 +67,7 @@ public:
         BaseAttribute::clear();
         m_value = m_default;
     }
+    bool isMandatory() const override { return !isOptional() && !isOutput(); }
     bool isStored() const override { return !isOutput(); }
     BoolResult write(BaseOArchive& archive) const override;
     BoolResult read(BaseIArchive& archive) override;

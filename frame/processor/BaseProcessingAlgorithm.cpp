@@ -49,19 +49,24 @@ BoolResult BaseProcessingAlgorithm::mainProcess()
     DataParserColl parsers;
     initDataParserColl(parsers);
     const AtScopeEnd clearParsers{[this] { clearDataParserColl(); }};
+    // Before preProcess, which expects a parser for every strip: there is none for a type that no kernel serves.
+    AlgorithmFunction function = nullptr;
+    const BoolResult selected = selectKernel(function);
+    if (!selected.getValue())
+        return selected;
     const StageResult before = preProcess();
     if (before.getValue() != eSRT_Done)
         return failure(before.getMessage());
     for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
         parser->start(getRunGranularity());
-    const BoolResult result = runKernel(parsers);
+    const BoolResult result = runKernel(function, parsers);
     if (!result.getValue())
         return result;
     const StageResult after = postProcess();
     return after.getValue() == eSRT_Done ? success() : failure(after.getMessage());
 }
 
-BoolResult BaseProcessingAlgorithm::runKernel(const DataParserColl& parsers)
+BoolResult BaseProcessingAlgorithm::selectKernel(AlgorithmFunction& function)
 {
     DataTypeIdentifierColl dataTypes;
     getDataTypeIdColl(dataTypes);
@@ -70,8 +75,12 @@ BoolResult BaseProcessingAlgorithm::runKernel(const DataParserColl& parsers)
     if (!found.getValue())
         return failure(getObjectName() + ": " + found.getMessage());
     getEntry().lastEfficiency.store(selected.getEfficiency(), std::memory_order_relaxed);
-    const AlgorithmFunction function = selected.getFunction();
+    function = selected.getFunction();
+    return success();
+}
 
+BoolResult BaseProcessingAlgorithm::runKernel(AlgorithmFunction function, const DataParserColl& parsers)
+{
     if (parsers.empty()) {
         ProcessingInfo info = {0, 0, 0, 0, 0};
         getNoParseInfo(info.nbAlignedData, info.nbData, info.firstColumn);

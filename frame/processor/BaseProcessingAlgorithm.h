@@ -15,7 +15,7 @@ public:
     BaseProcessingAlgorithm();
     ~BaseProcessingAlgorithm() override;
 
-    /// Makes the parsers, lets the class set their borders, finds the kernel and calls it on each run.
+    /// Makes the parsers, finds the kernel, lets the class set the parsers' borders, calls the kernel on each run.
     virtual BoolResult mainProcess();
     virtual const AlgorithmFunctionSelector& getFunctionSelector() const = 0;
     virtual const core::InstructionSetsIdentifier& getForcedInstructionSets() const = 0;
@@ -32,7 +32,8 @@ protected:
     virtual AlgorithmEntry& getEntry() const = 0;
 
 private:
-    BoolResult runKernel(const DataParserColl& parsers);
+    BoolResult selectKernel(AlgorithmFunction& function);
+    BoolResult runKernel(AlgorithmFunction function, const DataParserColl& parsers);
 };
 
 }}  // namespace orvik::processor

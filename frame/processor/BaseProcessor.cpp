@@ -61,6 +61,18 @@ void BaseProcessor::clearMadeOutputs()
             attribute->clear();
 }
 
+BoolResult BaseProcessor::checkMandatory(bool outputs) const
+{
+    for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
+        if (attribute->isOutput() == outputs && attribute->isMandatory() && !attribute->hasValue()) {
+            LogMessageFormater formater(getORVIKBaseProcessingLogMessageManager());
+            formater[eProcessorMessage::eMandatoryAttributeMissing] % getObjectName() % attribute->getObjectName();
+            return failure(formater.string());
+        }
+    }
+    return success();
+}
+
 BoolResult BaseProcessor::refusedByRule() const
 {
     LogMessageFormater formater(getORVIKBaseProcessingLogMessageManager());
@@ -72,13 +84,9 @@ BoolResult BaseProcessor::prepareRun()
 {
     checkInitialised();
     clearMadeOutputs();
-    for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
-        if (!attribute->isOutput() && !attribute->isOptional() && !attribute->hasValue()) {
-            LogMessageFormater formater(getORVIKBaseProcessingLogMessageManager());
-            formater[eProcessorMessage::eMandatoryAttributeMissing] % getObjectName() % attribute->getObjectName();
-            return failure(formater.string());
-        }
-    }
+    const BoolResult hasInputs = checkMandatory(false);
+    if (!hasInputs.getValue())
+        return hasInputs;
     if (m_rule && !m_rule->testRule())
         return refusedByRule();
 
@@ -96,7 +104,7 @@ BoolResult BaseProcessor::prepareRun()
         clearMadeOutputs();
         return refused;
     }
-    return success();
+    return checkMandatory(true);
 }
 
 BoolResult BaseProcessor::write(BaseOArchive& archive) const
@@ -105,6 +113,7 @@ BoolResult BaseProcessor::write(BaseOArchive& archive) const
     if (!result.getValue())
         return result;
     ArchiveSectionManager section(archive, "attributes");
+    archive << SerializationOItem<bool>("initialised", m_initialised);
     for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
         if (!attribute->isStored())
             continue;
@@ -131,11 +140,14 @@ BoolResult BaseProcessor::read(BaseIArchive& archive)
             return result;
     }
     ArchiveSectionManager section(archive, "attributes");
+    bool initialised = false;  // one that was not had no attributes to write
+    archive >> SerializationIItem<bool>("initialised", initialised);
     for (const boost::shared_ptr<BaseAttribute>& attribute : m_attributes) {
         if (!attribute->isStored())
             continue;
         bool hasValue = false;
-        archive >> SerializationIItem<bool>(attribute->getObjectName(), hasValue);
+        if (initialised)
+            archive >> SerializationIItem<bool>(attribute->getObjectName(), hasValue);
         attribute->clear();
         if (!hasValue)
             continue;

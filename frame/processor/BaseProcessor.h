@@ -102,11 +102,14 @@ protected:
     void checkInitialised() const;
 
     /// Refuses a run whose attributes are not acceptable, before anything of the caller's is written: mandatory
-    /// inputs, then the rule, then the outputs that are still missing are made, then the rule again with them.
+    /// inputs, then the rule, then the outputs that are still missing are made, then the rule again with them; last,
+    /// outputs that nobody gave or made.
     BoolResult prepareRun() override;
 
 private:
     void clearMadeOutputs();
+    /// False with the name of the first input, or output, that a run needs and that has no value.
+    BoolResult checkMandatory(bool outputs) const;
     BoolResult refusedByRule() const;
 
     AttributeColl m_attributes;

@@ -133,14 +133,14 @@ std::string BaseIArchive::readItem(const std::string& name)
 }
 
 ArchiveSectionManager::ArchiveSectionManager(BaseArchive& archive, const std::string& name)
-    : m_archive(archive), m_open(true)
+    : m_archive(archive), m_nbExceptions(std::uncaught_exceptions()), m_open(true)
 {
     m_archive.beginSection(name);
 }
 
-ArchiveSectionManager::~ArchiveSectionManager()
+ArchiveSectionManager::~ArchiveSectionManager() noexcept(false)
 {
-    if (m_open && std::uncaught_exceptions() == 0)
+    if (m_open && std::uncaught_exceptions() == m_nbExceptions)
         m_archive.endSection();
 }
 

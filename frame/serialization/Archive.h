@@ -72,7 +72,8 @@ class ORVIK_API ArchiveSectionManager
 public:
     ArchiveSectionManager(BaseArchive& archive, const std::string& name);
     /// Closes the section unless an exception is on its way: then the archive is lost anyway.
-    ~ArchiveSectionManager();
+    /// @throws ORVIKSerializationException as `close`.
+    ~ArchiveSectionManager() noexcept(false);
     void close();
 
     ArchiveSectionManager(const ArchiveSectionManager&) = delete;
@@ -80,6 +81,7 @@ public:
 
 private:
     BaseArchive& m_archive;
+    const int m_nbExceptions;  // on their way when the section was opened
     bool m_open;
 };
 

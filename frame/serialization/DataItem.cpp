@@ -59,12 +59,27 @@ BaseDataItemNode::~BaseDataItemNode() = default;
 
 void BaseDataItemNode::visitLeaves(BaseLeafVisitor&) {}
 
+BaseDataItemNodeColl* BaseDataItemNode::accessList()
+{
+    return nullptr;
+}
+
 BoolResult BaseDataItemNode::write(BaseOArchive& archive) const
 {
     ArchiveSectionManager section(archive, getNodeName());
     LeafWriter writer(archive);
-    // The visitor may change leaves when it reads; this one only looks.
-    const_cast<BaseDataItemNode*>(this)->visitLeaves(writer);
+    // The visitor may change leaves, and the list's user its records, when they read; here they are only looked at.
+    BaseDataItemNode& self = const_cast<BaseDataItemNode&>(*this);
+    self.visitLeaves(writer);
+    if (const BaseDataItemNodeColl* const list = self.accessList()) {
+        const unsigned long size = list->size();
+        archive << SerializationOItem<unsigned long>("size", size);
+        for (unsigned long i = 0; i < size; ++i) {
+            const BoolResult written = list->getNode(i).write(archive);
+            if (!written.getValue())
+                return written;
+        }
+    }
     section.close();
     return success();
 }
@@ -74,6 +89,16 @@ BoolResult BaseDataItemNode::read(BaseIArchive& archive)
     ArchiveSectionManager section(archive, getNodeName());
     LeafReader reader(archive);
     visitLeaves(reader);
+    if (BaseDataItemNodeColl* const list = accessList()) {
+        unsigned long size = 0;
+        archive >> SerializationIItem<unsigned long>("size", size);
+        list->clear();
+        for (unsigned long i = 0; i < size; ++i) {
+            const BoolResult read = list->appendNode().read(archive);
+            if (!read.getValue())
+                return read;
+        }
+    }
     section.close();
     return success();
 }

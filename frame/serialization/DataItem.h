@@ -28,7 +28,9 @@ public:
     virtual void visit(const char* name, double& value) = 0;
 };
 
-/// A record: a tree of named leaves.
+class BaseDataItemNodeColl;
+
+/// A record: a tree of named leaves, or a list of records.
 class ORVIK_API BaseDataItemNode : public BaseSerializationObject
 {
 public:
@@ -39,6 +41,8 @@ public:
 
     virtual const char* getNodeName() const = 0;
     virtual void visitLeaves(BaseLeafVisitor& visitor);
+    /// The list that the record is; null for one of leaves.
+    virtual BaseDataItemNodeColl* accessList();
 
     BoolResult write(BaseOArchive& archive) const;
     BoolResult read(BaseIArchive& archive);
@@ -75,6 +79,9 @@ public:
     virtual void clear() = 0;
     /// @throws ORVIKUtilException for a null node or one of another type than the list's.
     virtual void push_back(const boost::shared_ptr<BaseDataItemNode>& node) = 0;
+    virtual const BaseDataItemNode& getNode(std::size_t i) const = 0;
+    /// Adds a new record and gives it back.
+    virtual BaseDataItemNode& appendNode() = 0;
 
 protected:
     [[noreturn]] static void throwWrongNode(const char* listName);
@@ -101,6 +108,12 @@ public:
         if (!node)
             throwWrongNode(T::getRecordName());
         m_nodes.push_back(node);
+    }
+    const BaseDataItemNode& getNode(std::size_t i) const override { return *m_nodes[i]; }
+    BaseDataItemNode& appendNode() override
+    {
+        m_nodes.push_back(T::createNode());
+        return *m_nodes.back();
     }
     const Nodes& getNodes() const { return m_nodes; }
     Nodes& accessNodes() { return m_nodes; }
@@ -199,6 +212,7 @@ private:
         } \
         std::size_t size() const { return m_coll.size(); } \
         const NodeType& operator[](std::size_t i) const { return *m_coll.getNodes()[i]; } \
+        ::orvik::BaseDataItemNodeColl* accessList() override { return &m_coll; } \
 \
     private: \
         Coll m_coll; \

@@ -19,8 +19,12 @@ const char* const g_messageFailureText = "Exception thrown while processing mess
 
 void logMessageFailure(const char* function, const char* file, unsigned int line)
 {
-    logMessage(getBaseLogger(), log4cplus::ERROR_LOG_LEVEL, std::string(g_messageFailureText) + " in " + function, file,
-               static_cast<int>(line));
+    try {
+        logMessage(getBaseLogger(), log4cplus::ERROR_LOG_LEVEL, std::string(g_messageFailureText) + " in " + function,
+                   file, static_cast<int>(line));
+    } catch (...) {
+        // A log that can't be written may be the failure itself; the exception that follows tells of it.
+    }
 }
 
 /// A catalogue with its rows, filled when it is first asked for.

@@ -6,7 +6,7 @@
 
 namespace orvik { namespace imaproc { namespace fd {
 
-/// What the processor classes of this library share.
+/// What the processor classes of this library share. Seen from outside, since the classes' inline statics use it.
 struct ORVIK_API Library
 {
     static constexpr const char* s_namespace = "orvik::imaproc::fd";

@@ -1,0 +1,301 @@
+// Which kernels are registered, and which one runs. The program is also run with the higher sets hidden.
+
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
+#include "TestImages.h"
+#include "TestRuns.h"
+#include "TinyProcessor.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+
+namespace orvik::test {
+namespace {
+
+using namespace imaproc;
+using namespace imaproc::tiny;
+using namespace processor;
+using core::eInstructionSet;
+using core::InstructionSetsIdentifier;
+using fd::MaxL2Norm2MsrLvl3;
+using image::ImageSizes;
+
+const eInstructionSet g_sets[] = {core::eIS_Generic, core::eIS_Sse2, core::eIS_Avx, core::eIS_Avx2, core::eIS_Avx512};
+const eInstructionSet g_unknownSet = static_cast<eInstructionSet>(9);
+
+InstructionSetsIdentifier only(eInstructionSet set)
+{
+    InstructionSetsIdentifier sets;
+    sets.init(set);
+    return sets;
+}
+
+DataTypeIdentifierColl typed(unsigned int type)
+{
+    DataTypeIdentifierColl types;
+    types.init(BaseDataTypeIdentifier(type));
+    return types;
+}
+
+struct Forced
+{
+    explicit Forced(const InstructionSetsIdentifier& sets) { MaxL2Norm2MsrLvl3::forceInstructionSets(sets); }
+    ~Forced() { MaxL2Norm2MsrLvl3::releaseForcedInstructionSets(); }
+};
+
+unsigned int lastEfficiency()
+{
+    return getAlgorithmEntry(MaxL2Norm2MsrLvl3::getTypeName()).lastEfficiency;
+}
+
+/// sqrt(3^2 + 4^2), as far as the type holds it.
+double norm(image::eImageBufferType type)
+{
+    const ImagePtr a = image::createImage(type, ImageSizes(130, 3)), b = image::createImage(type, ImageSizes(130, 3));
+    setSample(*a, 3, 70, 1);
+    setSample(*b, 4, 70, 1);
+    return fd::maxL2Norm2Msr(a, b);
+}
+
+// --- sets
+
+TEST(InstructionSets, AreHiddenAboveTheCeilingOfTheEnvironment)
+{
+    const char* const ceiling = std::getenv("ORVIK_MAX_INSTRUCTION_SET");
+    for (const eInstructionSet set : g_sets) {
+        if (!ceiling || core::getInstructionSetName(set) != ceiling)
+            continue;
+        for (const eInstructionSet above : {core::eIS_Sse2, core::eIS_Avx, core::eIS_Fma, core::eIS_Avx2, core::eIS_Avx512})
+            EXPECT_FALSE(above > set && core::isAvailable(above)) << core::getInstructionSetName(above);
+    }
+    EXPECT_TRUE(core::isAvailable(core::eIS_Generic));
+    EXPECT_FALSE(core::isAvailable(g_unknownSet));
+    EXPECT_FALSE(core::isAvailable(static_cast<eInstructionSet>(2)));
+}
+
+TEST(InstructionSets, OfAnIdentifierAreComparedInOrder)
+{
+    InstructionSetsIdentifier pair, same, turned;
+    EXPECT_TRUE(pair.isEmpty());
+    EXPECT_EQ("none", pair.toString());
+    pair.init(core::eIS_Fma, core::eIS_Avx2);
+    same.init(core::eIS_Fma, core::eIS_Avx2);
+    turned.init(core::eIS_Avx2, core::eIS_Fma);
+    EXPECT_EQ("fma+avx2", pair.toString());
+    EXPECT_TRUE(pair == same);
+    EXPECT_FALSE(pair == turned);
+    EXPECT_FALSE(pair == only(core::eIS_Fma));
+    EXPECT_EQ(core::isAvailable(core::eIS_Fma) && core::isAvailable(core::eIS_Avx2), pair.areAvailable());
+    pair.clear();
+    EXPECT_TRUE(pair == InstructionSetsIdentifier());
+}
+
+TEST(Efficiency, RisesWithTheSets)
+{
+    const unsigned int single[] = {
+        AlgorithmFunctionEfficiency<0, 0, 0>::getEfficiency(), AlgorithmFunctionEfficiency<1, 0, 0>::getEfficiency(),
+        AlgorithmFunctionEfficiency<5, 0, 0>::getEfficiency(), AlgorithmFunctionEfficiency<7, 0, 0>::getEfficiency(),
+        AlgorithmFunctionEfficiency<8, 0, 0>::getEfficiency()};
+    const unsigned int pairs[] = {
+        AlgorithmFunctionEfficiency<0, 0, 0>::getEfficiency(), AlgorithmFunctionEfficiency<1, 1, 0>::getEfficiency(),
+        AlgorithmFunctionEfficiency<5, 5, 0>::getEfficiency(), AlgorithmFunctionEfficiency<7, 7, 0>::getEfficiency(),
+        AlgorithmFunctionEfficiency<6, 7, 0>::getEfficiency(), AlgorithmFunctionEfficiency<8, 8, 0>::getEfficiency()};
+    EXPECT_EQ(std::end(single), std::adjacent_find(std::begin(single), std::end(single), std::greater_equal<unsigned int>()));
+    EXPECT_EQ(std::end(pairs), std::adjacent_find(std::begin(pairs), std::end(pairs), std::greater_equal<unsigned int>()));
+}
+
+// --- registration
+
+TEST(Registration, HasTheKernelsOfTheSetsOfThisMachineAndNoOthers)
+{
+    std::map<std::string, std::vector<unsigned int> > typesOf;
+    for (const AlgorithmFunctionIdentifier& known : MaxL2Norm2MsrLvl3::retrieveFunctionSelector().getFunctions()) {
+        EXPECT_TRUE(known.getInstructionSets().areAvailable());
+        typesOf[known.getInstructionSets().toString()].push_back(known.getDataTypes().getType());
+    }
+    const std::vector<unsigned int> all = {1, 2, 3, 4, 5, 6, 7, 8, 11, 9, 10}, none, floats = {7};
+    std::size_t nbRows = 0;
+    for (const eInstructionSet set : g_sets) {
+        const std::vector<unsigned int>& expected = !core::isAvailable(set) ? none : set == core::eIS_Avx ? floats : all;
+        EXPECT_EQ(expected, typesOf[core::getInstructionSetName(set)]) << core::getInstructionSetName(set);
+        nbRows += expected.size();
+    }
+    EXPECT_EQ(nbRows, MaxL2Norm2MsrLvl3::retrieveFunctionSelector().getFunctions().size());
+    if (core::isAvailable(core::eIS_Avx512)) {
+        EXPECT_EQ(45u, nbRows);
+    }
+    const std::vector<std::string> names = getAlgorithmNames();
+    EXPECT_EQ(1, std::count(names.begin(), names.end(), "orvik::imaproc::fd::MaxL2Norm2MsrLvl3"));
+}
+
+TEST(Registration, LabelsAndBinaryUseTheKernelsOfTheirSampleTypes)
+{
+    const AlgorithmFunctionSelector& selector = MaxL2Norm2MsrLvl3::retrieveFunctionSelector();
+    const auto chosen = [&](unsigned int type) {
+        AlgorithmFunctionIdentifier identifier;
+        EXPECT_TRUE(selector.select(typed(type), InstructionSetsIdentifier(), identifier).getValue());
+        return identifier.getFunction();
+    };
+    EXPECT_TRUE(chosen(2) == chosen(8));
+    EXPECT_TRUE(chosen(2) == chosen(11));
+    EXPECT_TRUE(chosen(4) == chosen(9));
+    EXPECT_TRUE(chosen(6) == chosen(10));
+    EXPECT_FALSE(chosen(1) == chosen(2));
+}
+
+TEST(Registration, OfTheSameTypeAndSetTwiceFailsAndEndsWithItsUnit)
+{
+    AlgorithmFunctionSelector selector;
+    AlgorithmFunctionIdentifier identifier;
+    identifier.init(typed(4), only(core::eIS_Sse2), 5, nullptr);
+    EXPECT_TRUE(selector.registerFunction(identifier).getValue());
+    EXPECT_EQ("A kernel for type 4 and set sse2 is registered already", selector.registerFunction(identifier).getMessage());
+    identifier.init(typed(4), only(core::eIS_Generic), 1, nullptr);
+    EXPECT_TRUE(selector.registerFunction(identifier).getValue());
+    selector.unRegisterFunctions(only(core::eIS_Sse2));
+    ASSERT_EQ(1u, selector.getFunctions().size());
+    EXPECT_TRUE(selector.getFunctions()[0].getInstructionSets() == only(core::eIS_Generic));
+}
+
+// --- selection
+
+TEST(Selection, TakesTheMostEfficientKernelWhateverTheOrderOfRegistration)
+{
+    for (const bool ascending : {true, false}) {
+        AlgorithmFunctionSelector selector;
+        for (const unsigned int i : {0u, 1u, 2u}) {
+            const unsigned int rank = ascending ? i : 2 - i;
+            AlgorithmFunctionIdentifier identifier;
+            identifier.init(typed(1), only(g_sets[rank]), 10 * rank, nullptr);
+            selector.registerFunction(identifier);
+            identifier.init(typed(2), only(g_sets[rank]), 99, nullptr);
+            selector.registerFunction(identifier);
+        }
+        AlgorithmFunctionIdentifier selected;
+        ASSERT_TRUE(selector.select(typed(1), InstructionSetsIdentifier(), selected).getValue());
+        EXPECT_EQ(20u, selected.getEfficiency());
+        ASSERT_TRUE(selector.select(typed(1), only(core::eIS_Sse2), selected).getValue());
+        EXPECT_EQ(10u, selected.getEfficiency());
+        EXPECT_FALSE(selector.select(typed(1), only(core::eIS_Avx512), selected).getValue());
+    }
+}
+
+TEST(Selection, RunsTheForcedSetUntilItIsReleased)
+{
+    EXPECT_TRUE(MaxL2Norm2MsrLvl3::retrieveForcedInstructionSets().isEmpty());
+    norm(image::eIBT_Real32);
+    const unsigned int best = lastEfficiency();
+    const std::map<eInstructionSet, unsigned int> ranks = {
+        {core::eIS_Generic, AlgorithmFunctionEfficiency<0, 0, 0>::getEfficiency()},
+        {core::eIS_Sse2, AlgorithmFunctionEfficiency<1, 0, 0>::getEfficiency()},
+        {core::eIS_Avx, AlgorithmFunctionEfficiency<5, 0, 0>::getEfficiency()},
+        {core::eIS_Avx2, AlgorithmFunctionEfficiency<7, 0, 0>::getEfficiency()},
+        {core::eIS_Avx512, AlgorithmFunctionEfficiency<8, 0, 0>::getEfficiency()}};
+    unsigned int highest = 0;
+    for (const eInstructionSet set : g_sets) {
+        if (!core::isAvailable(set))
+            continue;
+        highest = ranks.at(set);
+        const Forced forced(only(set));
+        EXPECT_EQ(5, norm(image::eIBT_Real32)) << core::getInstructionSetName(set);
+        EXPECT_EQ(ranks.at(set), lastEfficiency());
+    }
+    EXPECT_EQ(highest, best);
+    EXPECT_TRUE(MaxL2Norm2MsrLvl3::retrieveForcedInstructionSets().isEmpty());
+    norm(image::eIBT_Real32);
+    EXPECT_EQ(best, lastEfficiency());
+}
+
+TEST(Selection, ServesAllTypesWhateverTheSets)
+{
+    for (const image::eImageBufferType type : kAllTypes) {
+        EXPECT_EQ(5, norm(type)) << toString(type);
+        const Forced forced(only(core::eIS_Generic));
+        EXPECT_EQ(5, norm(type)) << toString(type);
+    }
+}
+
+TEST(Selection, FailsInWordsForASetThatHasNoKernel)
+{
+    const auto text = [](const InstructionSetsIdentifier& sets, image::eImageBufferType type) {
+        const Forced forced(sets);
+        return thrownText<ORVIKBaseProcessingException>([&] { norm(type); });
+    };
+    EXPECT_EQ("MaxL2Norm2MsrLvl3: no kernel serves buffer type float 32 bits (type 7) with the forced instruction set 9, which "
+              "this machine does not have",
+              text(only(g_unknownSet), image::eIBT_Real32));
+    InstructionSetsIdentifier pair;
+    pair.init(core::eIS_Generic, core::eIS_Generic);
+    EXPECT_EQ("MaxL2Norm2MsrLvl3: no kernel serves buffer type float 32 bits (type 7) with the forced instruction set "
+              "generic+generic",
+              text(pair, image::eIBT_Real32));
+    const std::string lacking = core::isAvailable(core::eIS_Avx) ? "" : ", which this machine does not have";
+    EXPECT_EQ("MaxL2Norm2MsrLvl3: no kernel serves buffer type unsigned 8 bits (type 2) with the forced instruction set avx" + lacking,
+              text(only(core::eIS_Avx), image::eIBT_UInt8));
+    EXPECT_EQ(5, norm(image::eIBT_Real32)) << "and is over with the release";
+}
+
+/// An image of a type that the factory refuses.
+ImagePtr typeless()
+{
+    const ImagePtr bytes = image::createImage(image::eIBT_Real32, ImageSizes(9, 3));
+    return boost::make_shared<image::BaseImage>(
+        bytes, static_cast<char*>(bytes->accessLine(0)),
+        image::ImageGeometry(ImageSizes(9, 3), static_cast<image::eImageBufferType>(12)), bytes->getStrides(), true);
+}
+
+TEST(Selection, FailsInWordsForATypeThatIsNone)
+{
+    EXPECT_EQ("MaxL2Norm2MsrLvl3: no kernel serves buffer type no type (type 12)",
+              thrownText<ORVIKBaseProcessingException>([] { fd::maxL2Norm2Msr(typeless(), typeless()); }));
+    // A class that sets a border on a parser that could not be made.
+    const auto hash = createInitialised<HashLvl1<false> >();
+    hash->set<InTinyImg>(typeless());
+    hash->set<InReach>(Reach::createNode());
+    EXPECT_EQ("HashYLvl3: no kernel serves buffer type no type (type 12)",
+              thrownText<ORVIKBaseProcessingException>([&] { executeSyncRun(hash); }));
+}
+
+TEST(Parsers, AreMadeForTheElevenTypesOnly)
+{
+    const auto attribute = boost::make_shared<InTinyYStrip>();
+    typedef StripParserInfo<RawStripParserMode, BaseInputYStrip2dAttribute, BaseInputYStrip2dAttribute> Info;
+    EXPECT_FALSE(Info::createParser(attribute));
+    for (const image::eImageBufferType type : kAllTypes) {
+        attribute->init(boost::make_shared<image::InputImageYStrip2d>(image::createImage(type, ImageSizes(3, 3)), PlanIndex(), 0, 3));
+        const auto parser = boost::dynamic_pointer_cast<BaseStripParser>(Info::createParser(attribute));
+        ASSERT_TRUE(parser) << toString(type);
+        EXPECT_EQ(image::toDataType(type), parser->getDataType());
+    }
+    attribute->init(boost::make_shared<image::InputImageYStrip2d>(typeless(), PlanIndex(), 0, 3));
+    EXPECT_FALSE(Info::createParser(attribute));
+}
+
+TEST(Parsers, LiveForOneStripOnly)
+{
+    const auto copy = createInitialised<CopyRaw64>();
+    const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(70, 3));
+    boost::shared_ptr<image::InputImageYStrip2d> strip = boost::make_shared<image::InputImageYStrip2d>(image, PlanIndex(), 0, 3);
+    copy->set<InTinyYStrip>(strip);
+    copy->set<OutTinyYStrip>(boost::make_shared<image::OutputImageYStrip2d>(
+        image::createImage(image::eIBT_Int16, ImageSizes(70, 3)), PlanIndex(), 0, 3));
+    DataParserColl parsers(1);
+    copy->initDataParserColl(parsers);
+    ASSERT_EQ(2u, parsers.size());
+    copy->clearDataParserColl();
+    parsers.clear();
+    EXPECT_EQ(2, strip.use_count()) << "the attribute's and this test's";
+    executeSyncRun(copy);
+    EXPECT_EQ(2, strip.use_count());
+    copy->clearInputData();
+    copy->initDataParserColl(parsers);
+    EXPECT_EQ(1u, parsers.size()) << "none for an attribute without a value";
+}
+
+}  // namespace
+}  // namespace orvik::test

@@ -1,0 +1,253 @@
+// Results, catalogues of texts, loggers and the throw site.
+
+#include "LogMessages.h"
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
+#include "TestRuns.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/ClassStatics.h"
+#include "frame/util/FrameMessages.h"
+#include "frame/util/NumericLimits.h"
+#include "frame/util/ProcessingResult.h"
+
+#include <boost/format/exceptions.hpp>
+#include <log4cplus/appender.h>
+#include <log4cplus/logger.h>
+#include <log4cplus/spi/loggingevent.h>
+
+#include <stdexcept>
+
+namespace orvik {
+
+struct eTestMessage
+{
+    enum domain { eOne = 1 };
+};
+
+namespace details {
+template<>
+struct MsgMapRegistratorDerived<eTestMessage, void>
+{
+    static const char* managerName() { return "Test"; }
+    static void addRows(LogMessageManager& manager)
+    {
+        static int nbAdditions = 0;
+        manager.addMessage(eTestMessage::eOne, "row 1, addition " + std::to_string(++nbAdditions));
+    }
+};
+}  // namespace details
+}  // namespace orvik
+
+namespace orvik::test {
+namespace {
+
+namespace fd = imaproc::fd;
+
+/// Keeps what is logged on a logger while this object lives; may be told to fail instead.
+class Listener
+{
+public:
+    struct Appender : log4cplus::Appender
+    {
+        ~Appender() override { destructorImpl(); }
+        void close() override {}
+        void append(const log4cplus::spi::InternalLoggingEvent& event) override
+        {
+            if (fails)
+                throw std::runtime_error("no room for the log");
+            texts.push_back(event.getMessage());
+            levels.push_back(event.getLogLevel());
+            files.push_back(event.getFile());
+        }
+        bool fails = false;
+        std::vector<std::string> texts, files;
+        std::vector<int> levels;
+    };
+
+    explicit Listener(log4cplus::Logger logger) : m_logger(logger), m_appender(new Appender), m_shared(m_appender)
+    {
+        m_logger.addAppender(m_shared);
+    }
+    ~Listener() { m_logger.removeAppender(m_shared); }
+    Appender* operator->() { return m_appender; }
+
+private:
+    log4cplus::Logger m_logger;
+    Appender* m_appender;
+    log4cplus::SharedAppenderPtr m_shared;
+};
+
+TEST(ProcessingResult, SuccessHasNoMessageAndFailureHasItsReason)
+{
+    EXPECT_TRUE(success().getValue());
+    EXPECT_EQ("", success().getMessage());
+    EXPECT_FALSE(failure("why").getValue());
+    EXPECT_EQ("why", failure("why").getMessage());
+    EXPECT_EQ(0, ProcessingResult<int>().getValue());
+}
+
+TEST(NumericLimits, TheLowestFloatIsNegative)
+{
+    EXPECT_EQ(-3.4028234663852886e38f, NumericLimits<float>::s_min);
+    EXPECT_EQ(3.4028234663852886e38f, NumericLimits<float>::s_max);
+    EXPECT_EQ(-2147483647 - 1, NumericLimits<int>::s_min);
+    EXPECT_EQ(0u, NumericLimits<unsigned short>::s_min);
+    EXPECT_EQ(1.0f / 8388608.0f, NumericLimits<float>::s_eps);
+    EXPECT_EQ(1.0 / 4503599627370496.0, NumericLimits<double>::s_eps);
+}
+
+// --- catalogues
+
+TEST(Messages, EveryEnumerationHasItsNameAndItsRows)
+{
+    const LogMessageManager& manager = fd::getORVIKIPLFeatureDetectionLogMessageManager();
+    EXPECT_EQ(&LogMessageManager::getInstance("ORVIKIPLFeatureDetection"), &manager);
+    EXPECT_STREQ("N5orvik7imaproc2fd17eProcessorMessage6domainE", typeid(fd::eProcessorMessage::domain).name());
+    EXPECT_EQ(78u, manager.getNbMessages("N5orvik7imaproc2fd17eProcessorMessage6domainE"));
+    EXPECT_EQ(5u, manager.getNbMessages("N5orvik7imaproc2fd12eRuleMessage6domainE"));
+    EXPECT_EQ(1u, manager.getNbMessages("N5orvik7imaproc2fd25eOutputInitializerMessage6domainE"));
+    EXPECT_EQ(0u, manager.getNbMessages(typeid(fd::eORVIKIPLFeatureDetectionMessage::domain).name()));
+}
+
+TEST(Messages, ARegisteredMapIsNotRegisteredAgain)
+{
+    EXPECT_TRUE(MessageMapRegistrator<eTestMessage>::process());
+    EXPECT_TRUE(MessageMapRegistrator<eTestMessage>::process());
+    EXPECT_EQ("row 1, addition 1",
+              LogMessageManager::getInstance("Test").getMessage(typeid(eTestMessage::domain).name(), 1));
+}
+
+TEST(Messages, TextsKeepTheirBlanksAndSpelling)
+{
+    const LogMessageManager& manager = fd::getORVIKIPLFeatureDetectionLogMessageManager();
+    const auto row = [&](int id) { return manager.getMessage("N5orvik7imaproc2fd17eProcessorMessage6domainE", id); };
+    EXPECT_EQ("Level 1 algorithm: detects edges in images using Canny's detector", row(0));
+    EXPECT_EQ("Level 1 algorithm: computes  circles radii, given circles centers and an image of gradient magnitude", row(6));
+    EXPECT_EQ("Level 2 algorithm: computes spheres radii, given sphere centers and an image of gradient magnitude  on Gpu",
+              row(9));
+    EXPECT_EQ("Level 1 algorithm: finds the local maxima in a 3d image", row(25));
+    EXPECT_EQ("Level 1 algorithm: Creates a mask image from 3D spheres detected with te 3D Hough detection algorithm", row(72));
+    EXPECT_EQ("Level 3 algorithm: Computation of global maximum of L2 (euclidian) norm of two images", row(77));
+    EXPECT_EQ(row(75), fd::MaxL2Norm2MsrLvl1::getToolTipStr());
+    EXPECT_EQ(row(77), fd::MaxL2Norm2MsrLvl3().getToolTip());
+}
+
+TEST(Formatter, FillsFieldsInOrderAndForgetsThemWithTheRow)
+{
+    const LogMessageManager& manager = fd::getORVIKIPLFeatureDetectionLogMessageManager();
+    LogMessageFormater formater(manager);
+    formater[fd::eRuleMessage::eSizeYGreaterOrEqualEvaluated] % 7u % std::string("InHoughLinesParams") % 180u;
+    EXPECT_EQ("Output image Y size (7) is greater than or equals to NbThetaBins field of InHoughLinesParams data item (180)",
+              formater.string());
+    EXPECT_EQ("Attribute weak pointer has expired, can't get it",
+              formater.setMsgId("N5orvik7imaproc2fd12eRuleMessage6domainE", 0).string());
+    EXPECT_THROW(formater.setMsgId("N5orvik7imaproc2fd12eRuleMessage6domainE", 5), std::out_of_range);
+    formater[fd::eRuleMessage::eSizeYGreaterOrEqual];
+    EXPECT_THROW(formater.string(), boost::io::too_few_args);
+    formater % 1u % 2u;
+    EXPECT_THROW(formater.string(), boost::io::too_many_args);
+}
+
+// --- loggers and the throw site
+
+TEST(Loggers, LieBelowTheBaseLogger)
+{
+    const std::string base = getBaseLoggerName();
+    EXPECT_EQ(base, getBaseLogger().getName());
+    EXPECT_EQ(base + ".ORVIKUtil", getORVIKUtilLogger().getName());
+    EXPECT_EQ(base + ".ORVIKSerialization", getORVIKSerializationLogger().getName());
+    EXPECT_EQ(base + ".ORVIKBaseProcessing", processor::getORVIKBaseProcessingLogger().getName());
+    EXPECT_EQ(base + ".ORVIKImageProcessing", imaproc::getORVIKImageProcessingLogger().getName());
+    EXPECT_EQ(base + ".ORVIKIPLFeatureDetection", fd::getORVIKIPLFeatureDetectionLoggerName());
+    EXPECT_EQ(fd::getORVIKIPLFeatureDetectionLoggerName(), fd::getORVIKIPLFeatureDetectionLogger().getName());
+}
+
+void throwCopyRefused(const std::string& name)
+{
+    ORVIK_THROW(ORVIKUtilException, g_utilLogSource, eORVIKUtilErrors::eCopyNotSupported, name);
+}
+
+TEST(ThrowSite, LogsAtErrorWithThePlaceAndThrowsTheSameText)
+{
+    Listener listener(getORVIKUtilLogger());
+    try {
+        throwCopyRefused("Thing");
+        FAIL() << "nothing was thrown";
+    } catch (const ORVIKUtilException& e) {
+        EXPECT_STREQ("Objects of class Thing can't be copied", e.what());
+        EXPECT_NE(std::string::npos, e.getFunction().find("::throwCopyRefused(const std::string&)")) << e.getFunction();
+        EXPECT_NE(std::string::npos, e.getFile().find("UtilTest.cpp"));
+        EXPECT_GT(e.getLine(), 0u);
+        EXPECT_EQ("", e.getCause());
+    }
+    ASSERT_EQ(1u, listener->texts.size());
+    EXPECT_EQ("Objects of class Thing can't be copied", listener->texts[0]);
+    EXPECT_EQ(40000, listener->levels[0]);
+    EXPECT_NE(std::string::npos, listener->files[0].find("UtilTest.cpp"));
+}
+
+TEST(ThrowSite, ThrowsTheSameTextWhileErrorsAreNotLogged)
+{
+    Listener listener(getORVIKUtilLogger());
+    getORVIKUtilLogger().setLogLevel(log4cplus::OFF_LOG_LEVEL);
+    const std::string text = thrownText<ORVIKUtilException>([] { throwCopyRefused("Thing"); });
+    getORVIKUtilLogger().setLogLevel(log4cplus::NOT_SET_LOG_LEVEL);
+    EXPECT_EQ("Objects of class Thing can't be copied", text);
+    EXPECT_TRUE(listener->texts.empty());
+}
+
+/// A throw site whose catalogue fails to be had.
+template<class Failure>
+BaseException failedThrowSite(Failure fail)
+{
+    static Failure* current;
+    current = &fail;
+    const LogSource source = {&getORVIKUtilLogger, [] () -> LogMessageManager& {
+                                  (*current)();
+                                  return getORVIKUtilLogMessageManager();
+                              }};
+    try {
+        ORVIK_THROW(ORVIKUtilException, source, eORVIKUtilErrors::eCopyNotSupported, "Thing");
+    } catch (const BaseException& e) {
+        EXPECT_EQ(std::string(typeid(BaseException).name()), typeid(e).name());
+        return e;
+    }
+}
+
+TEST(ThrowSite, AFailureInsideItIsLoggedOnTheBaseLoggerAndBecomesTheCause)
+{
+    Listener listener(getBaseLogger());
+    const std::string text = "Exception thrown while processing message";
+    const BaseException standard = failedThrowSite([] { throw std::runtime_error("standard"); });
+    EXPECT_EQ(text, standard.getMessage());
+    EXPECT_EQ("standard", standard.getCause());
+    EXPECT_EQ("own", failedThrowSite([] { throw BaseException("own", "f", "g", 1); }).getCause());
+    EXPECT_EQ(UnHandleException().what(), failedThrowSite([] { throw 7; }).getCause());
+    ASSERT_EQ(3u, listener->texts.size());
+    for (const std::string& logged : listener->texts)
+        EXPECT_EQ(0u, logged.find(text + " in ")) << logged;
+
+    // Arguments that do not fit their message are such a failure, too.
+    EXPECT_EQ(text, thrownText<BaseException>([] {
+                  ORVIK_THROW(ORVIKUtilException, g_utilLogSource, eORVIKUtilErrors::eCopyNotSupported, "a", "b");
+              }));
+}
+
+TEST(ThrowSite, ALogThatCanNotBeWrittenIsAFailureInsideIt)
+{
+    Listener listener(getBaseLogger());
+    listener->fails = true;
+    try {
+        throwCopyRefused("Thing");
+        FAIL() << "nothing was thrown";
+    } catch (const BaseException& e) {
+        EXPECT_STREQ("Exception thrown while processing message", e.what());
+        EXPECT_EQ("no room for the log", e.getCause());
+    }
+}
+
+}  // namespace
+}  // namespace orvik::test
