@@ -5,8 +5,8 @@
 namespace orvik { namespace imaproc { namespace filter {
 namespace {
 
-/// Both kernels on a block of samples whose neighbours at distance k lie k * stride away. Sums run outwards from the
-/// centre; what is not asked for is not computed.
+/// Both kernels on a block of samples whose neighbours at distance k lie k * stride away: lines of a tile, or columns of
+/// a line. Sums run outwards from the centre.
 template<bool Smooth, bool Differentiate>
 void filterBlock(const double* centre, unsigned long stride, const GaussianWeights& weights, double* smooth,
                  double* derivative)
@@ -125,7 +125,7 @@ bool GaussianGradient2dImgLvl3::writeLine(const double* line, unsigned long n)
         if constexpr (!std::is_same<Sample, double>::value) {
             const auto* const out = this->template parser<Attribute, Sample>();
             for (unsigned long x = 0; x < n; x += kBlock) {
-                double block[kBlock];
+                alignas(64) double block[kBlock];
                 filterBlock<!alongX, alongX>(line + x, 1, m_x, block, block);
                 narrowBlock(out->accessBuffer() + x, block);
             }

@@ -43,7 +43,7 @@ processor::StageResult GaussianGradient2dImgLvl3::preProcess()
     m_startX = processor::alignedCount(m_x.halfSize(), vector);
     const unsigned long lineSize =
         m_startX + processor::alignedCount(strip.getSizeX(), getRunGranularity()) + m_x.halfSize();
-    m_tile.init(64 * (margins.startY + 1 + margins.endY), eDT_Real64);
+    m_tile.init(kBlock * (margins.startY + 1 + margins.endY), eDT_Real64);
     if (value<OutOptGradXYStrip2d>())
         m_smooth.init(eDT_Real64, lineSize, s_nbLinesAtOnce);
     if (value<OutOptGradYYStrip2d>())

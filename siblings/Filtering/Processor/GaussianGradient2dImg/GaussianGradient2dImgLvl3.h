@@ -30,8 +30,8 @@ class ORVIK_API GaussianGradient2dImgLvl3
     typedef LineStripParserMode ParserMode;
 
     /// Lines that go through the column pass together: each line that they share is made double once.
-    static constexpr unsigned long s_nbLinesAtOnce = 4;
-    static constexpr unsigned long s_minStripLines = 8 * s_nbLinesAtOnce;
+    static constexpr unsigned long s_nbLinesAtOnce = 8;
+    static constexpr unsigned long s_minStripLines = 4 * s_nbLinesAtOnce;
 
     processor::StageResult preProcess() override;
     template<class Sample, core::eInstructionSet Set>
@@ -50,10 +50,11 @@ private:
     double* derivativeLine(unsigned long i) const { return static_cast<double*>(m_derivative.getDataPtr(i, m_startX)); }
 
     GaussianWeights m_x, m_y;
-    unsigned long m_startX = 0;              // of column 0 in a combined line
-    image::TypedOwnBuffer m_tile;            // some columns of all lines of the kernel, as double
-    image::FragHybridBuffer m_smooth;        // combined lines, with margins: smoothed along y, for the gradient along x
-    image::FragHybridBuffer m_derivative;    // differentiated along y, for the gradient along y
+    unsigned long m_startX = 0;  // of column 0 in a combined line
+    image::TypedOwnBuffer m_tile;  // a block of columns of all lines of the kernel, as double
+    // Combined lines, with margins; without fragments where they are not wanted.
+    image::FragHybridBuffer m_smooth;  // smoothed along y, for the gradient along x
+    image::FragHybridBuffer m_derivative;  // differentiated along y, for the gradient along y
 };
 
 }  // namespace filter
