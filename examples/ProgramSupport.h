@@ -49,11 +49,13 @@ void addCommonOptions(CLI::App& app, CommonOptions& options);
 /// Accepts numbers within the limits; no NaN and no infinities.
 CLI::Validator isNumberFrom(double least, double most = std::numeric_limits<double>::max());
 
-/// Parses the command line, does what the common options ask for, then the work. Any failure becomes one line on stderr
-/// that starts with the program's name. Returns the exit status: 0, 1 for failed work, 2 for a wrong command line.
+/// Parses the command line, does what the common options ask for, then the work. Any failure becomes one line on
+/// stderr that starts with the program's name. Returns the exit status: 0, 1 for failed work, 2 for a wrong command
+/// line.
 int runProgram(CLI::App& app, int argc, char** argv, const CommonOptions& options, const std::function<void()>& work);
 
-/// Runs a processor of the library to its end. On a terminal, progress is shown once it takes longer than half a second.
+/// Runs a processor of the library to its end. On a terminal, progress is shown once that takes longer than half a
+/// second.
 /// Throws what ended the run when it failed.
 void runToEnd(processor::BaseProcessor& processor, const std::string& title, const CommonOptions& options);
 

@@ -49,8 +49,8 @@ struct Files
     std::string edges, overlay;
 };
 
-// Both stages go through the processors, not through the functions gaussianGradient2dImg and cannyEdges2dImg that do the
-// same in one call: only a processor tells its progress.
+// Both stages go through the processors, not through the functions gaussianGradient2dImg and cannyEdges2dImg that do
+// the same in one call: only a processor tells its progress.
 
 Gradient computeGradient(const Picture& picture, const Options& options)
 {
@@ -146,7 +146,8 @@ int main(int argc, char** argv)
                    "(default: both thresholds from the picture)")
         ->check(isNumberFrom(0))
         ->type_name("LEVELS");
-    app.add_option("--policy", options.policy, "way to the weak edges: labels or iterative; same result (default: iterative)")
+    app.add_option("--policy", options.policy,
+                   "way to the weak edges: labels or iterative; same result (default: iterative)")
         ->check(CLI::IsMember({"labels", "iterative"}))
         ->type_name("NAME");
     addCommonOptions(app, options.common);

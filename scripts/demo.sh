@@ -39,7 +39,7 @@ getPhotographs()
     else
         cat "$work/errors" >&2
         rm -r "$work"
-        echo "demo.sh: cannot get the Debian package python3-skimage, which has the photographs; is there a network?" >&2
+        echo "demo.sh: cannot get the Debian package python3-skimage, which has the photographs: no network?" >&2
         echo "demo.sh: any picture of yours will do as well: build/release/bin/edges PICTURE -o out" >&2
         return 1
     fi

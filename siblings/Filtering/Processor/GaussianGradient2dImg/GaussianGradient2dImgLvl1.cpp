@@ -74,8 +74,8 @@ processor::RetrievalResult GaussianGradient2dImgLvl1::retrieveProvider(const cor
     return dispatch<GaussianGradient2dImgLvl2>(
         priority, provider, eachPlane<InSubImg2d>(value<InImg>()), same<InStdDevX>(value<InStdDevX>()),
         same<InStdDevY>(value<InStdDevY>()), same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
-        ifSet(eachPlane<OutSubGradXImg2d>(value<OutOptGradXImg>())),
-        ifSet(eachPlane<OutSubGradYImg2d>(value<OutOptGradYImg>())));
+        ifSet(eachPlane<OutOptSubGradXImg2d>(value<OutOptGradXImg>())),
+        ifSet(eachPlane<OutOptSubGradYImg2d>(value<OutOptGradYImg>())));
 }
 
 namespace {

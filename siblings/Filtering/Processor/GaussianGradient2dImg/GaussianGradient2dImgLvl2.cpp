@@ -25,8 +25,8 @@ processor::RulePtr GaussianGradient2dImgLvl2::createRule() const
 {
     return makesGaussian(attribute<InStdDevX>(), attribute<InGaussianCoverage>())
            && makesGaussian(attribute<InStdDevY>(), attribute<InGaussianCoverage>())
-           && matchSize(attribute<InSubImg2d>(), attribute<OutSubGradXImg2d>())
-           && matchSize(attribute<InSubImg2d>(), attribute<OutSubGradYImg2d>());
+           && matchSize(attribute<InSubImg2d>(), attribute<OutOptSubGradXImg2d>())
+           && matchSize(attribute<InSubImg2d>(), attribute<OutOptSubGradYImg2d>());
 }
 
 processor::RetrievalResult GaussianGradient2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
@@ -42,8 +42,8 @@ processor::RetrievalResult GaussianGradient2dImgLvl2::retrieveProvider(const cor
         priority, provider, stripsWithMargins<InKnlYStrip2d>(value<InSubImg2d>(), margins),
         same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),
         same<InGaussianCoverage>(value<InGaussianCoverage>()),
-        ifSet(strips<OutOptGradXYStrip2d>(value<OutSubGradXImg2d>())),
-        ifSet(strips<OutOptGradYYStrip2d>(value<OutSubGradYImg2d>())));
+        ifSet(strips<OutOptGradXYStrip2d>(value<OutOptSubGradXImg2d>())),
+        ifSet(strips<OutOptGradYYStrip2d>(value<OutOptSubGradYImg2d>())));
 }
 
 }}}  // namespace orvik::imaproc::filter

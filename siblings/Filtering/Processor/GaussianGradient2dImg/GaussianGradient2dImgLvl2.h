@@ -11,8 +11,8 @@ struct InSubImg2d;
 struct InStdDevX;
 struct InStdDevY;
 struct InGaussianCoverage;
-struct OutSubGradXImg2d;
-struct OutSubGradYImg2d;
+struct OutOptSubGradXImg2d;
+struct OutOptSubGradYImg2d;
 }  // namespace attr
 
 namespace filter {
@@ -20,8 +20,8 @@ namespace filter {
 /// Level 2: one plane, by strips. An output that is unset is not computed.
 class ORVIK_API GaussianGradient2dImgLvl2
     : public processor::Processor<GaussianGradient2dImgLvl2, processor::BaseAsync1Processor, attr::InSubImg2d,
-                                  attr::InStdDevX, attr::InStdDevY, attr::InGaussianCoverage, attr::OutSubGradXImg2d,
-                                  attr::OutSubGradYImg2d>
+                                  attr::InStdDevX, attr::InStdDevY, attr::InGaussianCoverage, attr::OutOptSubGradXImg2d,
+                                  attr::OutOptSubGradYImg2d>
 {
     ORVIK_PROCESSOR(GaussianGradient2dImgLvl2, 1)
 
