@@ -246,17 +246,25 @@ void runInBackground(const boost::shared_ptr<BaseAction>& action, const std::fun
 {
     static const bool registered = std::atexit(&endBackgroundRuns) == 0;
     static_cast<void>(registered);
+    const auto forget = [action] {
+        const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
+        backgroundRuns().actions.erase(action);
+    };
+    Pool& pool = currentPool();
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
         backgroundRuns().actions.insert(action);
     }
-    Pool& pool = currentPool();
-    pool.arena.enqueue([action, work, &pool] {
-        const PoolScope scope(pool);
-        work();
-        const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
-        backgroundRuns().actions.erase(action);
-    });
+    try {
+        pool.arena.enqueue([work, forget, &pool] {
+            const PoolScope scope(pool);
+            work();
+            forget();
+        });
+    } catch (...) {
+        forget();
+        throw;
+    }
 }
 
 }}  // namespace orvik::core
