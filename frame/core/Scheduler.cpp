@@ -137,9 +137,9 @@ private:
     {
         if (m_failed)
             return;
-        m_failed = true;
-        m_message = message;
+        m_message = message;  // first: without memory for it the failure is told again, as that
         m_exception = exception;
+        m_failed = true;
     }
 
     BaseActionProvider& m_provider;
