@@ -6,6 +6,21 @@
 
 namespace orvik { namespace core {
 
+namespace {
+
+std::string textOf(const std::exception_ptr& failure)
+{
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (...) {
+        return UnHandleException().what();
+    }
+}
+
+}  // namespace
+
 bool BaseRequestOrigin::isCancellationRequested() const
 {
     return m_run && m_run->cancelled.load(std::memory_order_relaxed);
@@ -68,7 +83,7 @@ BoolResult BaseAction::execute(const BaseRequestOrigin& origin)
     return result;
 }
 
-void BaseAction::runToEnd() noexcept
+std::exception_ptr BaseAction::runToEnd() noexcept
 {
     std::exception_ptr failure;
     try {
@@ -84,6 +99,7 @@ void BaseAction::runToEnd() noexcept
     m_run->running = false;
     m_run->failure = failure;
     m_run->ended.notify_all();
+    return failure;
 }
 
 void BaseAction::executeAsRoot()
@@ -93,8 +109,8 @@ void BaseAction::executeAsRoot()
         logError(processor::g_baseProcessingLogSource, entered.getMessage(), __FILE__, __LINE__);
         throw processor::ORVIKBaseProcessingException(entered.getMessage(), __PRETTY_FUNCTION__, __FILE__, __LINE__);
     }
-    runToEnd();
-    rethrowFailure();
+    if (const std::exception_ptr failure = runToEnd())
+        std::rethrow_exception(failure);
 }
 
 BoolResult BaseAction::run(const eSynchroType& synchro)
@@ -106,10 +122,19 @@ BoolResult BaseAction::run(const eSynchroType& synchro)
     if (!entered.getValue())
         return entered;
     if (synchro != eST_Asynchronous) {
-        runToEnd();
-        return hasFailed() ? failure(getErrorMessage()) : success();
+        const std::exception_ptr ended = runToEnd();
+        return ended ? failure(textOf(ended)) : success();
     }
-    runInBackground(self, [self] { self->runToEnd(); });
+    try {
+        runInBackground(self, [self] { self->runToEnd(); });
+    } catch (...) {
+        // Nothing was started; who waits for the end must not wait for ever.
+        const std::lock_guard<std::mutex> lock(m_run->mutex);
+        m_run->running = false;
+        m_run->failure = std::current_exception();
+        m_run->ended.notify_all();
+        throw;
+    }
     return success();
 }
 
@@ -131,26 +156,21 @@ bool BaseAction::hasFailed() const
     return m_run->failure != nullptr;
 }
 
+std::exception_ptr BaseAction::getFailure() const
+{
+    const std::lock_guard<std::mutex> lock(m_run->mutex);
+    return m_run->failure;
+}
+
 std::string BaseAction::getErrorMessage() const
 {
-    try {
-        rethrowFailure();
-    } catch (const std::exception& e) {
-        return e.what();
-    } catch (...) {
-        return UnHandleException().what();
-    }
-    return std::string();
+    const std::exception_ptr failure = getFailure();
+    return failure ? textOf(failure) : std::string();
 }
 
 void BaseAction::rethrowFailure() const
 {
-    std::exception_ptr failure;
-    {
-        const std::lock_guard<std::mutex> lock(m_run->mutex);
-        failure = m_run->failure;
-    }
-    if (failure)
+    if (const std::exception_ptr failure = getFailure())
         std::rethrow_exception(failure);
 }
 

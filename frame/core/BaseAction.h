@@ -5,6 +5,7 @@
 
 #include <boost/smart_ptr/enable_shared_from_this.hpp>
 
+#include <exception>
 #include <functional>
 #include <memory>
 
@@ -31,7 +32,7 @@ public:
 
     /// Asynchronous: starts the work and returns at once; the action keeps itself alive until the end.
     /// Synchronous: returns when ended. The result is false with the reason when the action failed, was running already
-    /// or is not held by a shared pointer.
+    /// or is not held by a shared pointer. @throws std::bad_alloc when there is no memory to start it.
     BoolResult run(const eSynchroType& synchro);
     void setActionPriority(const BasePriority& priority) { m_priority = priority; }
     const BasePriority& getActionPriority() const { return m_priority; }
@@ -72,7 +73,9 @@ protected:
 
 private:
     BoolResult enterRun();
-    void runToEnd() noexcept;
+    std::exception_ptr getFailure() const;
+    /// Gives back what ended the run, null for success: by the time the caller looks, another run may have begun.
+    std::exception_ptr runToEnd() noexcept;
 
     std::unique_ptr<RunState> m_run;
     BaseRequestOrigin m_origin;

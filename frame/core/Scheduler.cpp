@@ -137,9 +137,9 @@ private:
     {
         if (m_failed)
             return;
-        m_failed = true;
-        m_message = message;
+        m_message = message;  // first: without memory for it the failure is told again, as that
         m_exception = exception;
+        m_failed = true;
     }
 
     BaseActionProvider& m_provider;
@@ -246,17 +246,25 @@ void runInBackground(const boost::shared_ptr<BaseAction>& action, const std::fun
 {
     static const bool registered = std::atexit(&endBackgroundRuns) == 0;
     static_cast<void>(registered);
+    const auto forget = [action] {
+        const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
+        backgroundRuns().actions.erase(action);
+    };
+    Pool& pool = currentPool();
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
         backgroundRuns().actions.insert(action);
     }
-    Pool& pool = currentPool();
-    pool.arena.enqueue([action, work, &pool] {
-        const PoolScope scope(pool);
-        work();
-        const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
-        backgroundRuns().actions.erase(action);
-    });
+    try {
+        pool.arena.enqueue([work, forget, &pool] {
+            const PoolScope scope(pool);
+            work();
+            forget();
+        });
+    } catch (...) {
+        forget();
+        throw;
+    }
 }
 
 }}  // namespace orvik::core

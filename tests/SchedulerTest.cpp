@@ -1,0 +1,613 @@
+// Runs on several threads, in the background, cancelled, failing, out of memory.
+
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
+#include "TestImages.h"
+#include "TestRuns.h"
+#include "TinyProcessor.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <new>
+#include <thread>
+
+// Memory of this whole program: the allocation that `g_failAfter` counts down to fails.
+namespace {
+std::atomic<long> g_failAfter{-1};
+std::atomic<bool> g_failed{false};
+
+bool mayAllocate()
+{
+    if (g_failAfter.load(std::memory_order_relaxed) < 0 || g_failAfter.fetch_sub(1) != 0)
+        return true;
+    g_failed = true;
+    return false;
+}
+}  // namespace
+
+// Not inlined: the compiler would see memory of malloc in one place and delete in another, and warn.
+__attribute__((noinline)) void* operator new(std::size_t size)
+{
+    void* const block = mayAllocate() ? std::malloc(size ? size : 1) : nullptr;
+    if (!block)
+        throw std::bad_alloc();
+    return block;
+}
+
+__attribute__((noinline)) void operator delete(void* block) noexcept
+{
+    std::free(block);
+}
+
+__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept
+{
+    std::free(block);
+}
+
+/// Where the frame has the memory of images and lines from.
+extern "C" __attribute__((visibility("default"))) void* aligned_alloc(std::size_t alignment, std::size_t size)
+{
+    void* block = nullptr;
+    return mayAllocate() && posix_memalign(&block, alignment, size) == 0 ? block : nullptr;
+}
+
+namespace orvik::test {
+namespace {
+
+using namespace imaproc;
+using namespace imaproc::tiny;
+using namespace processor;
+using image::ImageSizes;
+
+/// Sets the function that the Hook family calls for each line, for a scope.
+struct OnLine
+{
+    explicit OnLine(const std::function<BoolResult(unsigned long)>& f) { Hook::s_onLine = f; }
+    ~OnLine() { Hook::s_onLine = nullptr; }
+};
+
+/// Holds up lines until it is opened.
+class Gate
+{
+public:
+    void pass()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        ++m_nbArrived;
+        m_changed.notify_all();
+        m_changed.wait(lock, [this] { return m_open; });
+    }
+    void waitForArrival()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_nbArrived > 0; });
+    }
+    void open()
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_open = true;
+        m_changed.notify_all();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_nbArrived = 0;
+    bool m_open = false;
+};
+
+boost::shared_ptr<HookLvl1> hookOn(const ImagePtr& image)
+{
+    const auto hook = createInitialised<HookLvl1>();
+    hook->set<InTinyImg>(image);
+    return hook;
+}
+
+/// Lines of all planes in their order, as plane, row and first sample.
+std::vector<long> linesOf(const PlanIndexedMarks& lists)
+{
+    std::vector<long> lines;
+    for (const PlanIndex& plan : lists.getPlans())
+        for (const auto& mark : lists.getEntry(plan)->get<Marks::Coll>().getNodes())
+            lines.insert(lines.end(), {static_cast<long>(plan.z), static_cast<long>(mark->get<Mark::Y>()), mark->get<Mark::Id>()});
+    return lines;
+}
+
+std::vector<long> expectedLines(const image::BaseImage& image)
+{
+    std::vector<long> lines;
+    for (unsigned long z = 0; z < image.getSizeZ(); ++z)
+        for (unsigned long y = 0; y < image.getSizeY(); ++y)
+            lines.insert(lines.end(), {static_cast<long>(z), static_cast<long>(y), static_cast<long>(sampleAt(image, 0, y, z))});
+    return lines;
+}
+
+struct OddFailure : std::runtime_error
+{
+    explicit OddFailure(unsigned long y) : std::runtime_error("odd failure"), line(y) {}
+    unsigned long line;
+};
+
+// --- threads
+
+TEST(Threads, GiveTheSameListsWhateverTheirNumberAndTheStrips)
+{
+    const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(3, 23, 3));
+    const auto hook = hookOn(image);
+    for (const unsigned int nbThreads : {1, 2, 3, 8})
+        for (const unsigned long grain : {0, 1, 7, 23}) {
+            const WithThreads threads(nbThreads);
+            const WithGrain strips(grain);
+            executeSyncRun(hook);
+            EXPECT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>())) << nbThreads << " threads, grain " << grain;
+        }
+}
+
+TEST(Threads, WorkAtTheSameTimeOnTheLinesOfOnePlane)
+{
+    const WithThreads threads(3);
+    const WithGrain fine(1);
+    std::mutex mutex;
+    std::condition_variable changed;
+    int nbInside = 0;
+    bool met = false;
+    const OnLine onLine([&](unsigned long) {
+        std::unique_lock<std::mutex> lock(mutex);
+        met = ++nbInside == 2 || met;
+        changed.notify_all();
+        changed.wait_for(lock, std::chrono::seconds(5), [&] { return met; });
+        --nbInside;
+        return success();
+    });
+    executeSyncRun(hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 20))));
+    EXPECT_TRUE(met);
+}
+
+TEST(Threads, OneThreadRunsEverythingInOrderOnTheCallersOwn)
+{
+    const WithThreads one(1);
+    const WithGrain fine(1);
+    std::vector<unsigned long> lines;
+    const std::thread::id caller = std::this_thread::get_id();
+    const OnLine onLine([&](unsigned long y) {
+        EXPECT_EQ(caller, std::this_thread::get_id());
+        lines.push_back(y);
+        return success();
+    });
+    executeSyncRun(hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 5))));
+    EXPECT_EQ((std::vector<unsigned long>{0, 1, 2, 3, 4}), lines);
+}
+
+TEST(Threads, AFailureStopsTheHandingOutAndItsTextArrives)
+{
+    const WithGrain fine(1);
+    for (const unsigned int nbThreads : {1, 4}) {
+        const WithThreads threads(nbThreads);
+        std::atomic<unsigned int> nbLines{0};
+        const OnLine onLine([&](unsigned long y) {
+            ++nbLines;
+            return y == 3 ? failure("line 3 is bad") : success();
+        });
+        const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 20000)));
+        EXPECT_EQ("line 3 is bad", thrownText<ORVIKBaseProcessingException>([&] { executeSyncRun(hook); }));
+        if (nbThreads == 1) {
+            EXPECT_EQ(4u, nbLines);
+        } else {
+            EXPECT_LT(nbLines, 20000u);
+        }
+    }
+}
+
+TEST(Threads, AnExceptionOfAnyThreadArrivesUnchanged)
+{
+    const WithGrain fine(1);
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 40, 2)));
+    for (const unsigned int nbThreads : {1, 2, 4})
+        for (unsigned long bad = 0; bad < 40; bad += 3) {
+            const WithThreads threads(nbThreads);
+            const OnLine onLine([&](unsigned long y) -> BoolResult {
+                if (y == bad)
+                    throw OddFailure(y);
+                return success();
+            });
+            try {
+                executeSyncRun(hook);
+                ADD_FAILURE() << "nothing was thrown";
+            } catch (const OddFailure& e) {
+                EXPECT_EQ(bad, e.line);
+            }
+        }
+}
+
+TEST(Threads, SeveralCallersAtOnceGetTheirOwnResults)
+{
+    for (const unsigned int nbThreads : {1, 3}) {
+        const WithThreads threads(nbThreads);
+        const WithGrain fine(4);
+        std::vector<std::thread> callers;
+        std::atomic<int> nbWrong{0};
+        for (unsigned int seed = 0; seed < 6; ++seed)
+            callers.emplace_back([&, seed] {
+                const ImagePtr image = randomImage(image::eIBT_Int8, ImageSizes(5, 30, 2), seed);
+                const ImagePtr other = image::createImage(image::eIBT_Int8, ImageSizes(5, 30, 2));
+                double largest = 0;
+                forEachSample(ImageSizes(5, 30, 2), [&](auto x, auto y, auto z, auto, auto) {
+                    largest = std::max(largest, std::abs(sampleAt(*image, x, y, z)));
+                });
+                const auto hook = hookOn(image);
+                for (int i = 0; i < 20; ++i) {
+                    executeSyncRun(hook);
+                    nbWrong += linesOf(*hook->getStorage<OutPIMarks>()) != expectedLines(*image);
+                    nbWrong += fd::maxL2Norm2Msr(image, other) != largest;
+                    nbWrong += fd::getAsyncProcessorOutput(fd::maxL2Norm2Msr_async(image, other)) != largest;
+                }
+            });
+        for (std::thread& caller : callers)
+            caller.join();
+        EXPECT_EQ(0, nbWrong);
+    }
+}
+
+TEST(Threads, ARunMayStartAnotherFromItsOwnLines)
+{
+    const WithThreads threads(3);
+    const WithGrain fine(1);
+    const ImagePtr image = randomImage(image::eIBT_UInt8, ImageSizes(70, 9));
+    const ImagePtr zero = image::createImage(image::eIBT_UInt8, ImageSizes(70, 9));
+    const double expected = fd::maxL2Norm2Msr(image, zero);
+    std::atomic<int> nbRight{0};
+    const OnLine onLine([&](unsigned long) {
+        nbRight += fd::maxL2Norm2Msr(image, zero) == expected;
+        return success();
+    });
+    executeSyncRun(hookOn(image));
+    EXPECT_EQ(9, nbRight);
+}
+
+// --- background
+
+TEST(Background, ARunReturnsAtOnceAndCanBeWaitedFor)
+{
+    for (const unsigned int nbThreads : {1, 3}) {
+        const WithThreads threads(nbThreads);
+        Gate gate;
+        const OnLine onLine([&](unsigned long) {
+            gate.pass();
+            return success();
+        });
+        const ImagePtr image = randomImage(image::eIBT_UInt8, ImageSizes(2, 6));
+        const auto hook = hookOn(image);
+        EXPECT_FALSE(hook->isRunning());
+        hook->waitForEnd();
+        ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue());
+        gate.waitForArrival();
+        EXPECT_TRUE(hook->isRunning());
+        EXPECT_FALSE(hook->hasFailed());
+        gate.open();
+        EXPECT_EQ(expectedLines(*image), linesOf(*waitForOutput<OutPIMarks>(hook)));
+        EXPECT_FALSE(hook->isRunning());
+        EXPECT_EQ("", hook->getErrorMessage());
+    }
+}
+
+TEST(Background, ARunningProcessorCanNotBeStartedAgain)
+{
+    Gate gate;
+    const OnLine onLine([&](unsigned long) {
+        gate.pass();
+        return success();
+    });
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue());
+    gate.waitForArrival();
+    const std::string text = "orvik::imaproc::tiny::HookLvl1 is running already";
+    EXPECT_EQ(text, hook->run(core::eST_Asynchronous).getMessage());
+    EXPECT_EQ(text, hook->run(core::eST_Synchronous).getMessage());
+    EXPECT_EQ(text, thrownText<ORVIKBaseProcessingException>([&] { executeSyncRun(hook); }));
+    gate.open();
+    hook->waitForEnd();
+    EXPECT_FALSE(hook->hasFailed()) << hook->getErrorMessage();
+    EXPECT_TRUE(hook->run(core::eST_Synchronous).getValue()) << "once ended it runs again";
+}
+
+TEST(Background, OneProcessorThatSeveralThreadsRunTellsEachOfItsFailure)
+{
+    const auto hook = hookOn(nullptr);
+    std::atomic<int> nbLost{0};
+    std::vector<std::thread> callers;
+    for (int i = 0; i < 3; ++i)
+        callers.emplace_back([&] {
+            for (int k = 0; k < 20000; ++k) {
+                try {
+                    executeSyncRun(hook);
+                    ++nbLost;
+                } catch (const std::exception&) {
+                }
+            }
+        });
+    for (std::thread& caller : callers)
+        caller.join();
+    EXPECT_EQ(0, nbLost);
+}
+
+TEST(Background, OnlyAProcessorThatASharedPointerHoldsCanBeStarted)
+{
+    HookLvl1 hook;
+    EXPECT_EQ("orvik::imaproc::tiny::HookLvl1 can't run in the background: no shared pointer holds it",
+              hook.run(core::eST_Asynchronous).getMessage());
+    EXPECT_FALSE(hook.isRunning());
+}
+
+TEST(Background, AFailureIsKeptForWhoeverAsks)
+{
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    {
+        const OnLine onLine([](unsigned long y) -> BoolResult { throw OddFailure(y); });
+        ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue());
+        EXPECT_EQ("odd failure", thrownText<OddFailure>([&] { waitForOutput<OutPIMarks>(hook); }));
+    }
+    EXPECT_TRUE(hook->hasFailed());
+    EXPECT_EQ("odd failure", hook->getErrorMessage());
+    EXPECT_EQ("odd failure", thrownText<OddFailure>([&] { hook->rethrowFailure(); }));
+    EXPECT_TRUE(hook->run(core::eST_Synchronous).getValue());
+    EXPECT_FALSE(hook->hasFailed());
+
+    hook->set<InTinyImg>(nullptr);
+    ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue()) << "the rule is part of the run";
+    hook->waitForEnd();
+    EXPECT_EQ("HookLvl1 refuses to run: mandatory attribute InTinyImg has no value (unset or null)", hook->getErrorMessage());
+
+    const auto norm = fd::maxL2Norm2Msr_async(image::createImage(image::eIBT_UInt8, ImageSizes(2, 2)),
+                                              image::createImage(image::eIBT_UInt8, ImageSizes(3, 2)));
+    EXPECT_NE(std::string::npos, thrownText<ORVIKBaseProcessingException>([&] {
+                                     fd::getAsyncProcessorOutput(norm);
+                                 }).find("InImg2 (3 x 2 x 1 x 1 x 1)"));
+}
+
+TEST(Background, AProcessorKeepsItselfAliveUntilItHasEnded)
+{
+    Gate gate;
+    std::atomic<int> nbLines{0};
+    const OnLine onLine([&](unsigned long) {
+        gate.pass();
+        ++nbLines;
+        return success();
+    });
+    auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 4)));
+    const boost::weak_ptr<HookLvl1> watch = hook;
+    ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue());
+    gate.waitForArrival();
+    hook.reset();
+    EXPECT_FALSE(watch.expired());
+    gate.open();
+    for (int i = 0; i < 5000 && !watch.expired(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_TRUE(watch.expired());
+    EXPECT_EQ(4, nbLines);
+}
+
+TEST(Background, TheEndOfTheProgramCancelsAndWaits)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            static std::atomic<bool> started(false);
+            Hook::s_onLine = [](unsigned long) {
+                started = true;
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                return success();
+            };
+            // Uncancelled it would take more than an hour.
+            const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(1, 4000000)));
+            hook->run(core::eST_Asynchronous);
+            while (!started)
+                std::this_thread::yield();
+            std::exit(7);
+        },
+        ::testing::ExitedWithCode(7), "");
+}
+
+// --- cancellation and progress
+
+TEST(Cancellation, EndsTheRunInTheMiddleAndSaysSo)
+{
+    for (const unsigned long grain : {1, 0})
+        for (const unsigned int nbThreads : {1, 3}) {
+            const WithThreads threads(nbThreads);
+            const WithGrain strips(grain);
+            const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 5000)));
+            std::atomic<int> nbLines{0};
+            const OnLine onLine([&](unsigned long) {
+                if (++nbLines == 10)
+                    hook->requestCancellation();
+                return success();
+            });
+            ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue());
+            hook->waitForEnd();
+            EXPECT_TRUE(hook->hasFailed());
+            EXPECT_EQ("The run was cancelled on request", hook->getErrorMessage());
+            EXPECT_LE(nbLines, 13) << "only the lines in hand were done";
+            nbLines = 11;
+            EXPECT_TRUE(hook->run(core::eST_Synchronous).getValue()) << "a cancellation ends with its run";
+        }
+}
+
+TEST(Cancellation, OfAProcessorThatIsNotRunningHasNoEffect)
+{
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 5)));
+    hook->requestCancellation();
+    EXPECT_NO_THROW(executeSyncRun(hook));
+    hook->requestCancellation();
+    EXPECT_NO_THROW(executeSyncRun(hook));
+}
+
+TEST(Progress, RisesToOneWithoutTwoCallsAtOnce)
+{
+    const WithGrain fine(1);
+    for (const unsigned int nbThreads : {1, 4})
+        for (const unsigned long nbPlanes : {1, 6}) {
+            const WithThreads threads(nbThreads);
+            const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 40, nbPlanes)));
+            std::atomic<int> nbInside{0};
+            std::vector<double> fractions;
+            hook->setProgressCallback([&](double fraction) {
+                EXPECT_EQ(1, ++nbInside);
+                fractions.push_back(fraction);
+                std::this_thread::yield();
+                --nbInside;
+            });
+            executeSyncRun(hook);
+            const double nbElements = nbPlanes == 1 ? 40 : 6;  // strips of the only plane, else planes
+            ASSERT_GE(fractions.size(), nbElements);
+            EXPECT_EQ(1 / nbElements, fractions.front());
+            EXPECT_EQ(1, fractions.back());
+            EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+        }
+}
+
+TEST(Progress, AnExceptionOfTheCallbackEndsTheRun)
+{
+    const WithGrain fine(1);
+    for (const unsigned int nbThreads : {1, 3}) {
+        const WithThreads threads(nbThreads);
+        const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 2000)));
+        std::atomic<int> nbLines{0};
+        const OnLine onLine([&](unsigned long) {
+            ++nbLines;
+            return success();
+        });
+        hook->setProgressCallback([](double fraction) {
+            if (fraction > 0.005)
+                throw OddFailure(0);
+        });
+        EXPECT_EQ("odd failure", thrownText<OddFailure>([&] { executeSyncRun(hook); }));
+        EXPECT_LT(nbLines, 2000);
+        hook->setProgressCallback(nullptr);
+        EXPECT_NO_THROW(executeSyncRun(hook));
+    }
+}
+
+TEST(Progress, ItsCallbackMayCancel)
+{
+    const WithGrain fine(1);
+    const WithThreads threads(2);
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 2000)));
+    hook->setProgressCallback([&](double) { hook->requestCancellation(); });
+    EXPECT_EQ("The run was cancelled on request",
+              thrownText<ORVIKBaseProcessingException>([&] { executeSyncRun(hook); }));
+}
+
+// --- memory
+
+/// Runs `f` with its allocation number `n` failing; whether that many were asked for.
+template<class F>
+bool failAllocation(long n, F&& f)
+{
+    g_failed = false;
+    g_failAfter = n;
+    f();
+    g_failAfter = -1;
+    return g_failed;
+}
+
+TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
+{
+    const WithGrain fine(2);
+    const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(5, 6, 2));
+    const auto reach = Reach::createNode(1, 1, 1, 1, 0, 0, 0, 0);
+    const auto makeHash = [&] {
+        const auto hash = createInitialised<HashLvl1<false> >();
+        hash->set<InTinyImg>(image);
+        hash->set<InReach>(reach);
+        return hash;
+    };
+    const auto reference = makeHash();
+    executeSyncRun(reference);
+    const ImagePtr expected = reference->getStorage<OutTinyImg>();
+    const auto hook = hookOn(image);
+
+    for (const unsigned int nbThreads : {1, 3}) {
+        const WithThreads threads(nbThreads);
+        executeSyncRun(hook);
+        const auto hash = makeHash();
+        for (const boost::shared_ptr<BaseProcessor>& run : {boost::shared_ptr<BaseProcessor>(hash), boost::shared_ptr<BaseProcessor>(hook)}) {
+            long n = 0;
+            for (bool failed = true; failed; ++n) {
+                std::exception_ptr thrown;
+                failed = failAllocation(n, [&] {
+                    try {
+                        executeSyncRun(run);
+                    } catch (...) {
+                        thrown = std::current_exception();
+                    }
+                });
+                ASSERT_EQ(failed, thrown != nullptr) << "allocation " << n << ", " << nbThreads << " threads";
+                if (thrown) {
+                    EXPECT_THROW(std::rethrow_exception(thrown), std::bad_alloc) << "allocation " << n;
+                    EXPECT_TRUE(run->hasFailed());
+                }
+                ASSERT_NO_THROW(executeSyncRun(run)) << "after allocation " << n;
+                if (run == hash)
+                    ASSERT_TRUE(sameSamples(*expected, *hash->getStorage<OutTinyImg>())) << "after allocation " << n;
+                else
+                    ASSERT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>())) << "after allocation " << n;
+            }
+            EXPECT_GT(n, 100) << "the run asked for memory";
+        }
+    }
+}
+
+TEST(Memory, ThatRunsOutWhileAFailureIsToldLeavesAFailure)
+{
+    const WithThreads one(1);
+    const std::string text = "a text that is too long for a string to hold without memory of its own";
+    const OnLine onLine([&](unsigned long) { return failure(text); });
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    long n = 0;
+    for (bool failed = true; failed; ++n) {
+        std::exception_ptr thrown;
+        failed = failAllocation(n, [&] {
+            try {
+                executeSyncRun(hook);
+            } catch (...) {
+                thrown = std::current_exception();
+            }
+        });
+        try {
+            ASSERT_TRUE(thrown) << "allocation " << n;
+            std::rethrow_exception(thrown);
+        } catch (const std::bad_alloc&) {
+        } catch (const std::exception& e) {
+            EXPECT_EQ(text, e.what()) << "allocation " << n;
+        }
+    }
+}
+
+TEST(Memory, ThatRunsOutWhileARunIsStartedLeavesItNotRunning)
+{
+    const WithThreads threads(2);
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    for (long n = 0; n < 40; ++n) {
+        bool refused = false;
+        const bool failed = failAllocation(n, [&] {
+            try {
+                hook->run(core::eST_Asynchronous);
+            } catch (const std::bad_alloc&) {
+                refused = true;
+            }
+            for (int i = 0; i < 5000 && hook->isRunning(); ++i)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
+        ASSERT_FALSE(hook->isRunning()) << "allocation " << n;
+        EXPECT_EQ(failed, refused || hook->hasFailed()) << "allocation " << n;
+        EXPECT_TRUE(hook->run(core::eST_Synchronous).getValue()) << "after allocation " << n;
+    }
+}
+
+}  // namespace
+}  // namespace orvik::test
