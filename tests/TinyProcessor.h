@@ -239,6 +239,11 @@ public:
     }
 };
 
+/// One type of each size: the copies move bytes, and every type costs time to compile.
+typedef processor::KernelTypes<processor::KernelType<image::eIBT_UInt8, unsigned char>, processor::KernelType<image::eIBT_Int16, short>,
+                               processor::KernelType<image::eIBT_Real32, float> >
+    CopyTypes;
+
 #define TINY_COPY(Name, Mode, Granularity, Axis) \
     class Name : public CopyBase<Name, Mode, Granularity, InTiny##Axis##Strip, OutTiny##Axis##Strip> \
     { \
@@ -246,7 +251,7 @@ public:
     }; \
     inline Name::Name() = default; \
     inline Name::~Name() = default; \
-    const processor::KernelRegistrator<Name, processor::AllKernelTypes, core::eIS_Generic> g_kernels##Name(__FILE__)
+    const processor::KernelRegistrator<Name, CopyTypes, core::eIS_Generic> g_kernels##Name(__FILE__)
 TINY_COPY(CopyRaw16, RawStripParserMode, 16, Y);
 TINY_COPY(CopyRaw64, RawStripParserMode, 64, Y);
 TINY_COPY(CopyRaw256, RawStripParserMode, 256, Y);

@@ -4,6 +4,8 @@
 #include <log4cplus/loglevel.h>
 #include <log4cplus/nullappender.h>
 
+#include <memory>
+
 namespace orvik {
 
 namespace {
@@ -48,9 +50,10 @@ const std::string& getBaseLoggerName()
 log4cplus::Logger& getBaseLogger()
 {
     static log4cplus::Logger* const logger = [] {
-        log4cplus::Logger* const made = new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName()));
+        std::unique_ptr<log4cplus::Logger> made(
+            new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName())));
         made->addAppender(log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
-        return made;
+        return made.release();
     }();
     return *logger;
 }
