@@ -33,12 +33,16 @@ thread_local Pool* t_pool = nullptr;
 std::atomic<unsigned int> g_requestedThreads(0);
 std::atomic<unsigned long> g_stripGrain(0);
 
+/// Asked while the library loads: oneTBB looks at the machine once, and a failing allocation then would leave every later
+/// caller waiting for the look to end.
+const unsigned int g_nbProcessors = static_cast<unsigned int>(tbb::info::default_concurrency());
+
 unsigned int defaultNbThreads()
 {
     static const unsigned int nb = [] {
         const char* const text = std::getenv("ORVIK_NUM_THREADS");
         const long asked = text ? std::strtol(text, nullptr, 10) : 0;
-        return static_cast<unsigned int>(asked > 0 && asked <= 1024 ? asked : tbb::info::default_concurrency());
+        return static_cast<unsigned int>(asked > 0 && asked <= 1024 ? asked : g_nbProcessors);
     }();
     return nb;
 }
@@ -50,7 +54,7 @@ Pool& currentPool()
     static std::mutex mutex;
     static std::map<unsigned int, Pool*>* const pools = new std::map<unsigned int, Pool*>;
     static tbb::global_control* control = nullptr;
-    static unsigned int allowed = static_cast<unsigned int>(tbb::info::default_concurrency());
+    static unsigned int allowed = g_nbProcessors;
     const unsigned int nbThreads = getNbThreads();
     const std::lock_guard<std::mutex> lock(mutex);
     Pool*& pool = (*pools)[nbThreads];
