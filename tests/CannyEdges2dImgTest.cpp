@@ -423,7 +423,15 @@ TEST(CannyEdges, RefuseWhatDoesNotFitInWordsBeforeAnythingIsWritten)
     EXPECT_NE(std::string::npos, refusal(gx, gy, image::createImage(image::eIBT_Binary, {10, 20}))
                                      .find("of OutBinImg (10 x 20 x 1 x 1 x 1)"));
     EXPECT_TRUE(sameSamples(*out, *kept));
-    // Strips would read gradients that others have overwritten.
+    EXPECT_EQ("A null processor can't be run",
+              textOf([] { getAsyncProcessorOutput(boost::shared_ptr<CannyEdges2dImgLvl1>()); }));
+    // Strips would read gradients that others have overwritten, wherever in them the result begins.
+    const ImagePtr tall = randomImage(image::eIBT_UInt8, {20, 30}, 24);
+    const auto lines = [&](unsigned long first) {
+        return image::wrapBuffer(tall->accessLine(first), image::eIBT_UInt8, sizes, image::ImageStrides(tall->getStrides().y));
+    };
+    EXPECT_NE(std::string::npos, refusal(lines(0), lines(20), lines(5)).find("failed: memory of InGxGreyImg2d"));
+    EXPECT_EQ("accepted", refusal(lines(0), lines(10), lines(20)));
     const ImagePtr bytes = randomImage(image::eIBT_UInt8, sizes, 22);
     EXPECT_NE(std::string::npos, refusal(bytes, randomImage(image::eIBT_UInt8, sizes, 23), bytes)
                                      .find("failed: memory of InGxGreyImg2d"));

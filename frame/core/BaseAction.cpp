@@ -89,8 +89,7 @@ std::exception_ptr BaseAction::runToEnd() noexcept
     try {
         const BoolResult result = execute(BaseRequestOrigin(m_run.get(), true));
         if (!result.getValue()) {
-            logError(processor::g_baseProcessingLogSource, result.getMessage(), __FILE__, __LINE__);
-            throw processor::ORVIKBaseProcessingException(result.getMessage(), __PRETTY_FUNCTION__, __FILE__, __LINE__);
+            ORVIK_THROW_PROCESSING(result.getMessage());
         }
     } catch (...) {
         failure = std::current_exception();
@@ -106,8 +105,7 @@ void BaseAction::executeAsRoot()
 {
     const BoolResult entered = enterRun();
     if (!entered.getValue()) {
-        logError(processor::g_baseProcessingLogSource, entered.getMessage(), __FILE__, __LINE__);
-        throw processor::ORVIKBaseProcessingException(entered.getMessage(), __PRETTY_FUNCTION__, __FILE__, __LINE__);
+        ORVIK_THROW_PROCESSING(entered.getMessage());
     }
     if (const std::exception_ptr failure = runToEnd())
         std::rethrow_exception(failure);

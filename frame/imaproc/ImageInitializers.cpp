@@ -8,8 +8,7 @@ namespace {
 
 [[noreturn]] void throwInitializerFailure(const char* text)
 {
-    logError(processor::g_baseProcessingLogSource, text, __FILE__, __LINE__);
-    throw processor::ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+    ORVIK_THROW_PROCESSING(text);
 }
 
 boost::shared_ptr<const BaseImageAttribute> lockInput(const boost::weak_ptr<const BaseImageAttribute>& input)

@@ -26,6 +26,39 @@ const image::ImageSizes& sizesOf(const BaseAttribute& attribute)
     return imageOf(attribute).getGeometry().getSizes();
 }
 
+/// The bytes from the first sample of an image to the end of the last one, whatever lies between them.
+std::pair<const char*, const char*> extentOf(const image::BaseImage& image)
+{
+    const image::ImageSizes& sizes = image.getGeometry().getSizes();
+    const image::ImageStrides& strides = image.getStrides();
+    const char* first = static_cast<const char*>(image.getLine(0));
+    const char* end = first + sizes.x * image::getImageBufferBaseSize(image.getBufferType());
+    const std::pair<unsigned long, long> axes[] = {
+        {sizes.y, strides.y}, {sizes.z, strides.z}, {sizes.c, strides.c}, {sizes.t, strides.t}};
+    for (const std::pair<unsigned long, long>& axis : axes) {
+        const long span = static_cast<long>(axis.first - 1) * axis.second;
+        (span < 0 ? first : end) += span;
+    }
+    return {first, end};
+}
+
+/// Whether two images may hold the same bytes: their extents overlap, unless one lies between the lines of the other.
+bool shareMemory(const image::BaseImage& a, const image::BaseImage& b)
+{
+    const std::pair<const char*, const char*> extentA = extentOf(a), extentB = extentOf(b);
+    if (extentA.second <= extentB.first || extentB.second <= extentA.first)
+        return false;
+    const long stride = a.getStrides().y;
+    if (stride <= 0 || stride != b.getStrides().y || a.getGeometry().getSizes().z * a.getSizeC() * a.getSizeT() != 1
+        || b.getGeometry().getSizes().z * b.getSizeC() * b.getSizeT() != 1)
+        return true;
+    const auto lineBytes = [](const image::BaseImage& image) {
+        return static_cast<long>(image.getSizeX() * image::getImageBufferBaseSize(image.getBufferType()));
+    };
+    const long distance = ((extentB.first - extentA.first) % stride + stride) % stride;
+    return !(distance >= lineBytes(a) && distance + lineBytes(b) <= stride);
+}
+
 /// What a comparison needs to know: what it compares, whether it holds, how one side reads.
 struct Comparison
 {
@@ -121,7 +154,7 @@ const Comparison g_volumeGeometry = {"volume geometry", "equals",
                                      [](const BaseAttribute& a) { return std::to_string(sizesOf(a).z) + " slices"; }};
 const Comparison g_notInSitu = {"memory", "differs from",
                                 [](const BaseAttribute& a, const BaseAttribute& b) {
-                                    return imageOf(a).getLine(0) != imageOf(b).getLine(0);
+                                    return !shareMemory(imageOf(a), imageOf(b));
                                 },
                                 [](const BaseAttribute& a) {
                                     return "at " + std::to_string(reinterpret_cast<std::size_t>(imageOf(a).getLine(0)));
@@ -374,9 +407,7 @@ boost::shared_ptr<const image::BaseImage> BaseCustomCheckedImageProperty::getInp
 {
     const boost::shared_ptr<const BaseImageAttribute> input = m_input.lock();
     if (!input) {
-        const std::string text = "Attribute weak pointer has expired, can't get it";
-        logError(processor::g_baseProcessingLogSource, text, __FILE__, __LINE__);
-        throw processor::ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+        ORVIK_THROW_PROCESSING("Attribute weak pointer has expired, can't get it");
     }
     return input->getImage();
 }

@@ -8,8 +8,7 @@ namespace {
 
 [[noreturn]] void throwInitializerFailure(const char* text)
 {
-    logError(g_baseProcessingLogSource, text, __FILE__, __LINE__);
-    throw ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+    ORVIK_THROW_PROCESSING(text);
 }
 
 boost::shared_ptr<BaseAttribute> lockOutput(const boost::weak_ptr<BaseAttribute>& attribute, bool initialised)

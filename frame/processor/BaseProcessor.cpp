@@ -1,5 +1,6 @@
 #include "frame/processor/BaseProcessor.h"
 
+#include "frame/processor/ClassStatics.h"
 #include "frame/serialization/Archive.h"
 #include "frame/util/FrameMessages.h"
 
@@ -161,11 +162,8 @@ BoolResult BaseProcessor::read(BaseIArchive& archive)
 
 void executeSyncRun(const boost::shared_ptr<BaseProcessor>& processor)
 {
-    if (!processor) {
-        const std::string text = "A null processor can't be run";
-        logError(g_baseProcessingLogSource, text, __FILE__, __LINE__);
-        throw ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
-    }
+    if (!processor)
+        details::throwNullProcessor();
     processor->executeAsRoot();
 }
 

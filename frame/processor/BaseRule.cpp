@@ -10,8 +10,7 @@ namespace {
 
 [[noreturn]] void throwRuleFailure(const char* text)
 {
-    logError(g_baseProcessingLogSource, text, __FILE__, __LINE__);
-    throw ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+    ORVIK_THROW_PROCESSING(text);
 }
 
 class CombinedRule : public BaseRule

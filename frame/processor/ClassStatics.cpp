@@ -101,4 +101,9 @@ void details::throwCopyNotSupported(const std::string& className)
     ORVIK_THROW(ORVIKUtilException, g_utilLogSource, eORVIKUtilErrors::eCopyNotSupported, className);
 }
 
+void details::throwNullProcessor()
+{
+    ORVIK_THROW_PROCESSING("A null processor can't be run");
+}
+
 }}  // namespace orvik::processor

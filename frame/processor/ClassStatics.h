@@ -41,6 +41,7 @@ ORVIK_API BoolResult writeClassVersion(BaseOArchive& archive, const std::string&
 /// @throws ORVIKSerializationException when the archive's version is more recent than `version`.
 ORVIK_API BoolResult readClassVersion(BaseIArchive& archive, const std::string& className, unsigned int version);
 [[noreturn]] ORVIK_API void throwCopyNotSupported(const std::string& className);
+[[noreturn]] ORVIK_API void throwNullProcessor();
 }  // namespace details
 
 }}  // namespace orvik::processor

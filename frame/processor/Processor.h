@@ -170,6 +170,8 @@ boost::shared_ptr<P> startAsync(const boost::shared_ptr<P>& processor)
 template<class A, class P>
 typename A::StorageType waitForOutput(const boost::shared_ptr<P>& processor)
 {
+    if (!processor)
+        details::throwNullProcessor();
     processor->waitForEnd();
     processor->rethrowFailure();
     return processor->template getStorage<A>();

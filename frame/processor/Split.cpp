@@ -15,9 +15,7 @@ unsigned long BaseDataSplit::getNbElements() const
 
 void BaseDataSplit::throwNullInputSharedPtr()
 {
-    const std::string text = "A split was given a null image, list or map";
-    logError(g_baseProcessingLogSource, text, __FILE__, __LINE__);
-    throw ORVIKBaseProcessingException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+    ORVIK_THROW_PROCESSING("A split was given a null image, list or map");
 }
 
 unsigned long BaseDynamicSplit::getMargin() const

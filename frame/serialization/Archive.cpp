@@ -17,8 +17,7 @@ namespace {
 
 [[noreturn]] void throwMalformed(const std::string& text)
 {
-    logError(g_serializationLogSource, text, __FILE__, __LINE__);
-    throw ORVIKSerializationException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+    ORVIK_THROW_TEXT(ORVIKSerializationException, g_serializationLogSource, text);
 }
 
 template<class T>

@@ -105,9 +105,8 @@ BoolResult BaseDataItemNode::read(BaseIArchive& archive)
 
 void BaseDataItemNodeColl::throwWrongNode(const char* listName)
 {
-    const std::string text = std::string("A list of ") + listName + " was given a null record or one of another type";
-    logError(g_utilLogSource, text, __FILE__, __LINE__);
-    throw ORVIKUtilException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+    ORVIK_THROW_TEXT(ORVIKUtilException, g_utilLogSource,
+                     std::string("A list of ") + listName + " was given a null record or one of another type");
 }
 
 }  // namespace orvik

@@ -22,9 +22,8 @@ boost::shared_ptr<BaseSerializationObject> BasePlanIndexedColl::getStorage(const
 void BasePlanIndexedColl::insert(const PlanIndex& index, const boost::shared_ptr<BaseSerializationObject>& entry)
 {
     if (!entry || !accepts(*entry)) {
-        const std::string text = "A plan-indexed collection was given an entry that is null or of another type than its own";
-        logError(g_utilLogSource, text, __FILE__, __LINE__);
-        throw ORVIKUtilException(text, __PRETTY_FUNCTION__, __FILE__, __LINE__);
+        ORVIK_THROW_TEXT(ORVIKUtilException, g_utilLogSource,
+                         "A plan-indexed collection was given an entry that is null or of another type than its own");
     }
     m_entries[index] = entry;
 }

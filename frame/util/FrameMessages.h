@@ -43,6 +43,10 @@ ORVIK_API extern const LogSource g_imageProcessingLogSource;
 
 }  // namespace imaproc
 
+/// Throw site of a failure of processors that has its text already.
+#define ORVIK_THROW_PROCESSING(text) \
+    ORVIK_THROW_TEXT(::orvik::processor::ORVIKBaseProcessingException, ::orvik::processor::g_baseProcessingLogSource, text)
+
 ORVIK_API extern const LogSource g_utilLogSource;
 ORVIK_API extern const LogSource g_serializationLogSource;
 

@@ -58,4 +58,12 @@ ORVIK_API void logError(const LogSource& source, const std::string& text, const 
                                                     {__VA_ARGS__}, __PRETTY_FUNCTION__, __FILE__, __LINE__), \
                          __PRETTY_FUNCTION__, __FILE__, __LINE__)
 
+/// Throw site of a failure that has its text already.
+#define ORVIK_THROW_TEXT(ExceptionClass, source, text) \
+    do { \
+        const std::string failureText = text; \
+        ::orvik::logError(source, failureText, __FILE__, __LINE__); \
+        throw ExceptionClass(failureText, __PRETTY_FUNCTION__, __FILE__, __LINE__); \
+    } while (false)
+
 }  // namespace orvik

@@ -2,12 +2,13 @@
 
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl2.h"
 
+#include "MaxL2Norm2MsrMerge.h"
+
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
-#include "frame/util/NumericLimits.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 
@@ -36,12 +37,7 @@ processor::RetrievalResult MaxL2Norm2MsrLvl1::retrieveProvider(const core::BaseP
 
 processor::StageResult MaxL2Norm2MsrLvl1::postProcess()
 {
-    double m = NumericLimits<double>::s_min;
-    for (const auto& plane : *m_results) {
-        const double v = plane.second->get<StatsResult::Max>();
-        m = (v > m) ? v : m;
-    }
-    attribute<OutMax>()->accessValue() = m;
+    attribute<OutMax>()->accessValue() = largestOf(*m_results);
     return processor::StageResult(processor::eSRT_Done);
 }
 

@@ -2,13 +2,14 @@
 
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
 
+#include "MaxL2Norm2MsrMerge.h"
+
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
-#include "frame/util/NumericLimits.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 
@@ -39,12 +40,7 @@ processor::RetrievalResult MaxL2Norm2MsrLvl2::retrieveProvider(const core::BaseP
 
 processor::StageResult MaxL2Norm2MsrLvl2::postProcess()
 {
-    double m = NumericLimits<double>::s_min;
-    for (const auto& strip : *m_results) {
-        const double v = strip.second->get<StatsResult::Max>();
-        m = (v > m) ? v : m;
-    }
-    value<OutStatsResult>()->set<StatsResult::Max>(m);
+    value<OutStatsResult>()->set<StatsResult::Max>(largestOf(*m_results));
     return processor::StageResult(processor::eSRT_Done);
 }
 
