@@ -34,8 +34,16 @@ void BaseRequestOrigin::reportProgress(unsigned long nbDone, unsigned long nbEle
     m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
 }
 
-BaseAction::BaseAction() : m_run(new RunState) {}
-BaseAction::~BaseAction() = default;
+BaseAction::BaseAction() : m_run(std::make_shared<RunState>()) {}
+
+BaseAction::~BaseAction()
+{
+    // The thread of a background run may hold the state a moment longer; by then the libraries that the callback and
+    // the exception belong to may be gone.
+    const std::lock_guard<std::mutex> lock(m_run->mutex);
+    m_run->progress = nullptr;
+    m_run->failure = nullptr;
+}
 
 bool BaseAction::isComplexAction() const
 {
@@ -83,30 +91,40 @@ BoolResult BaseAction::execute(const BaseRequestOrigin& origin)
     return result;
 }
 
-std::exception_ptr BaseAction::runToEnd() noexcept
+std::exception_ptr BaseAction::executeCaught() noexcept
 {
-    std::exception_ptr failure;
     try {
         const BoolResult result = execute(BaseRequestOrigin(m_run.get(), true));
-        if (!result.getValue()) {
+        if (!result.getValue())
             ORVIK_THROW_PROCESSING(result.getMessage());
-        }
     } catch (...) {
-        failure = std::current_exception();
+        return std::current_exception();
     }
-    const std::lock_guard<std::mutex> lock(m_run->mutex);
-    m_run->running = false;
-    m_run->failure = failure;
-    m_run->ended.notify_all();
+    return nullptr;
+}
+
+std::exception_ptr BaseAction::runToEnd() noexcept
+{
+    const std::exception_ptr failure = executeCaught();
+    m_run->end(failure);
     return failure;
+}
+
+void BaseAction::runInBackgroundToEnd(boost::shared_ptr<BaseAction> self) noexcept
+{
+    const std::shared_ptr<RunState> run = self->m_run;
+    std::exception_ptr failure = self->executeCaught();
+    forgetBackgroundRun(*self);
+    // Before anyone hears of the end: who does may unload the library that the action's destructor belongs to.
+    self.reset();
+    run->end(std::move(failure));
 }
 
 void BaseAction::executeAsRoot()
 {
     const BoolResult entered = enterRun();
-    if (!entered.getValue()) {
+    if (!entered.getValue())
         ORVIK_THROW_PROCESSING(entered.getMessage());
-    }
     if (const std::exception_ptr failure = runToEnd())
         std::rethrow_exception(failure);
 }
@@ -124,13 +142,10 @@ BoolResult BaseAction::run(const eSynchroType& synchro)
         return ended ? failure(textOf(ended)) : success();
     }
     try {
-        runInBackground(self, [self] { self->runToEnd(); });
+        runInBackground(self, &BaseAction::runInBackgroundToEnd);
     } catch (...) {
         // Nothing was started; who waits for the end must not wait for ever.
-        const std::lock_guard<std::mutex> lock(m_run->mutex);
-        m_run->running = false;
-        m_run->failure = std::current_exception();
-        m_run->ended.notify_all();
+        m_run->end(std::current_exception());
         throw;
     }
     return success();

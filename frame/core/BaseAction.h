@@ -74,10 +74,13 @@ protected:
 private:
     BoolResult enterRun();
     std::exception_ptr getFailure() const;
-    /// Gives back what ended the run, null for success: by the time the caller looks, another run may have begun.
+    /// Runs, and gives back what ended the run, null for success.
+    std::exception_ptr executeCaught() noexcept;
+    /// The same, and tells who waits; by the time the caller looks at the state, another run may have begun.
     std::exception_ptr runToEnd() noexcept;
+    static void runInBackgroundToEnd(boost::shared_ptr<BaseAction> self) noexcept;
 
-    std::unique_ptr<RunState> m_run;
+    std::shared_ptr<RunState> m_run;
     BaseRequestOrigin m_origin;
     BasePriority m_priority;
 };

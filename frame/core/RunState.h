@@ -5,6 +5,7 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <utility>
 
 namespace orvik { namespace core {
 
@@ -15,6 +16,14 @@ struct RunState
     std::condition_variable ended;
     bool running = false;
     std::exception_ptr failure;
+
+    void end(std::exception_ptr what)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        running = false;
+        failure = std::move(what);
+        ended.notify_all();
+    }
 
     std::atomic<bool> cancelled{false};
 

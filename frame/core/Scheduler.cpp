@@ -2,6 +2,8 @@
 
 #include "frame/core/BaseAction.h"
 
+#include <boost/weak_ptr.hpp>
+
 #include <tbb/global_control.h>
 #include <tbb/info.h>
 #include <tbb/task_arena.h>
@@ -11,8 +13,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <mutex>
-#include <set>
+#include <vector>
 
 namespace orvik { namespace core {
 
@@ -161,7 +164,7 @@ private:
 struct BackgroundRuns
 {
     std::mutex mutex;
-    std::set<boost::shared_ptr<BaseAction> > actions;
+    std::map<const BaseAction*, boost::weak_ptr<BaseAction> > actions;
 };
 
 BackgroundRuns& backgroundRuns()
@@ -172,10 +175,12 @@ BackgroundRuns& backgroundRuns()
 
 void endBackgroundRuns()
 {
-    std::set<boost::shared_ptr<BaseAction> > actions;
+    std::vector<boost::shared_ptr<BaseAction> > actions;
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
-        actions = backgroundRuns().actions;
+        for (const auto& run : backgroundRuns().actions)
+            if (const boost::shared_ptr<BaseAction> action = run.second.lock())
+                actions.push_back(action);
     }
     for (const boost::shared_ptr<BaseAction>& action : actions)
         action->requestCancellation();
@@ -246,29 +251,33 @@ BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& or
     return stage.finish();
 }
 
-void runInBackground(const boost::shared_ptr<BaseAction>& action, const std::function<void()>& work)
+void runInBackground(const boost::shared_ptr<BaseAction>& action, void (*work)(boost::shared_ptr<BaseAction> action))
 {
     static const bool registered = std::atexit(&endBackgroundRuns) == 0;
     static_cast<void>(registered);
-    const auto forget = [action] {
-        const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
-        backgroundRuns().actions.erase(action);
-    };
     Pool& pool = currentPool();
+    // The task outlives its work by a moment; the reference must not, so it is handed on from a place of its own.
+    const std::shared_ptr<boost::shared_ptr<BaseAction> > reference =
+        std::make_shared<boost::shared_ptr<BaseAction> >(action);
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
-        backgroundRuns().actions.insert(action);
+        backgroundRuns().actions[action.get()] = action;
     }
     try {
-        pool.arena.enqueue([work, forget, &pool] {
+        pool.arena.enqueue([reference, work, &pool] {
             const PoolScope scope(pool);
-            work();
-            forget();
+            work(std::move(*reference));
         });
     } catch (...) {
-        forget();
+        forgetBackgroundRun(*action);
         throw;
     }
+}
+
+void forgetBackgroundRun(const BaseAction& action)
+{
+    const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
+    backgroundRuns().actions.erase(&action);
 }
 
 }}  // namespace orvik::core

@@ -22,8 +22,11 @@ ORVIK_API unsigned long getStripGrain();
 /// failure stops the handing out of others: a false result is returned, an exception raised again.
 ORVIK_API BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& origin);
 
-/// Starts `work` on a thread of the frame. `action` is what the end of the process cancels and waits for.
-ORVIK_API void runInBackground(const boost::shared_ptr<BaseAction>& action, const std::function<void()>& work);
+/// Starts `work` on a thread of the frame and hands it the reference that keeps the action alive; `work` ends by
+/// `forgetBackgroundRun`. Until then the end of the process cancels the action and waits for it.
+ORVIK_API void runInBackground(const boost::shared_ptr<BaseAction>& action,
+                               void (*work)(boost::shared_ptr<BaseAction> action));
+ORVIK_API void forgetBackgroundRun(const BaseAction& action);
 
 /// The text of a run that was cancelled.
 ORVIK_API const char* getCancelledText();
