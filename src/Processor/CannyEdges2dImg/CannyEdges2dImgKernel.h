@@ -73,6 +73,9 @@ struct Block
     alignas(64) T classes[kBlock];
 };
 
+// In each sector the pixel must beat the neighbour that comes before it in scan order. It may tie with the one after it
+// along x and y, so that the first of two equal ones stays, but not along a diagonal, where none does: deliberate.
+
 /// Sectors of whole numbers: with a = |gx|, b = |gy|, the angle is below 22.5 degrees when a * tan(22.5) > b. The
 /// tangent is sqrt(2) - 1, so that is a^2 - b^2 > 2ab; rounding cannot turn it, for 16 bits lie too far from equality.
 inline void classify(Block<int>& block, const Limits& limits, bool isSigned)
@@ -94,13 +97,13 @@ inline void classify(Block<int>& block, const Limits& limits, bool isSigned)
         const I p = xy < 0 ? -xy : xy, d = x * x - y * y;
         // d > 2p and -d > 2p, so written that 2p cannot overflow.
         const I horizontal = d - p > p, vertical = -d - p > p;
-        const I keptAlongX = reinterpret_cast<I>(m > magnitudes(1, i)) & reinterpret_cast<I>(m >= magnitudes(1, i + 2));
-        const I keptAlongY = reinterpret_cast<I>(m >= magnitudes(2, i + 1)) & reinterpret_cast<I>(m > magnitudes(0, i + 1));
-        const I keptDown = reinterpret_cast<I>(m > magnitudes(2, i + 2)) & reinterpret_cast<I>(m > magnitudes(0, i));
-        const I keptUp = reinterpret_cast<I>(m > magnitudes(2, i)) & reinterpret_cast<I>(m > magnitudes(0, i + 2));
         const I opposite = isSigned ? (x ^ y) < 0 : I{};
-        const I diagonal = opposite ? keptUp : keptDown;
-        const I kept = candidate & (horizontal ? keptAlongX : vertical ? keptAlongY : diagonal);
+        const U before = horizontal ? magnitudes(1, i) : vertical ? magnitudes(0, i + 1)
+                         : opposite ? magnitudes(0, i + 2) : magnitudes(0, i);
+        const U after = horizontal ? magnitudes(1, i + 2) : vertical ? magnitudes(2, i + 1)
+                        : opposite ? magnitudes(2, i) : magnitudes(2, i + 2);
+        const I kept = candidate & reinterpret_cast<I>(m > before)
+                       & (reinterpret_cast<I>(m > after) | ((horizontal | vertical) & reinterpret_cast<I>(m == after)));
         const I strong = limits.strong ? reinterpret_cast<I>(m >= high) : I{};
         store(block.classes + i, kept & (1 - strong));
     }
@@ -112,6 +115,7 @@ inline void classify(Block<double>& block, double lowSquared, double highSquared
     typedef Lanes<double>::type D;
     typedef Lanes<long>::type L;
     const double tanLow = 0.41421356237309503, tanHigh = 2.414213562373095;  // of 22.5 and 67.5 degrees
+    const L magnitudeBits = L{} + 0x7fffffffffffffffL;
     for (unsigned long i = 0; i < kBlock; i += Lanes<double>::count) {
         const D m = load(block.rows[1] + i + 1);
         const L candidate = ~(lowSquared >= m);
@@ -120,15 +124,16 @@ inline void classify(Block<double>& block, double lowSquared, double highSquared
             continue;
         }
         const D x = load(block.gx + i), y = load(block.gy + i);
-        const L negativeX = 0.0 > x, negativeY = 0.0 > y;  // minus zero counts as positive
-        const D ax = negativeX ? -x : x, ay = negativeY ? -y : y;
+        const D ax = reinterpret_cast<D>(reinterpret_cast<L>(x) & magnitudeBits);
+        const D ay = reinterpret_cast<D>(reinterpret_cast<L>(y) & magnitudeBits);
         const L horizontal = ax * tanLow > ay, vertical = ay > ax * tanHigh;
-        const L keptAlongX = (m > load(block.rows[1] + i)) & (m >= load(block.rows[1] + i + 2));
-        const L keptAlongY = (m >= load(block.rows[2] + i + 1)) & (m > load(block.rows[0] + i + 1));
-        const L keptDown = (m > load(block.rows[2] + i + 2)) & (m > load(block.rows[0] + i));
-        const L keptUp = (m > load(block.rows[2] + i)) & (m > load(block.rows[0] + i + 2));
-        const L opposite = isSigned ? negativeX ^ negativeY : L{};
-        const L kept = horizontal ? keptAlongX : vertical ? keptAlongY : opposite ? keptUp : keptDown;
+        const L opposite = isSigned ? (0.0 > x) ^ (0.0 > y) : L{};  // minus zero counts as positive
+        const auto magnitudes = [&](int row, unsigned long j) { return load(block.rows[row] + j); };
+        const D before = horizontal ? magnitudes(1, i) : vertical ? magnitudes(0, i + 1)
+                         : opposite ? magnitudes(0, i + 2) : magnitudes(0, i);
+        const D after = horizontal ? magnitudes(1, i + 2) : vertical ? magnitudes(2, i + 1)
+                        : opposite ? magnitudes(2, i) : magnitudes(2, i + 2);
+        const L kept = (m > before) & ((m > after) | ((horizontal | vertical) & (m == after)));
         const L strong = m > highSquared;
         const D one = D{} + 1.0;
         const D classes = (kept & candidate) ? (strong ? one + one : one) : D{};
