@@ -64,21 +64,38 @@ constexpr bool isNarrow = sizeof(Sample) == 1 || std::is_same<Sample, short>::va
 
 /// A block with its neighbourhood, every array of one lane width, so that the loops over it become vectors on every set.
 /// Magnitudes that have that width already are used where they lie.
-template<class T>
+template<class T, class Gradient, class Class>
 struct Block
 {
     const T* rows[3];  // magnitudes above, at and below the line, from the pixel left of the block
+    const Gradient *gx, *gy;
     alignas(64) T room[3][kBlock + 2];
-    alignas(64) T gx[kBlock], gy[kBlock];
-    alignas(64) T classes[kBlock];
+    alignas(64) Gradient gradientRoom[2][kBlock];
+    alignas(64) Class classes[kBlock];
 };
+typedef Block<int, int, int> NarrowBlock;
+/// Floats are widened when they are loaded, other samples before.
+template<class Sample>
+using WideBlock = Block<double, typename std::conditional<std::is_same<Sample, float>::value, float, double>::type, long>;
+
+inline Lanes<double>::type loadWide(const double* from)
+{
+    return load(from);
+}
+
+inline Lanes<double>::type loadWide(const float* from)
+{
+    float narrow __attribute__((vector_size(ORVIK_SET_BYTES / 2)));
+    std::memcpy(&narrow, from, sizeof narrow);
+    return __builtin_convertvector(narrow, Lanes<double>::type);
+}
 
 // In each sector the pixel must beat the neighbour that comes before it in scan order. It may tie with the one after it
 // along x and y, so that the first of two equal ones stays, but not along a diagonal, where none does: deliberate.
 
 /// Sectors of whole numbers: with a = |gx|, b = |gy|, the angle is below 22.5 degrees when a * tan(22.5) > b. The
 /// tangent is sqrt(2) - 1, so that is a^2 - b^2 > 2ab; rounding cannot turn it, for 16 bits lie too far from equality.
-inline void classify(Block<int>& block, const Limits& limits, bool isSigned)
+inline void classify(NarrowBlock& block, const Limits& limits, bool isSigned)
 {
     typedef Lanes<int>::type I;
     typedef Lanes<unsigned int>::type U;
@@ -110,7 +127,8 @@ inline void classify(Block<int>& block, const Limits& limits, bool isSigned)
 }
 
 /// Sectors by the tangents, in double. `lowSquared` and `highSquared` are compared as they are, so that NaN is told.
-inline void classify(Block<double>& block, double lowSquared, double highSquared, bool isSigned)
+template<class Gradient>
+void classify(Block<double, Gradient, long>& block, double lowSquared, double highSquared, bool isSigned)
 {
     typedef Lanes<double>::type D;
     typedef Lanes<long>::type L;
@@ -120,10 +138,10 @@ inline void classify(Block<double>& block, double lowSquared, double highSquared
         const D m = load(block.rows[1] + i + 1);
         const L candidate = ~(lowSquared >= m);
         if (!anyOf(candidate)) {
-            store(block.classes + i, D{});
+            store(block.classes + i, L{});
             continue;
         }
-        const D x = load(block.gx + i), y = load(block.gy + i);
+        const D x = loadWide(block.gx + i), y = loadWide(block.gy + i);
         const D ax = reinterpret_cast<D>(reinterpret_cast<L>(x) & magnitudeBits);
         const D ay = reinterpret_cast<D>(reinterpret_cast<L>(y) & magnitudeBits);
         const L horizontal = ax * tanLow > ay, vertical = ay > ax * tanHigh;
@@ -135,9 +153,7 @@ inline void classify(Block<double>& block, double lowSquared, double highSquared
                         : opposite ? magnitudes(2, i) : magnitudes(2, i + 2);
         const L kept = (m > before) & ((m > after) | ((horizontal | vertical) & (m == after)));
         const L strong = m > highSquared;
-        const D one = D{} + 1.0;
-        const D classes = (kept & candidate) ? (strong ? one + one : one) : D{};
-        store(block.classes + i, classes);
+        store(block.classes + i, kept & candidate & (1 - strong));
     }
 }
 
@@ -146,6 +162,19 @@ void copyBlock(const From* from, T* to, unsigned long n)
 {
     for (unsigned long i = 0; i < n; ++i)
         to[i] = static_cast<T>(from[i]);
+}
+
+/// Values in the lanes that a block is compared in: where they lie, when they are that wide and of that kind (whole
+/// numbers with or without sign), else in room of the block's own.
+template<class T, class From>
+const T* inLanes(const From* from, T* room, unsigned long n)
+{
+    if constexpr (sizeof(T) == sizeof(From) && std::is_floating_point<T>::value == std::is_floating_point<From>::value) {
+        return reinterpret_cast<const T*>(from);
+    } else {
+        copyBlock(from, room, n);
+        return room;
+    }
 }
 
 /// Whether a block holds a candidate: most hold none, and are done with.
@@ -211,8 +240,7 @@ BoolResult CannyEdges2dImgLvl3::processFunction(const processor::ProcessingInfo&
     const Sample* const lineY = gy->accessBuffer(1) + 1;
     unsigned char* const classes = out->accessBuffer();
 
-    typedef typename std::conditional<isNarrow<Sample>, int, double>::type T;
-    Block<T> block;
+    typename std::conditional<isNarrow<Sample>, NarrowBlock, WideBlock<Sample> >::type block;
     Limits limits = {0, 0, true, false};
     limits.candidates = leastAbove(lowSquared, limits.low) || lowSquared != lowSquared;
     limits.strong = leastAbove(highSquared, limits.high);
@@ -230,16 +258,10 @@ BoolResult CannyEdges2dImgLvl3::processFunction(const processor::ProcessingInfo&
             std::memset(classes + i, 0, kBlock);
             continue;
         }
-        for (unsigned long r = 0; r < 3; ++r) {
-            if constexpr (sizeof(Magnitude) == sizeof(T)) {
-                block.rows[r] = reinterpret_cast<const T*>(magnitudes[r] + i);
-            } else {
-                copyBlock(magnitudes[r] + i, block.room[r], kBlock + 2);
-                block.rows[r] = block.room[r];
-            }
-        }
-        copyBlock(lineX + i, block.gx, kBlock);
-        copyBlock(lineY + i, block.gy, kBlock);
+        for (unsigned long r = 0; r < 3; ++r)
+            block.rows[r] = inLanes(magnitudes[r] + i, block.room[r], kBlock + 2);
+        block.gx = inLanes(lineX + i, block.gradientRoom[0], kBlock);
+        block.gy = inLanes(lineY + i, block.gradientRoom[1], kBlock);
         if constexpr (isNarrow<Sample>)
             classify(block, limits, std::is_signed<Sample>::value);
         else
