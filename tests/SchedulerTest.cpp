@@ -391,6 +391,18 @@ TEST(Background, AProcessorKeepsItselfAliveUntilItHasEnded)
     EXPECT_EQ(4, nbLines);
 }
 
+TEST(Background, WhoHasWaitedForTheEndHoldsTheLastPointer)
+{
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 1)));
+    int nbHeldElsewhere = 0;
+    for (int i = 0; i < 5000; ++i) {
+        hook->run(core::eST_Asynchronous);
+        hook->waitForEnd();
+        nbHeldElsewhere += hook.use_count() != 1;
+    }
+    EXPECT_EQ(0, nbHeldElsewhere) << "a library that is unloaded now would be missed";
+}
+
 TEST(Background, TheEndOfTheProgramCancelsAndWaits)
 {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
