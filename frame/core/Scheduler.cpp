@@ -17,9 +17,31 @@
 #include <mutex>
 #include <vector>
 
+#ifdef __SANITIZE_THREAD__
+extern "C" void __tsan_acquire(void*);
+extern "C" void __tsan_release(void*);
+#endif
+
 namespace orvik { namespace core {
 
 namespace {
+
+/// oneTBB hands a task from thread to thread by atomics that the thread sanitizer does not see, not being built with
+/// it. So it is told: what was done before a task was given is done for who takes one.
+struct TaskHandOver
+{
+#ifdef __SANITIZE_THREAD__
+    static void give() { __tsan_release(&s_place); }
+    static void take() { __tsan_acquire(&s_place); }
+    static char s_place;
+#else
+    static void give() {}
+    static void take() {}
+#endif
+};
+#ifdef __SANITIZE_THREAD__
+char TaskHandOver::s_place = 0;
+#endif
 
 /// Threads that work together. Made once per number of threads and never destroyed: the threads of oneTBB may outlive
 /// whoever asked for them.
@@ -160,6 +182,55 @@ private:
     std::exception_ptr m_exception;
 };
 
+/// What another thread runs of a stage. Copied into oneTBB's task, after which it is given.
+class StageTask
+{
+public:
+    StageTask(StageRun& stage, Pool& pool) : m_stage(stage), m_pool(pool) {}
+    StageTask(const StageTask& other) : m_stage(other.m_stage), m_pool(other.m_pool) { TaskHandOver::give(); }
+    StageTask& operator=(const StageTask&) = delete;
+    void operator()() const
+    {
+        TaskHandOver::take();
+        const PoolScope scope(m_pool);
+        m_stage.work();
+    }
+
+private:
+    StageRun& m_stage;
+    Pool& m_pool;
+};
+
+/// What a thread runs in the background, in the same way. The task outlives its work by a moment; the reference to the
+/// action must not, so it lies in a place of its own, which the work gives back.
+class BackgroundTask
+{
+public:
+    typedef void (*Work)(boost::shared_ptr<BaseAction> action);
+
+    BackgroundTask(boost::shared_ptr<BaseAction>* action, Work work, Pool& pool)
+        : m_action(action), m_work(work), m_pool(pool)
+    {
+    }
+    BackgroundTask(const BackgroundTask& other) : m_action(other.m_action), m_work(other.m_work), m_pool(other.m_pool)
+    {
+        TaskHandOver::give();
+    }
+    BackgroundTask& operator=(const BackgroundTask&) = delete;
+    void operator()() const
+    {
+        TaskHandOver::take();
+        const PoolScope scope(m_pool);
+        const std::unique_ptr<boost::shared_ptr<BaseAction> > action(m_action);
+        m_work(std::move(*action));
+    }
+
+private:
+    boost::shared_ptr<BaseAction>* m_action;
+    Work m_work;
+    Pool& m_pool;
+};
+
 /// The background runs of this process, so that its end waits for them.
 struct BackgroundRuns
 {
@@ -233,10 +304,7 @@ BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& or
         tbb::this_task_arena::isolate([&] {
             tbb::task_group group;
             for (unsigned long i = 1; i < nbWorkers; ++i)
-                group.run([&] {
-                    const PoolScope scope(pool);
-                    stage.work();
-                });
+                group.run(StageTask(stage, pool));
             {
                 const PoolScope scope(pool);
                 stage.work();
@@ -244,10 +312,19 @@ BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& or
             group.wait();
         });
     };
-    if (t_pool)
+    if (t_pool) {
         runAll();
-    else
-        pool.arena.execute(runAll);
+    } else {
+        // When all places of the arena are taken, one of its threads runs this for the caller.
+        const auto delegated = [&] {
+            TaskHandOver::take();
+            runAll();
+            TaskHandOver::give();
+        };
+        TaskHandOver::give();
+        pool.arena.execute(delegated);
+        TaskHandOver::take();
+    }
     return stage.finish();
 }
 
@@ -256,18 +333,14 @@ void runInBackground(const boost::shared_ptr<BaseAction>& action, void (*work)(b
     static const bool registered = std::atexit(&endBackgroundRuns) == 0;
     static_cast<void>(registered);
     Pool& pool = currentPool();
-    // The task outlives its work by a moment; the reference must not, so it is handed on from a place of its own.
-    const std::shared_ptr<boost::shared_ptr<BaseAction> > reference =
-        std::make_shared<boost::shared_ptr<BaseAction> >(action);
+    std::unique_ptr<boost::shared_ptr<BaseAction> > reference(new boost::shared_ptr<BaseAction>(action));
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
         backgroundRuns().actions[action.get()] = action;
     }
     try {
-        pool.arena.enqueue([reference, work, &pool] {
-            const PoolScope scope(pool);
-            work(std::move(*reference));
-        });
+        pool.arena.enqueue(BackgroundTask(reference.get(), work, pool));
+        reference.release();  // the task's now
     } catch (...) {
         forgetBackgroundRun(*action);
         throw;
