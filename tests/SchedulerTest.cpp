@@ -604,6 +604,9 @@ TEST(Memory, ThatRunsOutWhileARunIsStartedLeavesItNotRunning)
 {
     const WithThreads threads(2);
     const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    // oneTBB makes its threads for the first background run; without memory for them it tells nobody, and the run waits.
+    hook->run(core::eST_Asynchronous);
+    hook->waitForEnd();
     for (long n = 0; n < 40; ++n) {
         bool refused = false;
         const bool failed = failAllocation(n, [&] {
