@@ -257,6 +257,43 @@ TEST_P(CannySectors, OfWholeNumbersAreThoseOfTheTangents)
     expectReference(gx, gy, 0.0, 1.0);
 }
 
+// Floats are told apart by rounded magnitudes where those suffice.
+class CannyCloseFloats : public CannyKernel
+{
+};
+INSTANTIATE_TEST_SUITE_P(FloatKernels, CannyCloseFloats, ::testing::ValuesIn(kernelsOf(image::eIBT_Real32)), kernelName);
+
+TEST_P(CannyCloseFloats, AreComparedExactly)
+{
+    const ForcedSet<CannyEdges2dImgLvl3> forced(set());
+    // Pairs of neighbours on an empty image, so far apart that no other comparison shares a vector with theirs. Lengths
+    // differ by roundings alone, from each other and from the thresholds; a third of the directions lie that close to the
+    // limit of a sector. At the outer scales squares vanish, lose digits or overflow in float.
+    const image::ImageSizes sizes(20 * 70, 3 * 40);
+    for (const float scale : {1e-43f, 1e-23f, 3e-21f, 1e-15f, 1.0f, 1e10f, 1.8e19f, 1e30f}) {
+        const ImagePtr gx = image::createImage(type(), sizes), gy = image::createImage(type(), sizes);
+        std::mt19937 random(12);
+        const auto setGradient = [&](unsigned long x, unsigned long y) {
+            const double pi = 3.14159265358979323846;
+            const double angle = pi / 8 * (random() % 3 ? static_cast<double>(random() % 2000) / 1000.0 : 1.0);
+            float along = scale * static_cast<float>(std::cos(angle)), across = scale * static_cast<float>(std::sin(angle));
+            if (random() % 2)
+                std::swap(along, across);
+            static_cast<float*>(gx->accessLine(y))[x] = along;
+            static_cast<float*>(gy->accessLine(y))[x] = random() % 4 ? across : -across;
+        };
+        for (unsigned long y = 0; y < sizes.y; y += 3)
+            for (unsigned long x = 1; x < sizes.x; x += 20) {
+                setGradient(x, y);
+                const unsigned long step = random() % 4;
+                setGradient(x + (step > 0) - 2 * (step == 3), y + (step != 1));
+            }
+        const double length = static_cast<double>(scale);
+        expectReference(gx, gy, 0.5 * length, length);
+        expectReference(gx, gy, length, 1.5 * length);
+    }
+}
+
 struct Call
 {
     eProcessingOptimizationPolicy policy;

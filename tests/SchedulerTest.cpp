@@ -1,5 +1,6 @@
-// Runs on several threads, in the background, cancelled, failing, out of memory.
+// Runs on several threads, in the background, cancelled, failing.
 
+#include "HookRuns.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
 #include "TestImages.h"
 #include "TestRuns.h"
@@ -13,48 +14,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <thread>
-
-// Memory of this whole program: the allocation that `g_failAfter` counts down to fails.
-namespace {
-std::atomic<long> g_failAfter{-1};
-std::atomic<bool> g_failed{false};
-
-bool mayAllocate()
-{
-    if (g_failAfter.load(std::memory_order_relaxed) < 0 || g_failAfter.fetch_sub(1) != 0)
-        return true;
-    g_failed = true;
-    return false;
-}
-}  // namespace
-
-// Not inlined: the compiler would see memory of malloc in one place and delete in another, and warn.
-__attribute__((noinline)) void* operator new(std::size_t size)
-{
-    void* const block = mayAllocate() ? std::malloc(size ? size : 1) : nullptr;
-    if (!block)
-        throw std::bad_alloc();
-    return block;
-}
-
-__attribute__((noinline)) void operator delete(void* block) noexcept
-{
-    std::free(block);
-}
-
-__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept
-{
-    std::free(block);
-}
-
-/// Where the frame has the memory of images and lines from.
-extern "C" __attribute__((visibility("default"))) void* aligned_alloc(std::size_t alignment, std::size_t size)
-{
-    void* block = nullptr;
-    return mayAllocate() && posix_memalign(&block, alignment, size) == 0 ? block : nullptr;
-}
 
 namespace orvik::test {
 namespace {
@@ -63,13 +25,6 @@ using namespace imaproc;
 using namespace imaproc::tiny;
 using namespace processor;
 using image::ImageSizes;
-
-/// Sets the function that the Hook family calls for each line, for a scope.
-struct OnLine
-{
-    explicit OnLine(const std::function<BoolResult(unsigned long)>& f) { Hook::s_onLine = f; }
-    ~OnLine() { Hook::s_onLine = nullptr; }
-};
 
 /// Holds up lines until it is opened.
 class Gate
@@ -100,32 +55,6 @@ private:
     int m_nbArrived = 0;
     bool m_open = false;
 };
-
-boost::shared_ptr<HookLvl1> hookOn(const ImagePtr& image)
-{
-    const auto hook = createInitialised<HookLvl1>();
-    hook->set<InTinyImg>(image);
-    return hook;
-}
-
-/// Lines of all planes in their order, as plane, row and first sample.
-std::vector<long> linesOf(const PlanIndexedMarks& lists)
-{
-    std::vector<long> lines;
-    for (const PlanIndex& plan : lists.getPlans())
-        for (const auto& mark : lists.getEntry(plan)->get<Marks::Coll>().getNodes())
-            lines.insert(lines.end(), {static_cast<long>(plan.z), static_cast<long>(mark->get<Mark::Y>()), mark->get<Mark::Id>()});
-    return lines;
-}
-
-std::vector<long> expectedLines(const image::BaseImage& image)
-{
-    std::vector<long> lines;
-    for (unsigned long z = 0; z < image.getSizeZ(); ++z)
-        for (unsigned long y = 0; y < image.getSizeY(); ++y)
-            lines.insert(lines.end(), {static_cast<long>(z), static_cast<long>(y), static_cast<long>(sampleAt(image, 0, y, z))});
-    return lines;
-}
 
 struct OddFailure : std::runtime_error
 {
@@ -512,116 +441,6 @@ TEST(Progress, ItsCallbackMayCancel)
     hook->setProgressCallback([&](double) { hook->requestCancellation(); });
     EXPECT_EQ("The run was cancelled on request",
               thrownText<ORVIKBaseProcessingException>([&] { executeSyncRun(hook); }));
-}
-
-// --- memory
-
-/// Runs `f` with its allocation number `n` failing; whether that many were asked for.
-template<class F>
-bool failAllocation(long n, F&& f)
-{
-    g_failed = false;
-    g_failAfter = n;
-    f();
-    g_failAfter = -1;
-    return g_failed;
-}
-
-TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
-{
-    const WithGrain fine(2);
-    const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(5, 6, 2));
-    const auto reach = Reach::createNode(1, 1, 1, 1, 0, 0, 0, 0);
-    const auto makeHash = [&] {
-        const auto hash = createInitialised<HashLvl1<false> >();
-        hash->set<InTinyImg>(image);
-        hash->set<InReach>(reach);
-        return hash;
-    };
-    const auto reference = makeHash();
-    executeSyncRun(reference);
-    const ImagePtr expected = reference->getStorage<OutTinyImg>();
-    const auto hook = hookOn(image);
-
-    for (const unsigned int nbThreads : {1, 3}) {
-        const WithThreads threads(nbThreads);
-        executeSyncRun(hook);
-        const auto hash = makeHash();
-        for (const boost::shared_ptr<BaseProcessor>& run : {boost::shared_ptr<BaseProcessor>(hash), boost::shared_ptr<BaseProcessor>(hook)}) {
-            long n = 0;
-            for (bool failed = true; failed; ++n) {
-                std::exception_ptr thrown;
-                failed = failAllocation(n, [&] {
-                    try {
-                        executeSyncRun(run);
-                    } catch (...) {
-                        thrown = std::current_exception();
-                    }
-                });
-                ASSERT_EQ(failed, thrown != nullptr) << "allocation " << n << ", " << nbThreads << " threads";
-                if (thrown) {
-                    EXPECT_THROW(std::rethrow_exception(thrown), std::bad_alloc) << "allocation " << n;
-                    EXPECT_TRUE(run->hasFailed());
-                }
-                ASSERT_NO_THROW(executeSyncRun(run)) << "after allocation " << n;
-                if (run == hash)
-                    ASSERT_TRUE(sameSamples(*expected, *hash->getStorage<OutTinyImg>())) << "after allocation " << n;
-                else
-                    ASSERT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>())) << "after allocation " << n;
-            }
-            EXPECT_GT(n, 100) << "the run asked for memory";
-        }
-    }
-}
-
-TEST(Memory, ThatRunsOutWhileAFailureIsToldLeavesAFailure)
-{
-    const WithThreads one(1);
-    const std::string text = "a text that is too long for a string to hold without memory of its own";
-    const OnLine onLine([&](unsigned long) { return failure(text); });
-    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
-    long n = 0;
-    for (bool failed = true; failed; ++n) {
-        std::exception_ptr thrown;
-        failed = failAllocation(n, [&] {
-            try {
-                executeSyncRun(hook);
-            } catch (...) {
-                thrown = std::current_exception();
-            }
-        });
-        try {
-            ASSERT_TRUE(thrown) << "allocation " << n;
-            std::rethrow_exception(thrown);
-        } catch (const std::bad_alloc&) {
-        } catch (const std::exception& e) {
-            EXPECT_EQ(text, e.what()) << "allocation " << n;
-        }
-    }
-}
-
-TEST(Memory, ThatRunsOutWhileARunIsStartedLeavesItNotRunning)
-{
-    const WithThreads threads(2);
-    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
-    // oneTBB makes its threads for the first background run; without memory for them it tells nobody, and the run waits.
-    hook->run(core::eST_Asynchronous);
-    hook->waitForEnd();
-    for (long n = 0; n < 40; ++n) {
-        bool refused = false;
-        const bool failed = failAllocation(n, [&] {
-            try {
-                hook->run(core::eST_Asynchronous);
-            } catch (const std::bad_alloc&) {
-                refused = true;
-            }
-            for (int i = 0; i < 5000 && hook->isRunning(); ++i)
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        });
-        ASSERT_FALSE(hook->isRunning()) << "allocation " << n;
-        EXPECT_EQ(failed, refused || hook->hasFailed()) << "allocation " << n;
-        EXPECT_TRUE(hook->run(core::eST_Synchronous).getValue()) << "after allocation " << n;
-    }
 }
 
 }  // namespace

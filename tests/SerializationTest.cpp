@@ -18,6 +18,8 @@ namespace orvik::imaproc::tiny {
 
 ORVIK_RECORD(Leaves, (bool, Flag)(int, Int)(long, Long)(unsigned int, UInt)(unsigned long, ULong)(float, Float)(double, Double));
 ORVIK_RECORD_DEFINE(Leaves)
+ORVIK_RECORD(ListLeaves, (std::vector<unsigned long>, ULongs)(std::vector<double>, Doubles)(int, Int));
+ORVIK_RECORD_DEFINE(ListLeaves)
 
 ORVIK_INPUT(InLeaves, (processor::InputDataItem<Leaves>), "one leaf of each type");
 ORVIK_INPUT(InWeight, (processor::BaseValueAttribute<double>), "a number");
@@ -187,7 +189,21 @@ TEST(Records, OfAMalformedArchiveAreRefusedWithTheLine)
                   readFailure(replaced(text, " " + item + fault[1] + "\n", " " + item + fault[2] + "\n"), record));
     }
     EXPECT_EQ("Item Double of the archive holds no valid value: one third",
-              readFailure(replaced(text, "Double = -0x1.5555555555555p-2", "Double = one third"), record));
+              readFailure(replaced(text, "Double = -1.5555555555555p-2", "Double = one third"), record));
+}
+
+TEST(Records, KeepListsOfPlainValues)
+{
+    const std::string text = written(*ListLeaves::createNode({5, ~0ul}, {}, -3));
+    const boost::shared_ptr<ListLeaves> back = ListLeaves::createNode({1, 2, 3, 4}, {0.5}, 0);
+    ASSERT_TRUE(readFrom(text, *back).getValue());
+    EXPECT_EQ((std::vector<unsigned long>{5, ~0ul}), back->get<ListLeaves::ULongs>());
+    EXPECT_TRUE(back->get<ListLeaves::Doubles>().empty());
+    EXPECT_EQ(-3, back->get<ListLeaves::Int>());
+    EXPECT_EQ("The archive should have item ULongs but has: Doubles.size = 0",
+              readFailure(replaced(text, "ULongs.size = 2", "ULongs.size = 18446744073709551615"), *back));
+    EXPECT_EQ("The archive should have item Doubles.size but has: ULongs = 18446744073709551615",
+              readFailure(replaced(text, "ULongs.size = 2", "ULongs.size = 1"), *back));
 }
 
 TEST(Archives, ThatCanNotBeWrittenSaySo)

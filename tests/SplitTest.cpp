@@ -479,6 +479,15 @@ TEST(Dispatchers, RefuseSplitsThatDisagreeOnTheNumberOfElements)
     EXPECT_FALSE(provider);
     result = dispatch<HookLvl3>(core::BasePriority(), provider, same<OutMarks>(Marks::createNode()));
     EXPECT_EQ("HookLvl3: no attribute tells the number of elements", result.getMessage());
+
+    processor::StaticProcessorDispatcher<HookLvl3> dispatcher;
+    EXPECT_EQ("HookLvl3: a split is null", dispatcher.initBase(core::BasePriority(), {nullptr}).getMessage());
+    const auto split = boost::make_shared<SubImageSplit<CopyLvl1<CopyRaw64>, InTinyImg> >();
+    ASSERT_TRUE(split->initBase(eSIST_Plane, eVPT_Slices, eCPT_Channels, eTPT_Times, tall).getValue());
+    ASSERT_TRUE(dispatcher.initBase(core::BasePriority(), {split}).getValue());
+    const auto child = boost::make_shared<HookLvl3>();
+    EXPECT_EQ("the split of InTinyImg is made for another class than " + HookLvl3::getTypeName(),
+              dispatcher.initAttributes(processor::ElementsRange(0, 1), core::BaseRequestOrigin(), child).getMessage());
 }
 
 TEST(Dispatchers, HandOutAllElementsOnceInAscendingOrder)

@@ -20,6 +20,12 @@ constexpr image::eImageBufferType kAllTypes[] = {
     image::eIBT_Int8,   image::eIBT_UInt8,  image::eIBT_Int16,   image::eIBT_UInt16,  image::eIBT_Int32, image::eIBT_UInt32,
     image::eIBT_Real32, image::eIBT_Binary, image::eIBT_Label16, image::eIBT_Label32, image::eIBT_Label8};
 
+inline ImagePtr blank(unsigned long x, unsigned long y, unsigned long z = 1, unsigned long c = 1,
+                      image::eImageBufferType type = image::eIBT_UInt8)
+{
+    return image::createImage(type, image::ImageSizes(x, y, z, c));
+}
+
 /// Calls f(x, y, z, c, t) for each sample, x fastest.
 template<class F>
 void forEachSample(const image::ImageSizes& sizes, F&& f)

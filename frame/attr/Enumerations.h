@@ -25,12 +25,29 @@ enum eNeighborhood3d : unsigned int
 };
 
 /// Which extrema are meant. Other values read as maxima.
-enum eLocalExtremumType : unsigned int
+enum eLocalExtremumType : int
 {
-    eLET_Maxima = 0,
-    eLET_Minima = 1,
-    eLET_StrictMaxima = 2,
-    eLET_StrictMinima = 3
+    eLET_Maxima = 0,        ///< above all neighbours before them in scan order, not below any after them
+    eLET_Minima = 1,        ///< below all neighbours before them in scan order, not above any after them
+    eLET_StrictMaxima = 2,  ///< above all neighbours
+    eLET_StrictMinima = 3   ///< below all neighbours
+};
+
+inline bool isMinima(eLocalExtremumType type)
+{
+    return type == eLET_Minima || type == eLET_StrictMinima;
+}
+
+inline bool isStrict(eLocalExtremumType type)
+{
+    return type == eLET_StrictMaxima || type == eLET_StrictMinima;
+}
+
+/// What is measured at a corner. Other values read as the minimum eigenvalue.
+enum eCornerResponseType : int
+{
+    eCRT_MinEigenvalue = 0,
+    eCRT_Harris = 1
 };
 
 }}}  // namespace orvik::imaproc::attr

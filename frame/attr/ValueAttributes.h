@@ -2,6 +2,7 @@
 
 #include "frame/attr/Enumerations.h"
 #include "frame/attr/Records.h"
+#include "frame/imaproc/ImageAttributes.h"
 #include "frame/processor/BaseAttribute.h"
 
 // Numbers, enumerators and records, one line per role; optional inputs with what they read as while unset.
@@ -29,6 +30,24 @@ ORVIK_INPUT(InCannyThresholds, (processor::InputDataItem<CannyThresholds>), "thr
 ORVIK_INPUT(InGaussianCoverage, (processor::InputDataItem<GaussianCoverage>), "reach of the Gaussian kernel");
 ORVIK_OPTIONAL_INPUT(InOptGradientGaussianCoverage, (processor::InputOptionalDataItem<GaussianCoverage>),
                      createGaussianCoverage(), "reach of the Gaussian kernel; 4 standard deviations unless set");
+ORVIK_OPTIONAL_INPUT(InOptGradStdDev, (processor::BaseValueAttribute<float>), 1.0f,
+                     "standard deviation of the gradient and its smoothing, in pixels; 1 unless set");
+ORVIK_INPUT(InGradStdDev, (processor::BaseValueAttribute<float>),
+            "standard deviation of the gradient and its smoothing, in pixels");
+ORVIK_INPUT(InSmoothingStdDev, (processor::BaseValueAttribute<float>), "standard deviation of the smoothing, in pixels");
+ORVIK_INPUT(InCornerDetectionParams, (processor::InputDataItem<CornerDetectionParams>), "what is measured at a corner");
+ORVIK_OPTIONAL_INPUT(InOptCornerDetectionParams2d, (processor::InputOptionalDataItem<CornerDetectionParams>),
+                     createCornerDetectionParams2d(), "what is measured at a corner; Harris with k = 0.04 unless set");
+/// Beyond it the extent of a neighbourhood would not fit into 32 bits; most such values are negative numbers gone wrong.
+constexpr unsigned int g_maxFeaturesDist = 2147483647u;
+ORVIK_INPUT(InFeaturesDistX, (processor::BaseValueAttribute<unsigned int>), "half-width of the neighbourhood along x");
+ORVIK_INPUT(InFeaturesDistY, (processor::BaseValueAttribute<unsigned int>), "half-height of the neighbourhood along y");
+ORVIK_INPUT(InLocalExtremaConfig, (processor::InputDataItem<LocalExtremaConfig>), "which local extrema are listed");
+ORVIK_OPTIONAL_INPUT(InOptLocalExtremaConfig, (processor::InputOptionalDataItem<LocalExtremaConfig>),
+                     createLocalExtremaConfig(), "which local extrema are listed; all maxima unless set");
+ORVIK_OUTPUT(OutPixels2d, (processor::OutputDataItem<Pixels2d>), "listed pixels of one plane");
+ORVIK_OUTPUT(OutPIPixels2d, (PlanIndexedStorage<PlanIndexedPixels2d>), "listed pixels of each plane");
 ORVIK_OUTPUT(OutStatsResult, (processor::OutputDataItem<StatsResult>), "statistics");
+ORVIK_OUTPUT(OutHistogramResult, (processor::OutputDataItem<HistogramResult>), "histogram");
 
 }}}  // namespace orvik::imaproc::attr

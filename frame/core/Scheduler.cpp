@@ -27,17 +27,30 @@ namespace orvik { namespace core {
 namespace {
 
 /// oneTBB hands a task from thread to thread by atomics that the thread sanitizer does not see, not being built with
-/// it. So it is told: what was done before a task was given is done for who takes one.
+/// it. So it is told: what was done before a task was given is done for who takes one, and a task that was left is left
+/// for the one that is made in the same memory.
 struct TaskHandOver
 {
 #ifdef __SANITIZE_THREAD__
     static void give() { __tsan_release(&s_place); }
     static void take() { __tsan_acquire(&s_place); }
+    static void leave(const void* task) { __tsan_release(const_cast<void*>(task)); }
+    static void reuse(const void* task) { __tsan_acquire(const_cast<void*>(task)); }
     static char s_place;
 #else
     static void give() {}
     static void take() {}
+    static void leave(const void*) {}
+    static void reuse(const void*) {}
 #endif
+};
+
+/// The life of a task's work.
+struct TaskScope
+{
+    explicit TaskScope(const void* runningTask) : task(runningTask) { TaskHandOver::take(); }
+    ~TaskScope() { TaskHandOver::leave(task); }
+    const void* task;
 };
 #ifdef __SANITIZE_THREAD__
 char TaskHandOver::s_place = 0;
@@ -187,12 +200,15 @@ class StageTask
 {
 public:
     StageTask(StageRun& stage, Pool& pool) : m_stage(stage), m_pool(pool) {}
-    StageTask(const StageTask& other) : m_stage(other.m_stage), m_pool(other.m_pool) { TaskHandOver::give(); }
+    StageTask(const StageTask& other) : m_stage((TaskHandOver::reuse(this), other.m_stage)), m_pool(other.m_pool)
+    {
+        TaskHandOver::give();
+    }
     StageTask& operator=(const StageTask&) = delete;
     void operator()() const
     {
-        TaskHandOver::take();
-        const PoolScope scope(m_pool);
+        const TaskScope task(this);
+        const PoolScope pool(m_pool);
         m_stage.work();
     }
 
@@ -212,15 +228,16 @@ public:
         : m_action(action), m_work(work), m_pool(pool)
     {
     }
-    BackgroundTask(const BackgroundTask& other) : m_action(other.m_action), m_work(other.m_work), m_pool(other.m_pool)
+    BackgroundTask(const BackgroundTask& other)
+        : m_action((TaskHandOver::reuse(this), other.m_action)), m_work(other.m_work), m_pool(other.m_pool)
     {
         TaskHandOver::give();
     }
     BackgroundTask& operator=(const BackgroundTask&) = delete;
     void operator()() const
     {
-        TaskHandOver::take();
-        const PoolScope scope(m_pool);
+        const TaskScope task(this);
+        const PoolScope pool(m_pool);
         const std::unique_ptr<boost::shared_ptr<BaseAction> > action(m_action);
         m_work(std::move(*action));
     }

@@ -1,5 +1,7 @@
 #include "frame/image/Strips.h"
 
+#include <cstring>
+
 namespace orvik { namespace image {
 
 BaseImageFragment::BaseImageFragment(const boost::shared_ptr<const BaseImage>& image, const PlanIndex& plan,
@@ -27,6 +29,18 @@ void BaseImageFragment::LineBuffer::show(const BaseImageFragment& strip)
 void BaseImageFragment::initBuffer()
 {
     m_buffer.show(*this);
+}
+
+SavedLines::SavedLines(const BaseImage& plane, unsigned long first, unsigned long end, unsigned long firstInImage,
+                       const SavedLines* earlier)
+    : m_first(first)
+{
+    const eDataType type = toDataType(plane.getBufferType());
+    m_lines.init(type, plane.getSizeX(), end - first);
+    for (unsigned long y = first; y < end; ++y) {
+        const void* const from = earlier && y < firstInImage ? earlier->getLine(y) : plane.getLine(y);
+        std::memcpy(m_lines.getDataPtr(y - first), from, plane.getSizeX() * getDataTypeSize(type));
+    }
 }
 
 BaseImageYStrip2dWithKernel::BaseImageYStrip2dWithKernel(const boost::shared_ptr<const BaseImage>& image,

@@ -116,6 +116,21 @@ ORVIK_STRIP(OutputImageYStrip2d, BaseImageYStrip2d, BaseImage);
 ORVIK_STRIP(InputImageZStrip3d, BaseImageZStrip3d, const BaseImage);
 ORVIK_STRIP(OutputImageZStrip3d, BaseImageZStrip3d, BaseImage);
 
+/// Copies of lines of a plane, for strips that read them when their image may have been overwritten.
+class ORVIK_API SavedLines
+{
+public:
+    /// Lines `first` to `end - 1` of a plane; those below `firstInImage` as they are in `earlier`, which may be null when
+    /// there is none.
+    SavedLines(const BaseImage& plane, unsigned long first, unsigned long end, unsigned long firstInImage,
+               const SavedLines* earlier);
+    const void* getLine(unsigned long y) const { return m_lines.getDataPtr(y - m_first); }
+
+private:
+    unsigned long m_first;
+    FragHybridBuffer m_lines;
+};
+
 /// Strips whose kernel reads neighbours: besides its own lines, any line of the plane or volume can be reached.
 class ORVIK_API BaseImageYStrip2dWithKernel : public BaseImageYStrip2d
 {
@@ -125,13 +140,30 @@ public:
     /// Line `y` of the plane; null outside the image.
     const void* getImageLine(long y) const
     {
-        return y >= 0 && y < static_cast<long>(getImageSizeY()) ? lineAt(static_cast<unsigned long>(y), m_plan.z) : nullptr;
+        if (y < 0 || y >= static_cast<long>(getImageSizeY()))
+            return nullptr;
+        const unsigned long line = static_cast<unsigned long>(y);
+        if (m_above && line < m_offset)
+            return m_above->getLine(line);
+        if (m_below && line >= m_offset + m_size)
+            return m_below->getLine(line);
+        return lineAt(line, m_plan.z);
+    }
+    /// Lines above and below the strip's own are read from these copies, which hold those of the margins; null for the
+    /// image itself.
+    void setNeighbours(const boost::shared_ptr<const SavedLines>& above, const boost::shared_ptr<const SavedLines>& below)
+    {
+        m_above = above;
+        m_below = below;
     }
 
 protected:
     BaseImageYStrip2dWithKernel(const boost::shared_ptr<const BaseImage>& image, const PlanIndex& plan,
                                 unsigned long offset, unsigned long size, const StripMargins& margins);
     StripMargins m_margins;
+
+private:
+    boost::shared_ptr<const SavedLines> m_above, m_below;
 };
 
 class ORVIK_API BaseImageZStrip3dWithKernel : public BaseImageZStrip3d

@@ -59,6 +59,17 @@ bool shareMemory(const image::BaseImage& a, const image::BaseImage& b)
     return !(distance >= lineBytes(a) && distance + lineBytes(b) <= stride);
 }
 
+/// Whether two images show the same samples.
+bool isSame(const image::BaseImage& a, const image::BaseImage& b)
+{
+    const image::ImageSizes& sizes = a.getGeometry().getSizes();
+    const image::ImageStrides &strideA = a.getStrides(), &strideB = b.getStrides();
+    return a.getLine(0) == b.getLine(0) && a.getBufferType() == b.getBufferType()
+           && sizes == b.getGeometry().getSizes() && (sizes.y == 1 || strideA.y == strideB.y)
+           && (sizes.z == 1 || strideA.z == strideB.z) && (sizes.c == 1 || strideA.c == strideB.c)
+           && (sizes.t == 1 || strideA.t == strideB.t);
+}
+
 /// What a comparison needs to know: what it compares, whether it holds, how one side reads.
 struct Comparison
 {
@@ -159,6 +170,11 @@ const Comparison g_notInSitu = {"memory", "differs from",
                                 [](const BaseAttribute& a) {
                                     return "at " + std::to_string(reinterpret_cast<std::size_t>(imageOf(a).getLine(0)));
                                 }};
+const Comparison g_inSituOrApart = {"memory", "is that of, or apart from that of",
+                                    [](const BaseAttribute& a, const BaseAttribute& b) {
+                                        return isSame(imageOf(a), imageOf(b)) || !shareMemory(imageOf(a), imageOf(b));
+                                    },
+                                    g_notInSitu.read};
 const Comparison g_stripSize = {"size of the strip, X x lines,", "equals",
                                 [](const BaseAttribute& a, const BaseAttribute& b) {
                                     return stripOf(a).getSizeX() == stripOf(b).getSizeX()
@@ -394,6 +410,11 @@ RulePtr matchImagePlans(const boost::weak_ptr<const BasePlanIndexedAttribute>& c
 RulePtr noInSitu(const WeakImage& a, const WeakImage& b)
 {
     return compare<BaseRuleMatchImageRange>(g_notInSitu, a, b);
+}
+
+RulePtr inSituOrApart(const WeakImage& a, const WeakImage& b)
+{
+    return compare<BaseRuleMatchImageRange>(g_inSituOrApart, a, b);
 }
 
 BaseCustomCheckedImageProperty::~BaseCustomCheckedImageProperty() = default;

@@ -164,6 +164,8 @@ ORVIK_API processor::RulePtr matchImagePlans(const boost::weak_ptr<const BasePla
                                              const WeakImage& image, const eImagePlansMatchPolicy& policy);
 /// The attributes do not hold images that share samples.
 ORVIK_API processor::RulePtr noInSitu(const WeakImage& a, const WeakImage& b);
+/// The attributes hold the same samples of the same type, or share none.
+ORVIK_API processor::RulePtr inSituOrApart(const WeakImage& a, const WeakImage& b);
 
 template<class Leaf, class A>
 processor::RulePtr matchSize(const eMatchImageSizeType& type, const eMatchImageSizeScale& scale, const WeakImage& image,

@@ -181,6 +181,34 @@ public:
     }
 };
 
+/// The same for outputs that are the image itself: each strip gets copies of the lines of its margins, made before it and
+/// those after it run, when strips before it have written at most lines above it. So whatever the strips and threads, all
+/// read what the image held at first. Only strips that run at the moment keep copies.
+template<class I, class S>
+class BaseImageYStrip2dInPlaceSplit : public BaseImageYStrip2dWithKernelSplit<I, S>
+{
+public:
+    using BaseImageYStrip2dWithKernelSplit<I, S>::processAttribute;
+    BoolResult processAttribute(processor::BaseProcessor& child, unsigned long start, unsigned long count,
+                                const core::BaseRequestOrigin&) override
+    {
+        const boost::shared_ptr<S> strip =
+            boost::make_shared<S>(this->m_image, PlanIndex(), start, count, this->m_margins);
+        const unsigned long end = start + count, sizeY = this->m_image->getSizeY();
+        boost::shared_ptr<const image::SavedLines> atEnd;
+        if (end < sizeY)
+            atEnd = boost::make_shared<image::SavedLines>(
+                *this->m_image, end - std::min(end, this->m_margins.startY),
+                std::min(end + this->m_margins.endY, sizeY), start, m_atStart.get());
+        strip->setNeighbours(m_atStart, atEnd);
+        m_atStart = atEnd;
+        return processAttribute(child, strip);
+    }
+
+private:
+    boost::shared_ptr<const image::SavedLines> m_atStart;  // the lines about the border to the strip handed out last
+};
+
 template<class I, class S>
 class BaseImageZStrip3dSplit : public BaseStripSplit<I, S, true, false>
 {
@@ -221,6 +249,7 @@ public:
     }
 ORVIK_STRIP_SPLIT(ImageYStrip2dSplit);
 ORVIK_STRIP_SPLIT(ImageYStrip2dWithKernelSplit);
+ORVIK_STRIP_SPLIT(ImageYStrip2dInPlaceSplit);
 ORVIK_STRIP_SPLIT(ImageZStrip3dSplit);
 ORVIK_STRIP_SPLIT(ImageZStrip3dWithKernelSplit);
 #undef ORVIK_STRIP_SPLIT

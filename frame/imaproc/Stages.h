@@ -253,6 +253,31 @@ StripsOf<A> stripsWithMargins(const boost::shared_ptr<const image::BaseImage>& i
     return stripsWithMargins<A>(image, {marginX, marginX, marginY, marginY, marginZ, marginZ});
 }
 
+template<class A>
+struct StripsInPlaceOf
+{
+    boost::shared_ptr<const image::BaseImage> image;
+    image::StripMargins margins;
+
+    template<class P>
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
+    {
+        typedef ImageYStrip2dInPlaceSplit<P, const image::BaseImage, A> Split;
+        const boost::shared_ptr<Split> split = boost::make_shared<Split>();
+        splits.push_back(split);
+        return split->initBase(image, margins.startX, margins.endX, margins.startY, margins.endY, image::eSAT_View,
+                               image::eSPD_Forward, image::eSPD_Forward);
+    }
+};
+
+/// Strips whose children read neighbours of their lines though an output may be the image itself.
+template<class A>
+StripsInPlaceOf<A> stripsInPlace(const boost::shared_ptr<const image::BaseImage>& image,
+                                 const image::StripMargins& margins)
+{
+    return {image, margins};
+}
+
 template<class Part>
 struct PartIfImage
 {

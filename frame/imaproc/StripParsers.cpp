@@ -104,7 +104,8 @@ void KernelYStrip2dParser::beginLine(unsigned long line)
         m_lines.rollUpFragments();
         load(nbLines - 1, first + static_cast<long>(nbLines - 1));
     }
-    m_nextLine = m_strip->getImageLine(first + static_cast<long>(nbLines));
+    // Past the strip's last line there is none: margins that were copied end with it.
+    m_nextLine = line + 1 < getNbLines() ? m_strip->getImageLine(first + static_cast<long>(nbLines)) : nullptr;
 }
 
 KernelZStrip3dParser::KernelZStrip3dParser(eDataType dataType) : BaseStripParser(dataType), m_lineSize(0), m_y(0) {}

@@ -93,7 +93,7 @@ private:
     image::Border2dPolicy m_border;
     image::FragHybridBuffer m_lines;
     unsigned long m_lineSize;
-    const void* m_nextLine;  // null at the end of the image
+    const void* m_nextLine;  // null at the end of the strip or image
 };
 
 /// Slices around the current one, whole, in buffers of their own in which the border stands where there is no image.

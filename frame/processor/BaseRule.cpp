@@ -89,6 +89,31 @@ public:
     }
 };
 
+class AtMostRule : public BaseValuePropertyRule
+{
+public:
+    explicit AtMostRule(unsigned int limit) : m_limit(limit) {}
+    eValueRuleType getValueRuleType() const override { return eVRT_Property; }
+    bool testRule() const override { return getValue() <= m_limit; }
+    std::string createRuleFormalString() const override
+    {
+        return getAttribute1()->getObjectName() + " is at most " + std::to_string(m_limit);
+    }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        return createRuleEvaluatedStartString(depth) + getAttribute1()->getObjectName() + " is " + std::to_string(getValue())
+               + ", it must be at most " + std::to_string(m_limit) + "\n";
+    }
+
+private:
+    unsigned int getValue() const
+    {
+        return static_cast<const BaseValueAttribute<unsigned int>&>(*getAttribute1()).getStorage();
+    }
+
+    const unsigned int m_limit;
+};
+
 }  // namespace
 
 BaseRule::~BaseRule() = default;
@@ -163,6 +188,13 @@ RulePtr If(const RulePtr& condition, const RulePtr& thenRule, const RulePtr& els
 RulePtr Not(const RulePtr& a)
 {
     return boost::make_shared<NotRule>(a);
+}
+
+RulePtr atMost(const WeakAttribute& attribute, unsigned int limit)
+{
+    const boost::shared_ptr<AtMostRule> rule = boost::make_shared<AtMostRule>(limit);
+    rule->initBase(attribute);
+    return rule;
 }
 
 RulePtr none()

@@ -27,6 +27,21 @@ std::vector<const BaseDataSplit*> plain(const std::vector<boost::shared_ptr<Spli
     return result;
 }
 
+/// Gives a child what each split has for it.
+template<class Split, class Process>
+BoolResult giveAll(const std::vector<boost::shared_ptr<Split> >& splits, const BaseProcessor& child, const Process& process)
+{
+    for (const boost::shared_ptr<Split>& split : splits) {
+        const BoolResult result = split->checkProcessorType(child)
+                                      ? process(*split)
+                                      : failure("the split of " + split->getAttributeName()
+                                                + " is made for another class than " + child.getClassName());
+        if (!result.getValue())
+            return result;
+    }
+    return success();
+}
+
 }  // namespace
 
 BaseProcessorDispatcher::BaseProcessorDispatcher() : m_nbElements(0), m_grain(1), m_next(0), m_nbRunning(0) {}
@@ -40,7 +55,9 @@ BoolResult BaseProcessorDispatcher::initElements(const core::BasePriority& prior
     m_nbElements = 0;
     const BaseDataSplit* decider = nullptr;
     for (const BaseDataSplit* split : splits) {
-        const unsigned long nbElements = split ? split->getNbElements() : 0;
+        if (!split)
+            return failure(getProcessorName() + ": a split is null");
+        const unsigned long nbElements = split->getNbElements();
         if (nbElements == 0)
             continue;
         if (decider && nbElements != m_nbElements)
@@ -106,12 +123,9 @@ BoolResult BaseStaticProcessorDispatcher::initAttributes(const ElementsRange& ra
                                                          const core::BaseRequestOrigin& origin,
                                                          const boost::shared_ptr<BaseProcessor>& child)
 {
-    for (const boost::shared_ptr<BaseStaticSplit>& split : m_splits) {
-        const BoolResult result = split->processAttribute(*child, static_cast<unsigned int>(range.getStart()), origin);
-        if (!result.getValue())
-            return result;
-    }
-    return success();
+    return giveAll(m_splits, *child, [&](BaseStaticSplit& split) {
+        return split.processAttribute(*child, static_cast<unsigned int>(range.getStart()), origin);
+    });
 }
 
 void BaseStaticProcessorDispatcher::clearDerived()
@@ -140,12 +154,9 @@ BoolResult BaseDynamicProcessorDispatcher::initAttributes(const ElementsRange& r
                                                           const core::BaseRequestOrigin& origin,
                                                           const boost::shared_ptr<BaseProcessor>& child)
 {
-    for (const boost::shared_ptr<BaseDynamicSplit>& split : m_splits) {
-        const BoolResult result = split->processAttribute(*child, range.getStart(), range.getCount(), origin);
-        if (!result.getValue())
-            return result;
-    }
-    return success();
+    return giveAll(m_splits, *child, [&](BaseDynamicSplit& split) {
+        return split.processAttribute(*child, range.getStart(), range.getCount(), origin);
+    });
 }
 
 void BaseDynamicProcessorDispatcher::clearDerived()

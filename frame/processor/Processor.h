@@ -158,6 +158,14 @@ boost::shared_ptr<P> createInitialised()
     return processor;
 }
 
+/// Runs a processor and gives its output back.
+template<class A, class P>
+typename A::StorageType runForOutput(const boost::shared_ptr<P>& processor)
+{
+    executeSyncRun(processor);
+    return processor->template getStorage<A>();
+}
+
 /// Starts a processor in the background. It keeps itself alive until it has ended.
 template<class P>
 boost::shared_ptr<P> startAsync(const boost::shared_ptr<P>& processor)

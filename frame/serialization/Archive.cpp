@@ -3,7 +3,7 @@
 #include "frame/util/FrameMessages.h"
 
 #include <cerrno>
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
 #include <exception>
 #include <istream>
@@ -24,9 +24,9 @@ template<class T>
 std::string toText(const T& value)
 {
     if constexpr (std::is_floating_point<T>::value) {
-        char text[64];
-        std::snprintf(text, sizeof text, "%a", static_cast<double>(value));
-        return text;
+        char text[64];  // without the locale, whose decimal point differs from country to country
+        const std::to_chars_result end = std::to_chars(text, text + sizeof text, value, std::chars_format::hex);
+        return std::string(text, end.ptr);
     } else {
         return std::to_string(value);
     }
@@ -38,11 +38,12 @@ bool fromText(const std::string& text, T& value)
 {
     if (text.empty())
         return false;
-    char* end = nullptr;
+    [[maybe_unused]] char* end = nullptr;
     errno = 0;
     if constexpr (std::is_floating_point<T>::value) {
-        value = static_cast<T>(std::strtod(text.c_str(), &end));
-        return *end == '\0';
+        const char* const last = text.data() + text.size();
+        const std::from_chars_result result = std::from_chars(text.data(), last, value, std::chars_format::hex);
+        return result.ec == std::errc() && result.ptr == last;
     } else if constexpr (std::is_signed<T>::value) {
         const long number = std::strtol(text.c_str(), &end, 10);
         value = static_cast<T>(number);

@@ -10,6 +10,9 @@
 #include <boost/preprocessor/tuple/elem.hpp>
 
 #include <cstdint>
+#include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace orvik {
@@ -27,6 +30,38 @@ public:
     virtual void visit(const char* name, float& value) = 0;
     virtual void visit(const char* name, double& value) = 0;
 };
+
+template<class T>
+struct IsLeafList : std::false_type
+{
+};
+template<class T>
+struct IsLeafList<std::vector<T> > : std::true_type
+{
+};
+
+/// An enumerator is visited as the whole number that it is stored as; a list as its size and then its values.
+template<class T>
+void visitLeaf(BaseLeafVisitor& visitor, const char* name, T& value)
+{
+    if constexpr (std::is_enum<T>::value) {
+        typename std::underlying_type<T>::type number = value;
+        visitor.visit(name, number);
+        value = static_cast<T>(number);
+    } else if constexpr (IsLeafList<T>::value) {
+        unsigned long size = value.size();
+        visitor.visit((std::string(name) + ".size").c_str(), size);
+        // A value at a time: the size that an archive tells is not to be trusted with memory before the values are there.
+        for (unsigned long i = 0; i < size; ++i) {
+            if (i == value.size())
+                value.emplace_back();
+            visitLeaf(visitor, name, value[i]);
+        }
+        value.resize(size);
+    } else {
+        visitor.visit(name, value);
+    }
+}
 
 class BaseDataItemNodeColl;
 
@@ -68,6 +103,29 @@ private:
 template<class T>
 class DataItemLeafColl : public DataItemLeaf<std::vector<T> >
 {
+};
+
+/// Hands out new nodes one by one, for lists of many: cheaper than one at a time from the heap.
+template<class T>
+class NodeSupply
+{
+public:
+    boost::shared_ptr<T> next()
+    {
+        const std::size_t blockSize = 64;  // small enough that a node that is kept alone keeps little else
+        if (m_nbUsed % blockSize == 0)
+            m_block = T::createNodes(blockSize);
+        return boost::shared_ptr<T>(m_block, &m_block[static_cast<std::ptrdiff_t>(m_nbUsed++ % blockSize)]);
+    }
+    void clear()
+    {
+        m_block.reset();
+        m_nbUsed = 0;
+    }
+
+private:
+    boost::shared_ptr<T[]> m_block;
+    std::size_t m_nbUsed = 0;
 };
 
 /// A list of records in a record.
@@ -142,7 +200,8 @@ private:
     BOOST_PP_COMMA_IF(i) const BOOST_PP_TUPLE_ELEM(2, 0, leaf) & BOOST_PP_CAT(value, i)
 #define ORVIK_LEAF_ASSIGN(r, data, i, leaf) node->template set<BOOST_PP_TUPLE_ELEM(2, 1, leaf)>(BOOST_PP_CAT(value, i));
 #define ORVIK_LEAF_VISIT(r, data, leaf) \
-    visitor.visit(BOOST_PP_TUPLE_ELEM(2, 1, leaf)::getName(), BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf)).accessValue());
+    ::orvik::visitLeaf(visitor, BOOST_PP_TUPLE_ELEM(2, 1, leaf)::getName(), \
+                       BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf)).accessValue());
 
 #define ORVIK_RECORD_FROM_SEQ(Name, leaves) \
     class ORVIK_API Name : public ::orvik::BaseDataItemNode \
@@ -154,6 +213,8 @@ private:
         Name& operator=(const Name&); \
         ~Name() override; \
         static boost::shared_ptr<Name> createNode(); \
+        /** Nodes in one piece of memory, which lives as long as one of them does. */ \
+        static boost::shared_ptr<Name[]> createNodes(std::size_t nbNodes); \
         static boost::shared_ptr<Name> createNode(BOOST_PP_SEQ_FOR_EACH_I(ORVIK_LEAF_PARAMETER, _, leaves)) \
         { \
             const boost::shared_ptr<Name> node = createNode(); \
@@ -168,9 +229,9 @@ private:
             return leafOf(static_cast<const Leaf*>(nullptr)).getValue(); \
         } \
         template<class Leaf> \
-        void set(const typename Leaf::ValueType& value) \
+        void set(typename Leaf::ValueType value) \
         { \
-            const_cast<Leaf&>(leafOf(static_cast<const Leaf*>(nullptr))).accessValue() = value; \
+            const_cast<Leaf&>(leafOf(static_cast<const Leaf*>(nullptr))).accessValue() = std::move(value); \
         } \
         void visitLeaves(::orvik::BaseLeafVisitor& visitor) override \
         { \
@@ -218,7 +279,7 @@ private:
         Coll m_coll; \
     }
 
-#define ORVIK_RECORD_DEFINE(Name) \
+#define ORVIK_RECORD_COLL_DEFINE(Name) \
     Name::Name() = default; \
     Name::Name(const Name&) = default; \
     Name& Name::operator=(const Name&) = default; \
@@ -226,6 +287,12 @@ private:
     boost::shared_ptr<Name> Name::createNode() \
     { \
         return boost::make_shared<Name>(); \
+    }
+#define ORVIK_RECORD_DEFINE(Name) \
+    ORVIK_RECORD_COLL_DEFINE(Name) \
+    boost::shared_ptr<Name[]> Name::createNodes(std::size_t nbNodes) \
+    { \
+        return boost::make_shared<Name[]>(nbNodes); \
     }
 
 }  // namespace orvik

@@ -71,6 +71,8 @@ private:
         Name(); \
         ~Name() override; \
         static boost::shared_ptr<Name> createColl(); \
+        /** One empty entry, of the first plane: for the result of an image of a single plane. */ \
+        static boost::shared_ptr<Name> createOfOnePlane(); \
         /** The entry of a plane, with its own type; null when there is none. */ \
         boost::shared_ptr<EntryType> getEntry(const ::orvik::PlanIndex& index) const; \
         boost::shared_ptr< ::orvik::BaseSerializationObject> createEntry() const override; \
@@ -85,6 +87,12 @@ private:
     boost::shared_ptr<Name> Name::createColl() \
     { \
         return boost::make_shared<Name>(); \
+    } \
+    boost::shared_ptr<Name> Name::createOfOnePlane() \
+    { \
+        const boost::shared_ptr<Name> coll = createColl(); \
+        coll->insert(::orvik::PlanIndex(), coll->createEntry()); \
+        return coll; \
     } \
     boost::shared_ptr<Name::Entry> Name::getEntry(const ::orvik::PlanIndex& index) const \
     { \

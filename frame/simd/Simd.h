@@ -29,6 +29,55 @@ inline void store(T* to, typename Lanes<T>::type v)
     std::memcpy(to, &v, sizeof v);
 }
 
+/// A block of samples in the type that they are computed in; those that are of that type are used where they lie.
+template<class To, class From>
+const To* widened(const From* from, To* room)
+{
+    if constexpr (std::is_same<To, From>::value) {
+        return from;
+    } else {
+        for (unsigned long i = 0; i < kBlock; ++i)
+            room[i] = static_cast<To>(from[i]);
+        return room;
+    }
+}
+
+/// As many doubles as a vector has, from floats. The compiler's own conversion goes by halves of the vector.
+inline Lanes<double>::type loadWide(const float* from)
+{
+#if ORVIK_SET_BYTES == 64
+    return _mm512_maskz_cvtps_pd(0xff, _mm256_loadu_ps(from));  // g++ 12 warns of the form without a mask
+#elif ORVIK_SET_BYTES == 32
+    return _mm256_cvtps_pd(_mm_loadu_ps(from));
+#else
+    return Lanes<double>::type{from[0], from[1]};
+#endif
+}
+
+/// A vector of doubles as floats, each rounded to nearest.
+inline void storeNarrow(float* to, Lanes<double>::type v)
+{
+#if ORVIK_SET_BYTES == 64
+    _mm256_storeu_ps(to, _mm512_maskz_cvtpd_ps(0xff, v));
+#elif ORVIK_SET_BYTES == 32
+    _mm_storeu_ps(to, _mm256_cvtpd_ps(v));
+#else
+    to[0] = static_cast<float>(v[0]);
+    to[1] = static_cast<float>(v[1]);
+#endif
+}
+
+inline Lanes<float>::type squareRoot(Lanes<float>::type v)
+{
+#if ORVIK_SET_BYTES == 64
+    return _mm512_maskz_sqrt_ps(0xffff, v);
+#elif ORVIK_SET_BYTES == 32
+    return _mm256_sqrt_ps(v);
+#else
+    return _mm_sqrt_ps(v);
+#endif
+}
+
 /// Whether any lane of a comparison's result, all ones or all zeros, is set.
 template<class V>
 inline bool anyOf(V mask)
@@ -39,6 +88,36 @@ inline bool anyOf(V mask)
     return !_mm256_testz_si256((__m256i)mask, (__m256i)mask);
 #else
     return _mm_movemask_epi8((__m128i)mask) != 0;
+#endif
+}
+
+/// The lanes of a comparison of T as bits, the first one lowest.
+template<class T, class V>
+inline unsigned long bitsOf(V mask)
+{
+#if ORVIK_SET_BYTES == 64
+    if constexpr (sizeof(T) == 1)
+        return _mm512_movepi8_mask((__m512i)mask);
+    else if constexpr (sizeof(T) == 2)
+        return _mm512_movepi16_mask((__m512i)mask);
+    else
+        return _mm512_movepi32_mask((__m512i)mask);
+#elif ORVIK_SET_BYTES == 32
+    if constexpr (sizeof(T) == 1) {
+        return (unsigned int)_mm256_movemask_epi8((__m256i)mask);
+    } else if constexpr (sizeof(T) == 2) {
+        const __m256i bytes = _mm256_packs_epi16((__m256i)mask, (__m256i)mask);  // by halves
+        return (unsigned int)_mm256_movemask_epi8(_mm256_permute4x64_epi64(bytes, 8)) & 0xffffu;
+    } else {
+        return (unsigned int)_mm256_movemask_ps((__m256)mask);
+    }
+#else
+    if constexpr (sizeof(T) == 1)
+        return (unsigned int)_mm_movemask_epi8((__m128i)mask);
+    else if constexpr (sizeof(T) == 2)
+        return (unsigned int)_mm_movemask_epi8(_mm_packs_epi16((__m128i)mask, _mm_setzero_si128()));
+    else
+        return (unsigned int)_mm_movemask_ps((__m128)mask);
 #endif
 }
 

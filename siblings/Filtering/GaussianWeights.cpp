@@ -37,4 +37,15 @@ GaussianWeights makeGaussianWeights(double stdDev, double coverage, unsigned lon
     return weights;
 }
 
+TypedGaussianWeights<float> toFloat(const GaussianWeights& weights)
+{
+    const auto rounded = [](const std::vector<double>& from) {
+        std::vector<float> to;
+        for (const double weight : from)
+            to.push_back(static_cast<float>(weight));
+        return to;
+    };
+    return {rounded(weights.smoothing), rounded(weights.derivative)};
+}
+
 }}}  // namespace orvik::imaproc::filter

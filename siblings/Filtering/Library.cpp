@@ -8,6 +8,8 @@ const char* const g_toolTips[] = {
     /* 0 */ "Level 1: gradient of all planes by derivatives of a Gaussian",
     /* 1 */ "Level 2: gradient of one plane by derivatives of a Gaussian",
     /* 2 */ "Level 3: gradient of one strip by derivatives of a Gaussian",
+    /* 3 */ "Level 2: smoothed products of the gradients of one plane",
+    /* 4 */ "Level 3: smoothed products of the gradients of one strip",
 };
 
 }  // namespace

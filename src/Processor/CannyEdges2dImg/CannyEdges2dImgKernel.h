@@ -21,141 +21,113 @@ struct MagnitudeOf<unsigned char>
 {
     typedef unsigned short type;
 };
-template<>
-struct MagnitudeOf<float>
-{
-    typedef double type;
-};
 
 /// row[i] = gx[i]^2 + gy[i]^2, wrapping in integer types.
 template<class Sample, class Magnitude>
 void computeGradientMagnitudeSquare(const Sample* gx, const Sample* gy, Magnitude* row, unsigned long n)
 {
-    // In 32 bits at least: shorter products would be formed as int, where they may overflow.
-    typedef typename std::conditional<std::is_same<Magnitude, double>::value, double, unsigned int>::type Wide;
     for (unsigned long i = 0; i < n; ++i) {
-        const Wide x = static_cast<Wide>(gx[i]), y = static_cast<Wide>(gy[i]);
+        // In 32 bits at least: shorter products would be formed as int, where they may overflow.
+        const unsigned int x = static_cast<unsigned int>(gx[i]), y = static_cast<unsigned int>(gy[i]);
         row[i] = static_cast<Magnitude>(x * x + y * y);
     }
 }
 
-/// Thresholds for whole numbers.
-/// A magnitude m is a candidate unless low >= m, and strong if m > high, with both thresholds squared in double.
-struct Limits
+/// Of floats the magnitudes are double. Rows of them would not fit the first cache, so rows hold them rounded to float:
+/// nearly all comparisons come out the same, and the few that may not are made once more in double.
+template<>
+struct MagnitudeOf<float>
 {
-    unsigned int low, high;  // candidate from `low` on, strong from `high` on
-    bool candidates;         // false: there are none
-    bool strong;
+    typedef float type;
 };
 
-/// The least whole number above a squared threshold; false when it is beyond 32 bits or the threshold is NaN.
-inline bool leastAbove(double squared, unsigned int& least)
+/// Infinity stands for NaN, so that no comparison with a neighbour passes it over.
+inline void computeGradientMagnitudeSquare(const float* gx, const float* gy, float* row, unsigned long n)
 {
-    if (!(squared < 4294967295.0))
+    for (unsigned long i = 0; i < n; ++i) {
+        const float m = gx[i] * gx[i] + gy[i] * gy[i];
+        row[i] = m == m ? m : std::numeric_limits<float>::infinity();
+    }
+}
+
+/// Both thresholds, squared, for whole numbers. A magnitude m is a candidate unless low >= m, and strong if m > high.
+template<class Sample>
+struct SquaredThresholds
+{
+    SquaredThresholds(double lowThreshold, double highThreshold)
+        : low(lowThreshold * lowThreshold), high(highThreshold * highThreshold),
+          hasCandidates(leastAbove(low, leastCandidate) || low != low), hasStrong(leastAbove(high, leastStrong))
+    {
+    }
+
+    double low, high;
+    // The same as whole numbers: from the least one on. All are candidates where the low threshold is NaN.
+    unsigned int leastCandidate = 0, leastStrong = 0;
+    bool hasCandidates, hasStrong;
+
+private:
+    /// The least whole number above a squared threshold; false when it is beyond 32 bits or the threshold is NaN.
+    static bool leastAbove(double squared, unsigned int& least)
+    {
+        if (!(squared < 4294967295.0))
+            return false;
+        least = static_cast<unsigned int>(std::floor(squared)) + 1;
+        return true;
+    }
+};
+
+/// For floats: a rounded magnitude that is not between `below` and `above` is on the same side of the threshold as the
+/// exact one.
+template<>
+struct SquaredThresholds<float>
+{
+    SquaredThresholds(double lowThreshold, double highThreshold)
+        : low(lowThreshold * lowThreshold), high(highThreshold * highThreshold), belowLow(below(low)), aboveLow(above(low)),
+          belowHigh(below(high)), aboveHigh(above(high))
+    {
+    }
+
+    double low, high;
+    float belowLow, aboveLow, belowHigh, aboveHigh;
+
+private:
+    static float below(double squared) { return rounded(squared * (1 - 1e-6) - 1e-42); }
+    static float above(double squared) { return rounded(squared * (1 + 1e-6) + 1e-42); }
+    static float rounded(double value)
+    {
+        const double highest = NumericLimits<float>::s_max;
+        return static_cast<float>(value > highest ? highest : value);
+    }
+};
+
+/// Whether a block holds a candidate: most hold none, and are done with.
+template<class Sample, class Magnitude>
+bool mayHaveCandidate(const Magnitude* m, const SquaredThresholds<Sample>& thresholds)
+{
+    if (!thresholds.hasCandidates || thresholds.leastCandidate > NumericLimits<Magnitude>::s_max)
         return false;
-    least = static_cast<unsigned int>(std::floor(squared)) + 1;
-    return true;
+    const auto least = typename Lanes<Magnitude>::type{} + static_cast<Magnitude>(thresholds.leastCandidate);
+    auto any = load(m) >= least;
+    for (unsigned long i = Lanes<Magnitude>::count; i < kBlock; i += Lanes<Magnitude>::count)
+        any |= load(m + i) >= least;
+    return anyOf(any);
 }
 
-/// Whether magnitudes are compared as whole numbers of 32 bits. The sectors of these types are decided exactly there as
-/// well; the others need doubles.
-template<class Sample>
-constexpr bool isNarrow = sizeof(Sample) == 1 || std::is_same<Sample, short>::value;
-
-/// A block with its neighbourhood, every array of one lane width, so that the loops over it become vectors on every set.
-/// Magnitudes that have that width already are used where they lie.
-template<class T, class Gradient, class Class>
-struct Block
+inline bool mayHaveCandidate(const float* m, const SquaredThresholds<float>& thresholds)
 {
-    const T* rows[3];  // magnitudes above, at and below the line, from the pixel left of the block
-    const Gradient *gx, *gy;
-    alignas(64) T room[3][kBlock + 2];
-    alignas(64) Gradient gradientRoom[2][kBlock];
-    alignas(64) Class classes[kBlock];
+    auto none = load(m) < thresholds.belowLow;
+    for (unsigned long i = Lanes<float>::count; i < kBlock; i += Lanes<float>::count)
+        none &= load(m + i) < thresholds.belowLow;
+    return anyOf(~none);
+}
+
+/// A block of a line, and the lines above and below, each from the pixel left of the block.
+template<class Sample, class Magnitude>
+struct Neighbourhood
+{
+    const Magnitude* rows[3];
+    const Sample *gx[3], *gy[3];
 };
-typedef Block<int, int, int> NarrowBlock;
-/// Floats are widened when they are loaded, other samples before.
-template<class Sample>
-using WideBlock = Block<double, typename std::conditional<std::is_same<Sample, float>::value, float, double>::type, long>;
-
-inline Lanes<double>::type loadWide(const double* from)
-{
-    return load(from);
-}
-
-inline Lanes<double>::type loadWide(const float* from)
-{
-    float narrow __attribute__((vector_size(ORVIK_SET_BYTES / 2)));
-    std::memcpy(&narrow, from, sizeof narrow);
-    return __builtin_convertvector(narrow, Lanes<double>::type);
-}
-
-// In each sector the pixel must beat the neighbour that comes before it in scan order. It may tie with the one after it
-// along x and y, so that the first of two equal ones stays, but not along a diagonal, where none does: deliberate.
-
-/// Sectors of whole numbers: with a = |gx|, b = |gy|, the angle is below 22.5 degrees when a * tan(22.5) > b. The
-/// tangent is sqrt(2) - 1, so that is a^2 - b^2 > 2ab; rounding cannot turn it, for 16 bits lie too far from equality.
-inline void classify(NarrowBlock& block, const Limits& limits, bool isSigned)
-{
-    typedef Lanes<int>::type I;
-    typedef Lanes<unsigned int>::type U;
-    const auto magnitudes = [&](int row, unsigned long i) {
-        return reinterpret_cast<U>(load(block.rows[row] + i));
-    };
-    const U low = U{} + limits.low, high = U{} + limits.high;
-    for (unsigned long i = 0; i < kBlock; i += Lanes<int>::count) {
-        const U m = magnitudes(1, i + 1);
-        const I candidate = reinterpret_cast<I>(m >= low);
-        if (!anyOf(candidate)) {
-            store(block.classes + i, I{});
-            continue;
-        }
-        const I x = load(block.gx + i), y = load(block.gy + i), xy = x * y;
-        const I p = xy < 0 ? -xy : xy, d = x * x - y * y;
-        // d > 2p and -d > 2p, so written that 2p cannot overflow.
-        const I horizontal = d - p > p, vertical = -d - p > p;
-        const I opposite = isSigned ? (x ^ y) < 0 : I{};
-        const U before = horizontal ? magnitudes(1, i) : vertical ? magnitudes(0, i + 1)
-                         : opposite ? magnitudes(0, i + 2) : magnitudes(0, i);
-        const U after = horizontal ? magnitudes(1, i + 2) : vertical ? magnitudes(2, i + 1)
-                        : opposite ? magnitudes(2, i) : magnitudes(2, i + 2);
-        const I kept = candidate & reinterpret_cast<I>(m > before)
-                       & (reinterpret_cast<I>(m > after) | ((horizontal | vertical) & reinterpret_cast<I>(m == after)));
-        const I strong = limits.strong ? reinterpret_cast<I>(m >= high) : I{};
-        store(block.classes + i, kept & (1 - strong));
-    }
-}
-
-/// Sectors by the tangents, in double. `lowSquared` and `highSquared` are compared as they are, so that NaN is told.
-template<class Gradient>
-void classify(Block<double, Gradient, long>& block, double lowSquared, double highSquared, bool isSigned)
-{
-    typedef Lanes<double>::type D;
-    typedef Lanes<long>::type L;
-    const double tanLow = 0.41421356237309503, tanHigh = 2.414213562373095;  // of 22.5 and 67.5 degrees
-    const L magnitudeBits = L{} + 0x7fffffffffffffffL;
-    for (unsigned long i = 0; i < kBlock; i += Lanes<double>::count) {
-        const D m = load(block.rows[1] + i + 1);
-        const L candidate = ~(lowSquared >= m);
-        if (!anyOf(candidate)) {
-            store(block.classes + i, L{});
-            continue;
-        }
-        const D x = loadWide(block.gx + i), y = loadWide(block.gy + i);
-        const D ax = reinterpret_cast<D>(reinterpret_cast<L>(x) & magnitudeBits);
-        const D ay = reinterpret_cast<D>(reinterpret_cast<L>(y) & magnitudeBits);
-        const L horizontal = ax * tanLow > ay, vertical = ay > ax * tanHigh;
-        const L opposite = isSigned ? (0.0 > x) ^ (0.0 > y) : L{};  // minus zero counts as positive
-        const auto magnitudes = [&](int row, unsigned long j) { return load(block.rows[row] + j); };
-        const D before = horizontal ? magnitudes(1, i) : vertical ? magnitudes(0, i + 1)
-                         : opposite ? magnitudes(0, i + 2) : magnitudes(0, i);
-        const D after = horizontal ? magnitudes(1, i + 2) : vertical ? magnitudes(2, i + 1)
-                        : opposite ? magnitudes(2, i) : magnitudes(2, i + 2);
-        const L kept = (m > before) & ((m > after) | ((horizontal | vertical) & (m == after)));
-        const L strong = m > highSquared;
-        store(block.classes + i, kept & candidate & (1 - strong));
-    }
-}
 
 template<class T, class From>
 void copyBlock(const From* from, T* to, unsigned long n)
@@ -177,23 +149,165 @@ const T* inLanes(const From* from, T* room, unsigned long n)
     }
 }
 
-/// Whether a block holds a candidate: most hold none, and are done with.
-template<class Magnitude>
-bool hasCandidate(const Magnitude* m, Magnitude low)
+/// A block of whole numbers with every array of one lane width, so that the loops over it become vectors on every set.
+template<class T>
+struct WholeBlock
 {
-    const auto limit = typename Lanes<Magnitude>::type{} + low;
-    auto any = load(m) >= limit;
-    for (unsigned long i = Lanes<Magnitude>::count; i < kBlock; i += Lanes<Magnitude>::count)
-        any |= load(m + i) >= limit;
-    return anyOf(any);
+    template<class Sample, class Magnitude>
+    explicit WholeBlock(const Neighbourhood<Sample, Magnitude>& at)
+        : m_gx(inLanes(at.gx[1] + 1, m_gradientRoom[0], kBlock)), m_gy(inLanes(at.gy[1] + 1, m_gradientRoom[1], kBlock))
+    {
+        for (unsigned long r = 0; r < 3; ++r)
+            m_rows[r] = inLanes(at.rows[r], m_room[r], kBlock + 2);
+    }
+
+    typename Lanes<T>::type magnitudes(int row, unsigned long i) const { return load(m_rows[row] + i); }
+    typename Lanes<T>::type x(unsigned long i) const { return load(m_gx + i); }
+    typename Lanes<T>::type y(unsigned long i) const { return load(m_gy + i); }
+
+private:
+    alignas(64) T m_room[3][kBlock + 2];
+    alignas(64) T m_gradientRoom[2][kBlock];
+    const T* m_rows[3];
+    const T *m_gx, *m_gy;
+};
+
+/// The same of floats, widened when they are asked for.
+struct FloatBlock
+{
+    const Neighbourhood<float, float>& at;
+
+    Lanes<double>::type magnitudes(int row, unsigned long i) const
+    {
+        const Lanes<double>::type x = loadWide(at.gx[row] + i), y = loadWide(at.gy[row] + i);
+        return x * x + y * y;
+    }
+    Lanes<double>::type x(unsigned long i) const { return loadWide(at.gx[1] + i + 1); }
+    Lanes<double>::type y(unsigned long i) const { return loadWide(at.gy[1] + i + 1); }
+};
+
+// In each sector the pixel must beat the neighbour that comes before it in scan order. It may tie with the one after it
+// along x and y, so that the first of two equal ones stays, but not along a diagonal, where none does: deliberate.
+
+/// Sectors of whole numbers: with a = |gx|, b = |gy|, the angle is below 22.5 degrees when a * tan(22.5) > b. The
+/// tangent is sqrt(2) - 1, so that is a^2 - b^2 > 2ab; rounding cannot turn it, for 16 bits lie too far from equality.
+template<class Sample>
+void classify(const WholeBlock<int>& block, const SquaredThresholds<Sample>& thresholds, int* classes)
+{
+    typedef Lanes<int>::type I;
+    typedef Lanes<unsigned int>::type U;
+    const auto magnitudes = [&](int row, unsigned long i) {
+        return reinterpret_cast<U>(block.magnitudes(row, i));
+    };
+    const U low = U{} + thresholds.leastCandidate, high = U{} + thresholds.leastStrong;
+    for (unsigned long i = 0; i < kBlock; i += Lanes<int>::count) {
+        const U m = magnitudes(1, i + 1);
+        const I candidate = reinterpret_cast<I>(m >= low);
+        if (!anyOf(candidate)) {
+            store(classes + i, I{});
+            continue;
+        }
+        const I x = block.x(i), y = block.y(i), xy = x * y;
+        const I p = xy < 0 ? -xy : xy, d = x * x - y * y;
+        // d > 2p and -d > 2p, so written that 2p cannot overflow.
+        const I horizontal = d - p > p, vertical = -d - p > p;
+        const I opposite = std::is_signed<Sample>::value ? (x ^ y) < 0 : I{};
+        const U before = horizontal ? magnitudes(1, i) : vertical ? magnitudes(0, i + 1)
+                         : opposite ? magnitudes(0, i + 2) : magnitudes(0, i);
+        const U after = horizontal ? magnitudes(1, i + 2) : vertical ? magnitudes(2, i + 1)
+                        : opposite ? magnitudes(2, i) : magnitudes(2, i + 2);
+        const I kept = candidate & reinterpret_cast<I>(m > before)
+                       & (reinterpret_cast<I>(m > after) | ((horizontal | vertical) & reinterpret_cast<I>(m == after)));
+        const I strong = thresholds.hasStrong ? reinterpret_cast<I>(m >= high) : I{};
+        store(classes + i, kept & (1 - strong));
+    }
 }
 
-inline bool hasCandidate(const double* m, double lowSquared)
+/// Sectors by the tangents, in double, of `n` pixels from `begin` on. Thresholds are compared as they are, so that NaN is
+/// told.
+template<class Sample, class AnyBlock>
+void classify(const AnyBlock& block, unsigned long begin, unsigned long n, const SquaredThresholds<Sample>& thresholds,
+              long* classes)
 {
-    auto any = ~(lowSquared >= load(m));
-    for (unsigned long i = Lanes<double>::count; i < kBlock; i += Lanes<double>::count)
-        any |= ~(lowSquared >= load(m + i));
-    return anyOf(any);
+    typedef Lanes<double>::type D;
+    typedef Lanes<long>::type L;
+    const double tanLow = 0.41421356237309503, tanHigh = 2.414213562373095;  // of 22.5 and 67.5 degrees
+    const L magnitudeBits = L{} + 0x7fffffffffffffffL;
+    for (unsigned long i = begin; i < begin + n; i += Lanes<double>::count, classes += Lanes<double>::count) {
+        const D m = block.magnitudes(1, i + 1);
+        const L candidate = ~(thresholds.low >= m);
+        if (!anyOf(candidate)) {
+            store(classes, L{});
+            continue;
+        }
+        const D x = block.x(i), y = block.y(i);
+        const D ax = reinterpret_cast<D>(reinterpret_cast<L>(x) & magnitudeBits);
+        const D ay = reinterpret_cast<D>(reinterpret_cast<L>(y) & magnitudeBits);
+        const L horizontal = ax * tanLow > ay, vertical = ay > ax * tanHigh;
+        const L opposite = std::is_signed<Sample>::value ? (0.0 > x) ^ (0.0 > y) : L{};  // minus zero counts as positive
+        const D before = horizontal ? block.magnitudes(1, i) : vertical ? block.magnitudes(0, i + 1)
+                         : opposite ? block.magnitudes(0, i + 2) : block.magnitudes(0, i);
+        const D after = horizontal ? block.magnitudes(1, i + 2) : vertical ? block.magnitudes(2, i + 1)
+                        : opposite ? block.magnitudes(2, i) : block.magnitudes(2, i + 2);
+        const L kept = (m > before) & ((m > after) | ((horizontal | vertical) & (m == after)));
+        const L strong = m > thresholds.high;
+        store(classes, kept & candidate & (1 - strong));
+    }
+}
+
+/// Floats by their rounded magnitudes; vectors in which a comparison is too close for them, by the exact ones.
+inline void classify(const Neighbourhood<float, float>& at, const SquaredThresholds<float>& thresholds, int* classes)
+{
+    typedef Lanes<float>::type F;
+    typedef Lanes<int>::type I;
+    // From `tiny` to `huge`, roundings to float take less than 2^-21 of a magnitude and of a product with a tangent.
+    const float up = 1.0f + 1.0f / (1 << 20), tiny = 1e-30f, huge = 1e37f;
+    const float tanBelow = 0.4142131f, tanAbove = 0.4142140f;  // 1e-6 about that of 22.5 degrees
+    for (unsigned long i = 0; i < kBlock; i += Lanes<float>::count) {
+        const F m = load(at.rows[1] + i + 1);
+        const I possible = ~(m < thresholds.belowLow);
+        if (!anyOf(possible)) {
+            store(classes + i, I{});
+            continue;
+        }
+        const F x = load(at.gx[1] + i + 1), y = load(at.gy[1] + i + 1);
+        const F ax = x < 0 ? -x : x, ay = y < 0 ? -y : y;
+        const I horizontal = ax * tanBelow > ay, vertical = ay * tanBelow > ax;
+        const I diagonal = (ax * tanAbove < ay) & (ay * tanAbove < ax);
+        const auto larger = [&](int row, unsigned long before, unsigned long after) {
+            const F a = load(at.rows[row] + before), b = load(at.rows[2 - row] + after);
+            return a > b ? a : b;
+        };
+        const F neighbour = horizontal ? larger(1, i, i + 2) : vertical ? larger(0, i + 1, i + 1)
+                            : (x < 0) ^ (y < 0) ? larger(0, i + 2, i) : larger(0, i, i + 2);
+        const I kept = (m > neighbour * up) & (m > thresholds.aboveLow), strong = m > thresholds.aboveHigh;
+        const I settled = (horizontal | vertical | diagonal) & (m > tiny) & (m < huge)
+                          & ((neighbour > m * up) | (kept & (strong | (m < thresholds.belowHigh))));
+        if (anyOf(possible & ~settled)) {
+            alignas(64) long exact[Lanes<float>::count];
+            classify(FloatBlock{at}, i, Lanes<float>::count, thresholds, exact);
+            copyBlock(exact, classes + i, Lanes<float>::count);
+        } else {
+            store(classes + i, kept & (1 - strong));
+        }
+    }
+}
+
+template<class Sample, class Magnitude>
+void classifyBlock(const Neighbourhood<Sample, Magnitude>& at, const SquaredThresholds<Sample>& thresholds,
+                   unsigned char* to)
+{
+    // The sectors of types up to 16 bits with sign are decided exactly in 32 bits; the others need doubles.
+    constexpr bool isNarrow = sizeof(Sample) == 1 || std::is_same<Sample, short>::value;
+    typedef typename std::conditional<isNarrow || std::is_same<Sample, float>::value, int, long>::type Class;
+    alignas(64) Class classes[kBlock];
+    if constexpr (std::is_same<Sample, float>::value)
+        classify(at, thresholds, classes);
+    else if constexpr (isNarrow)
+        classify(WholeBlock<int>(at), thresholds, classes);
+    else
+        classify(WholeBlock<double>(at), 0, kBlock, thresholds, classes);
+    copyBlock(classes, to, kBlock);
 }
 
 }  // namespace
@@ -214,59 +328,41 @@ BoolResult CannyEdges2dImgLvl3::processFunction(const processor::ProcessingInfo&
         return wrongSampleType();
 
     // The lines are readable to the end of the last whole block and its margins.
-    const unsigned long n = info.nbAlignedData;
+    const unsigned long n = info.nbAlignedData, rowSize = n + 2;
     image::FragHybridBuffer& rows = *m_magnitudes[info.partIndex];
-    const auto computeRow = [&](unsigned long r) {
-        computeGradientMagnitudeSquare(gx->accessBuffer(r), gy->accessBuffer(r),
-                                       static_cast<Magnitude*>(rows.getDataPtr(r)), n + 2);
+    const auto row = [&](unsigned long r) { return static_cast<Magnitude*>(rows.getDataPtr(r)); };
+    const auto computeRow = [&](unsigned long r, unsigned long begin, unsigned long end) {
+        computeGradientMagnitudeSquare(gx->accessBuffer(r) + begin, gy->accessBuffer(r) + begin, row(r) + begin,
+                                       end - begin);
     };
     if (info.lineIndex == 0) {
-        rows.init(DataTypeOf<Magnitude>::value, n + 2, 3);
-        computeRow(0);
-        computeRow(1);
+        rows.init(DataTypeOf<Magnitude>::value, rowSize, 3);
+        computeRow(0, 0, rowSize);
+        computeRow(1, 0, rowSize);
     } else {
         rows.rollUpFragments();
     }
-    computeRow(2);
 
-    const attr::CannyThresholds& thresholds = *value<attr::InCannyThresholds>();
-    const double low = thresholds.template get<attr::CannyThresholds::LowThreshold>();
-    const double high = thresholds.template get<attr::CannyThresholds::HighThreshold>();
-    const double lowSquared = low * low, highSquared = high * high;
-    const Magnitude* const magnitudes[3] = {static_cast<const Magnitude*>(rows.getDataPtr(0)),
-                                            static_cast<const Magnitude*>(rows.getDataPtr(1)),
-                                            static_cast<const Magnitude*>(rows.getDataPtr(2))};
-    const Sample* const lineX = gx->accessBuffer(1) + 1;
-    const Sample* const lineY = gy->accessBuffer(1) + 1;
-    unsigned char* const classes = out->accessBuffer();
-
-    typename std::conditional<isNarrow<Sample>, NarrowBlock, WideBlock<Sample> >::type block;
-    Limits limits = {0, 0, true, false};
-    limits.candidates = leastAbove(lowSquared, limits.low) || lowSquared != lowSquared;
-    limits.strong = leastAbove(highSquared, limits.high);
+    const attr::CannyThresholds& record = *value<attr::InCannyThresholds>();
+    const SquaredThresholds<Sample> thresholds(record.template get<attr::CannyThresholds::LowThreshold>(),
+                                               record.template get<attr::CannyThresholds::HighThreshold>());
     for (unsigned long i = 0; i < n; i += kBlock) {
+        // Memory is asked for, the row below computed and the line classified in turns, so that they overlap.
         gx->prefetchNext(i, kBlock);
         gy->prefetchNext(i, kBlock);
-        bool any;
-        if constexpr (std::is_same<Magnitude, double>::value) {
-            any = hasCandidate(magnitudes[1] + i + 1, lowSquared);
-        } else {
-            any = limits.candidates && limits.low <= NumericLimits<Magnitude>::s_max
-                  && hasCandidate(magnitudes[1] + i + 1, static_cast<Magnitude>(limits.low));
-        }
-        if (!any) {
-            std::memset(classes + i, 0, kBlock);
+        computeRow(2, i > 0 ? i + kBlock : 0, std::min(i + 2 * kBlock, rowSize));
+        unsigned char* const classes = out->accessBuffer() + i;
+        if (!mayHaveCandidate(row(1) + i + 1, thresholds)) {
+            std::memset(classes, 0, kBlock);
             continue;
         }
-        for (unsigned long r = 0; r < 3; ++r)
-            block.rows[r] = inLanes(magnitudes[r] + i, block.room[r], kBlock + 2);
-        block.gx = inLanes(lineX + i, block.gradientRoom[0], kBlock);
-        block.gy = inLanes(lineY + i, block.gradientRoom[1], kBlock);
-        if constexpr (isNarrow<Sample>)
-            classify(block, limits, std::is_signed<Sample>::value);
-        else
-            classify(block, lowSquared, highSquared, std::is_signed<Sample>::value);
-        copyBlock(block.classes, classes + i, kBlock);
+        Neighbourhood<Sample, Magnitude> at;
+        for (unsigned long r = 0; r < 3; ++r) {
+            at.rows[r] = row(r) + i;
+            at.gx[r] = gx->accessBuffer(r) + i;
+            at.gy[r] = gy->accessBuffer(r) + i;
+        }
+        classifyBlock(at, thresholds, classes);
     }
     return success();
 }

@@ -17,19 +17,6 @@ float largestInOrder(const Sample* a, const Sample* b, unsigned long n)
     return m;
 }
 
-/// A block of samples as floats; floats themselves are used where they lie.
-template<class Sample>
-const float* widened(const Sample* from, float* room)
-{
-    if constexpr (std::is_same<Sample, float>::value) {
-        return from;
-    } else {
-        for (unsigned long i = 0; i < kBlock; ++i)
-            room[i] = static_cast<float>(from[i]);
-        return room;
-    }
-}
-
 /// The same in whole blocks, four running maxima per lane to break the chain of dependencies. A NaN makes the order
 /// matter, so a run that holds one is left to the loop above.
 template<class Sample>
@@ -37,10 +24,16 @@ float largest(const Sample* a, const Sample* b, unsigned long n)
 {
     typedef typename Lanes<float>::type F;
     constexpr unsigned long lanes = Lanes<float>::count, step = 4 * lanes;
+    constexpr unsigned long cacheLine = 64 / sizeof(Sample), ahead = 1024 / sizeof(Sample);
     F m[4] = {};
-    auto unordered = m[0] != m[0];
+    auto ordered = m[0] == m[0];
     float roomA[kBlock], roomB[kBlock];
     for (unsigned long i = 0; i < n; i += kBlock) {
+        // The measure costs what its memory costs, and the machine alone asks for it too late at each page.
+        for (unsigned long j = 0; j < kBlock; j += cacheLine) {
+            __builtin_prefetch(a + i + j + ahead);
+            __builtin_prefetch(b + i + j + ahead);
+        }
         const float* const blockA = widened(a + i, roomA);
         const float* const blockB = widened(b + i, roomB);
         for (unsigned long j = 0; j < kBlock; j += step)
@@ -48,18 +41,18 @@ float largest(const Sample* a, const Sample* b, unsigned long n)
                 const F x = load(blockA + j + k * lanes), y = load(blockB + j + k * lanes);
                 // The one place where the widest set rounds once instead of twice.
                 const F s = ORVIK_SET == core::eIS_Avx512 ? fma(x, x, y * y) : y * y + x * x;
-                unordered |= s != s;
+                ordered &= s == s;
                 m[k] = m[k] > s ? m[k] : s;
             }
     }
+    if (anyOf(~ordered))
+        return largestInOrder(a, b, n);
+    for (unsigned long k = 1; k < 4; ++k)
+        m[0] = m[0] > m[k] ? m[0] : m[k];
     float result = 0;
-    bool anyUnordered = false;
-    for (unsigned long l = 0; l < lanes; ++l) {
-        anyUnordered = anyUnordered || unordered[l] != 0;
-        for (unsigned long k = 0; k < 4; ++k)
-            result = result > m[k][l] ? result : m[k][l];
-    }
-    return anyUnordered ? largestInOrder(a, b, n) : result;
+    for (unsigned long l = 0; l < lanes; ++l)
+        result = result > m[0][l] ? result : m[0][l];
+    return result;
 }
 
 }  // namespace

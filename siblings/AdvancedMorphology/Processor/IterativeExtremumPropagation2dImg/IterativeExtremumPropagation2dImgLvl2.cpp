@@ -45,11 +45,6 @@ void spreadByComponents(image::BaseImage& plane, eNeighborhood2d neighborhood, b
     }
 }
 
-bool isMinima(eLocalExtremumType type)
-{
-    return type == eLET_Minima || type == eLET_StrictMinima;
-}
-
 }  // namespace
 
 IterativeExtremumPropagation2dImgLvl2::IterativeExtremumPropagation2dImgLvl2()

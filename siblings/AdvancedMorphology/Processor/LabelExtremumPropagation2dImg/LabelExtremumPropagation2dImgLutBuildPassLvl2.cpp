@@ -44,8 +44,7 @@ BoolResult LabelExtremumPropagation2dImgLutBuildPassLvl2::runDerived()
     const image::BaseImage& labels = *value<InSubLabelImg2d>();
     image::BaseImage& out = *value<OutImg>();
     const unsigned long sizeX = out.getSizeX(), sizeY = out.getSizeY(), nbLabels = value<InNbLabels>();
-    const eLocalExtremumType type = value<InLocalExtremumType>();
-    const bool minima = type == eLET_Minima || type == eLET_StrictMinima;
+    const bool minima = isMinima(value<InLocalExtremumType>());
 
     // Doubles hold the values of every sample type exactly.
     const double infinity = std::numeric_limits<double>::infinity();

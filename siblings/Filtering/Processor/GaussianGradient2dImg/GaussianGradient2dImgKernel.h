@@ -1,90 +1,8 @@
 // The two passes of separable Gaussian derivatives. Compiled once per instruction set.
 
-#include "frame/simd/Simd.h"
+#include "siblings/Filtering/SeparableFilter.h"
 
 namespace orvik { namespace imaproc { namespace filter {
-namespace {
-
-/// Both kernels on a block of samples whose neighbours at distance k lie k * stride away: lines of a tile, or columns of
-/// a line. Sums run outwards from the centre.
-template<bool Smooth, bool Differentiate>
-void filterBlock(const double* centre, unsigned long stride, const GaussianWeights& weights, double* smooth,
-                 double* derivative)
-{
-    typedef Lanes<double>::type D;
-    constexpr unsigned long lanes = Lanes<double>::count, nbVectors = 4, step = nbVectors * lanes;
-    const unsigned long halfSize = weights.halfSize();
-    const double* const h = weights.smoothing.data();
-    const double* const d = weights.derivative.data();
-    for (unsigned long x = 0; x < kBlock; x += step) {
-        D s[nbVectors], g[nbVectors];
-        for (unsigned long i = 0; i < nbVectors; ++i) {
-            s[i] = load(centre + x + i * lanes) * h[0];
-            g[i] = D{};
-        }
-        const double* before = centre + x;
-        const double* after = centre + x;
-        for (unsigned long k = 1; k <= halfSize; ++k) {
-            before -= stride;
-            after += stride;
-            for (unsigned long i = 0; i < nbVectors; ++i) {
-                const D a = load(before + i * lanes), b = load(after + i * lanes);
-                if constexpr (Smooth)
-                    s[i] += (a + b) * h[k];
-                if constexpr (Differentiate)
-                    g[i] += (b - a) * d[k];
-            }
-        }
-        for (unsigned long i = 0; i < nbVectors; ++i) {
-            if constexpr (Smooth)
-                store(smooth + x + i * lanes, s[i]);
-            if constexpr (Differentiate)
-                store(derivative + x + i * lanes, g[i]);
-        }
-    }
-}
-
-template<class Sample>
-void widenBlock(double* __restrict to, const Sample* __restrict from)
-{
-    for (unsigned long i = 0; i < kBlock; ++i)
-        to[i] = static_cast<double>(from[i]);
-}
-
-/// The one rounding.
-inline void narrowBlock(float* to, const double* from)
-{
-    for (unsigned long i = 0; i < kBlock; ++i)
-        to[i] = static_cast<float>(from[i]);
-}
-
-/// To nearest, half to even, saturated; NaN becomes 0.
-template<class Sample>
-void narrowBlock(Sample* __restrict to, const double* __restrict from)
-{
-    // Added to a number below 2^51 it leaves no bits for the fraction: the low bits of the sum are the rounded number.
-    const double integers = 6755399441055744.0;  // 1.5 * 2^52
-    const double low = static_cast<double>(std::numeric_limits<Sample>::min());
-    const double high = static_cast<double>(std::numeric_limits<Sample>::max());
-    for (unsigned long i = 0; i < kBlock; ++i) {
-        double v = from[i];
-        v = v == v ? v : 0.0;
-        v = v > low ? v : low;
-        v = (v < high ? v : high) + integers;
-        unsigned long bits;
-        std::memcpy(&bits, &v, sizeof bits);
-        to[i] = static_cast<Sample>(bits);
-    }
-}
-
-/// Repeats the first and the last sample of a line, that far.
-inline void extendLine(double* line, unsigned long sizeX, unsigned long before, unsigned long end)
-{
-    std::fill(line - before, line, line[0]);
-    std::fill(line + sizeX, line + end, line[sizeX - 1]);
-}
-
-}  // namespace
 
 template<core::eInstructionSet Set, class Parser>
 void GaussianGradient2dImgLvl3::combineLines(const Parser& lines, const processor::ProcessingInfo& info)
@@ -101,9 +19,9 @@ void GaussianGradient2dImgLvl3::combineLines(const Parser& lines, const processo
             if (smooths && differentiates)
                 filterBlock<true, true>(centre, kBlock, m_y, smoothLine(line) + x, derivativeLine(line) + x);
             else if (smooths)
-                filterBlock<true, false>(centre, kBlock, m_y, smoothLine(line) + x, nullptr);
+                filterBlock<true, false>(centre, kBlock, m_y, smoothLine(line) + x, static_cast<double*>(nullptr));
             else
-                filterBlock<false, true>(centre, kBlock, m_y, nullptr, derivativeLine(line) + x);
+                filterBlock<false, true>(centre, kBlock, m_y, static_cast<double*>(nullptr), derivativeLine(line) + x);
         }
     }
     const unsigned long end = info.nbAlignedData + m_x.halfSize();
@@ -124,11 +42,7 @@ bool GaussianGradient2dImgLvl3::writeLine(const double* line, unsigned long n)
         typedef decltype(zero) Sample;
         if constexpr (!std::is_same<Sample, double>::value) {
             const auto* const out = this->template parser<Attribute, Sample>();
-            for (unsigned long x = 0; x < n; x += kBlock) {
-                alignas(64) double block[kBlock];
-                filterBlock<!alongX, alongX>(line + x, 1, m_x, block, block);
-                narrowBlock(out->accessBuffer() + x, block);
-            }
+            filterLine<alongX>(line, n, m_x, out->accessBuffer());
             written = true;
         }
     });

@@ -1,0 +1,116 @@
+// The passes of separable Gaussian kernels. Compiled once per instruction set, inside the set that is open.
+
+#include "frame/simd/Simd.h"
+
+namespace orvik { namespace imaproc { namespace filter {
+namespace {
+
+/// A vector of sums, as they are or rounded to float.
+template<class Sum>
+inline void storeSum(Sum* to, typename Lanes<Sum>::type sum)
+{
+    store(to, sum);
+}
+
+inline void storeSum(float* to, Lanes<double>::type sum)
+{
+    storeNarrow(to, sum);
+}
+
+/// Both kernels on a block of samples whose neighbours at distance k lie k * stride away: lines of a tile, or columns of
+/// a line. Sums run outwards from the centre.
+template<bool Smooth, bool Differentiate, class Sum, class Out>
+void filterBlock(const Sum* centre, unsigned long stride, const TypedGaussianWeights<Sum>& weights, Out* smooth,
+                 Out* derivative)
+{
+    typedef typename Lanes<Sum>::type D;
+    constexpr unsigned long lanes = Lanes<Sum>::count, nbVectors = 4, step = nbVectors * lanes;
+    const unsigned long halfSize = weights.halfSize();
+    const Sum* const h = weights.smoothing.data();
+    const Sum* const d = weights.derivative.data();
+    for (unsigned long x = 0; x < kBlock; x += step) {
+        D s[nbVectors], g[nbVectors];
+        for (unsigned long i = 0; i < nbVectors; ++i) {
+            s[i] = load(centre + x + i * lanes) * h[0];
+            g[i] = D{};
+        }
+        const Sum* before = centre + x;
+        const Sum* after = centre + x;
+        for (unsigned long k = 1; k <= halfSize; ++k) {
+            before -= stride;
+            after += stride;
+            for (unsigned long i = 0; i < nbVectors; ++i) {
+                const D a = load(before + i * lanes), b = load(after + i * lanes);
+                if constexpr (Smooth)
+                    s[i] += (a + b) * h[k];
+                if constexpr (Differentiate)
+                    g[i] += (b - a) * d[k];
+            }
+        }
+        for (unsigned long i = 0; i < nbVectors; ++i) {
+            if constexpr (Smooth)
+                storeSum(smooth + x + i * lanes, s[i]);
+            if constexpr (Differentiate)
+                storeSum(derivative + x + i * lanes, g[i]);
+        }
+    }
+}
+
+template<class Sum, class Sample>
+void widenBlock(Sum* __restrict to, const Sample* __restrict from)
+{
+    for (unsigned long i = 0; i < kBlock; ++i)
+        to[i] = static_cast<Sum>(from[i]);
+}
+
+inline void widenBlock(double* to, const float* from)
+{
+    for (unsigned long i = 0; i < kBlock; i += Lanes<double>::count)
+        store(to + i, loadWide(from + i));
+}
+
+/// To nearest, half to even, saturated; NaN becomes 0.
+template<class Sample, class Sum>
+void narrowBlock(Sample* __restrict to, const Sum* __restrict from)
+{
+    // Added to a number below 2^51 it leaves no bits for the fraction: the low bits of the sum are the rounded number.
+    const double integers = 6755399441055744.0;  // 1.5 * 2^52
+    const double low = static_cast<double>(std::numeric_limits<Sample>::min());
+    const double high = static_cast<double>(std::numeric_limits<Sample>::max());
+    for (unsigned long i = 0; i < kBlock; ++i) {
+        double v = static_cast<double>(from[i]);
+        v = v == v ? v : 0.0;
+        v = v > low ? v : low;
+        v = (v < high ? v : high) + integers;
+        unsigned long bits;
+        std::memcpy(&bits, &v, sizeof bits);
+        to[i] = static_cast<Sample>(bits);
+    }
+}
+
+/// The kernel along a line, with the one rounding to the samples of the result.
+template<bool Differentiate, class Sum, class Sample>
+void filterLine(const Sum* line, unsigned long n, const TypedGaussianWeights<Sum>& weights, Sample* to)
+{
+    for (unsigned long x = 0; x < n; x += kBlock) {
+        if constexpr (std::is_same<Sample, float>::value) {
+            filterBlock<!Differentiate, Differentiate>(line + x, 1, weights, to + x, to + x);
+        } else {
+            alignas(64) Sum block[kBlock];
+            filterBlock<!Differentiate, Differentiate>(line + x, 1, weights, block, block);
+            narrowBlock(to + x, block);
+        }
+    }
+}
+
+/// Repeats the first and the last sample of a line, that far.
+template<class Sum>
+void extendLine(Sum* line, unsigned long sizeX, unsigned long before, unsigned long end)
+{
+    std::fill(line - before, line, line[0]);
+    std::fill(line + sizeX, line + end, line[sizeX - 1]);
+}
+
+}  // namespace
+
+}}}  // namespace orvik::imaproc::filter

@@ -1,0 +1,52 @@
+#pragma once
+
+// Runs of the Hook family, which lists the lines that it is given.
+
+#include "TestImages.h"
+#include "TestRuns.h"
+#include "TinyProcessor.h"
+
+#include "frame/attr/ImageAttributes.h"
+
+#include <functional>
+#include <vector>
+
+namespace orvik::test {
+
+using namespace imaproc::tiny;
+using namespace processor;
+
+/// Sets the function that the Hook family calls for each line, for a scope.
+struct OnLine
+{
+    explicit OnLine(const std::function<BoolResult(unsigned long)>& f) { Hook::s_onLine = f; }
+    ~OnLine() { Hook::s_onLine = nullptr; }
+};
+
+inline boost::shared_ptr<HookLvl1> hookOn(const ImagePtr& image)
+{
+    const auto hook = createInitialised<HookLvl1>();
+    hook->set<InTinyImg>(image);
+    return hook;
+}
+
+/// Lines of all planes in their order, as plane, row and first sample.
+inline std::vector<long> linesOf(const PlanIndexedMarks& lists)
+{
+    std::vector<long> lines;
+    for (const PlanIndex& plan : lists.getPlans())
+        for (const auto& mark : lists.getEntry(plan)->get<Marks::Coll>().getNodes())
+            lines.insert(lines.end(), {static_cast<long>(plan.z), static_cast<long>(mark->get<Mark::Y>()), mark->get<Mark::Id>()});
+    return lines;
+}
+
+inline std::vector<long> expectedLines(const image::BaseImage& image)
+{
+    std::vector<long> lines;
+    for (unsigned long z = 0; z < image.getSizeZ(); ++z)
+        for (unsigned long y = 0; y < image.getSizeY(); ++y)
+            lines.insert(lines.end(), {static_cast<long>(z), static_cast<long>(y), static_cast<long>(sampleAt(image, 0, y, z))});
+    return lines;
+}
+
+}  // namespace orvik::test

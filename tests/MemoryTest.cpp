@@ -1,0 +1,181 @@
+// Runs that run out of memory, at each of their allocations in turn.
+
+#include "HookRuns.h"
+#include "TestImages.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <thread>
+
+// Memory of this whole program: the allocation that `g_failAfter` counts down to fails.
+namespace {
+std::atomic<long> g_failAfter{-1};
+std::atomic<bool> g_failed{false};
+
+bool mayAllocate()
+{
+    if (g_failAfter.load(std::memory_order_relaxed) < 0 || g_failAfter.fetch_sub(1) != 0)
+        return true;
+    g_failed = true;
+    return false;
+}
+}  // namespace
+
+// Not inlined: the compiler would see memory of malloc in one place and delete in another, and warn.
+__attribute__((noinline)) void* operator new(std::size_t size)
+{
+    void* const block = mayAllocate() ? std::malloc(size ? size : 1) : nullptr;
+    if (!block)
+        throw std::bad_alloc();
+    return block;
+}
+
+__attribute__((noinline)) void operator delete(void* block) noexcept
+{
+    std::free(block);
+}
+
+__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept
+{
+    std::free(block);
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they need their own before this one could run
+/// Where the frame has the memory of images from.
+extern "C" __attribute__((visibility("default"))) void* calloc(std::size_t count, std::size_t size)
+{
+    // Not by malloc: the compiler would make a call of calloc of malloc and memset, and this one never end.
+    void* block = nullptr;
+    const bool given = mayAllocate() && posix_memalign(&block, alignof(std::max_align_t), count * size) == 0;
+    return given ? std::memset(block, 0, count * size) : nullptr;
+}
+#endif
+
+/// And that of lines.
+extern "C" __attribute__((visibility("default"))) void* aligned_alloc(std::size_t alignment, std::size_t size)
+{
+    void* block = nullptr;
+    return mayAllocate() && posix_memalign(&block, alignment, size) == 0 ? block : nullptr;
+}
+
+namespace orvik::test {
+namespace {
+
+using namespace imaproc;
+using namespace processor;
+using image::ImageSizes;
+
+/// Runs `f` with its allocation number `n` failing; whether that many were asked for.
+template<class F>
+bool failAllocation(long n, F&& f)
+{
+    g_failed = false;
+    g_failAfter = n;
+    f();
+    g_failAfter = -1;
+    return g_failed;
+}
+
+TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
+{
+    const WithGrain fine(2);
+    const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(5, 6, 2));
+    const auto reach = Reach::createNode(1, 1, 1, 1, 0, 0, 0, 0);
+    const auto makeHash = [&] {
+        const auto hash = createInitialised<HashLvl1<false> >();
+        hash->set<InTinyImg>(image);
+        hash->set<InReach>(reach);
+        return hash;
+    };
+    const auto reference = makeHash();
+    executeSyncRun(reference);
+    const ImagePtr expected = reference->getStorage<OutTinyImg>();
+    const auto hook = hookOn(image);
+
+    for (const unsigned int nbThreads : {1, 3}) {
+        const WithThreads threads(nbThreads);
+        executeSyncRun(hook);
+        const auto hash = makeHash();
+        for (const boost::shared_ptr<BaseProcessor>& run : {boost::shared_ptr<BaseProcessor>(hash), boost::shared_ptr<BaseProcessor>(hook)}) {
+            long n = 0;
+            for (bool failed = true; failed; ++n) {
+                std::exception_ptr thrown;
+                failed = failAllocation(n, [&] {
+                    try {
+                        executeSyncRun(run);
+                    } catch (...) {
+                        thrown = std::current_exception();
+                    }
+                });
+                ASSERT_EQ(failed, thrown != nullptr) << "allocation " << n << ", " << nbThreads << " threads";
+                if (thrown) {
+                    EXPECT_THROW(std::rethrow_exception(thrown), std::bad_alloc) << "allocation " << n;
+                    EXPECT_TRUE(run->hasFailed());
+                }
+                ASSERT_NO_THROW(executeSyncRun(run)) << "after allocation " << n;
+                if (run == hash)
+                    ASSERT_TRUE(sameSamples(*expected, *hash->getStorage<OutTinyImg>())) << "after allocation " << n;
+                else
+                    ASSERT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>())) << "after allocation " << n;
+            }
+            EXPECT_GT(n, 100) << "the run asked for memory";
+        }
+    }
+}
+
+TEST(Memory, ThatRunsOutWhileAFailureIsToldLeavesAFailure)
+{
+    const WithThreads one(1);
+    const std::string text = "a text that is too long for a string to hold without memory of its own";
+    const OnLine onLine([&](unsigned long) { return failure(text); });
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    long n = 0;
+    for (bool failed = true; failed; ++n) {
+        std::exception_ptr thrown;
+        failed = failAllocation(n, [&] {
+            try {
+                executeSyncRun(hook);
+            } catch (...) {
+                thrown = std::current_exception();
+            }
+        });
+        try {
+            ASSERT_TRUE(thrown) << "allocation " << n;
+            std::rethrow_exception(thrown);
+        } catch (const std::bad_alloc&) {
+        } catch (const std::exception& e) {
+            EXPECT_EQ(text, e.what()) << "allocation " << n;
+        }
+    }
+}
+
+TEST(Memory, ThatRunsOutWhileARunIsStartedLeavesItNotRunning)
+{
+    const WithThreads threads(2);
+    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    // oneTBB makes its threads for the first background run; without memory for them it tells nobody, and the run waits.
+    hook->run(core::eST_Asynchronous);
+    hook->waitForEnd();
+    for (long n = 0; n < 40; ++n) {
+        bool refused = false;
+        const bool failed = failAllocation(n, [&] {
+            try {
+                hook->run(core::eST_Asynchronous);
+            } catch (const std::bad_alloc&) {
+                refused = true;
+            }
+            for (int i = 0; i < 5000 && hook->isRunning(); ++i)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
+        ASSERT_FALSE(hook->isRunning()) << "allocation " << n;
+        EXPECT_EQ(failed, refused || hook->hasFailed()) << "allocation " << n;
+        EXPECT_TRUE(hook->run(core::eST_Synchronous).getValue()) << "after allocation " << n;
+    }
+}
+
+}  // namespace
+}  // namespace orvik::test

@@ -1,0 +1,163 @@
+// What rules compare, how they combine, and what they say.
+
+#include "TestImages.h"
+#include "TestRuns.h"
+#include "TinyProcessor.h"
+
+#include "frame/attr/ImageAttributes.h"
+
+#include <boost/smart_ptr/make_shared.hpp>
+
+namespace orvik::test {
+namespace {
+
+using namespace imaproc;
+using namespace imaproc::tiny;
+using namespace processor;
+
+struct FixedRule : BaseRule
+{
+    explicit FixedRule(bool holds) : m_holds(holds) {}
+    eRuleType getRuleType() const override { return eRT_Attribute; }
+    bool testRule() const override { return m_holds; }
+    std::string createRuleFormalString() const override { return m_holds ? "yes" : "no"; }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        return createRuleEvaluatedStartString(depth) + createRuleFormalString() + "\n";
+    }
+    bool m_holds;
+};
+
+TEST(Rules, CombineByTheirTruthTables)
+{
+    const RulePtr yes = boost::make_shared<FixedRule>(true), no = boost::make_shared<FixedRule>(false);
+    EXPECT_TRUE((yes && yes)->testRule());
+    EXPECT_FALSE((yes && no)->testRule());
+    EXPECT_FALSE((no && yes)->testRule());
+    EXPECT_FALSE((no && no)->testRule());
+    EXPECT_TRUE(If(yes, yes)->testRule());
+    EXPECT_FALSE(If(yes, no)->testRule());
+    EXPECT_TRUE(If(no, no)->testRule());
+    EXPECT_TRUE(If(no, no, yes)->testRule());
+    EXPECT_FALSE(If(no, yes, no)->testRule());
+    EXPECT_FALSE(If(yes, no, yes)->testRule());
+    EXPECT_FALSE(Not(yes)->testRule());
+    EXPECT_TRUE(Not(no)->testRule());
+    EXPECT_TRUE(none()->testRule());
+    EXPECT_EQ("failed: both hold:\n  ok: as no does not hold:\n    ok: yes\n  failed: does not hold:\n    ok: yes\n",
+              (If(no, no, yes) && Not(yes))->createRuleEvaluatedString(0));
+}
+
+TEST(Rules, HoldAttributesWeaklyAndSayWhenTheyAreGone)
+{
+    const boost::shared_ptr<InTinyImg> a = boost::make_shared<InTinyImg>();
+    boost::shared_ptr<OutTinyImg> b = boost::make_shared<OutTinyImg>();
+    const RulePtr rule = matchSize(a, b);
+    const InitializerPtr initializer = duplicateInOut(b, a, image::eIBT_UInt8);
+    EXPECT_TRUE(rule->testRule());
+    EXPECT_EQ(1, b.use_count());
+    b.reset();
+    const std::string expired = "Attribute weak pointer has expired, can't get it";
+    EXPECT_EQ(expired, thrownText<ORVIKBaseProcessingException>([&] { rule->testRule(); }));
+    EXPECT_EQ(expired, thrownText<ORVIKBaseProcessingException>([&] { rule->createRuleEvaluatedString(0); }));
+    EXPECT_EQ(expired, thrownText<ORVIKBaseProcessingException>([&] { initializer->initOutputAttribute(); }));
+    EXPECT_EQ("Initialize rule before trying to use its data",
+              thrownText<ORVIKBaseProcessingException>([] { RuleOptionalIsSet().testRule(); }));
+    const std::string null = "Input attribute should not be null";
+    EXPECT_EQ(null, thrownText<ORVIKBaseProcessingException>([&] { matchSize(a, b); }));
+    EXPECT_EQ(null, thrownText<ORVIKBaseProcessingException>([&] { isSet(b); }));
+    EXPECT_EQ(null, thrownText<ORVIKBaseProcessingException>([&] { duplicateInOut(b, a, image::eIBT_UInt8); }));
+    EXPECT_EQ(null, thrownText<ORVIKBaseProcessingException>(
+                        [&] { fromImage(boost::make_shared<OutPIMarks>(), boost::shared_ptr<InTinyImg>()); }));
+}
+
+TEST(Rules, OnImagesCompareWhatTheySay)
+{
+    const auto a = boost::make_shared<InTinyImg>();
+    const auto b = boost::make_shared<OutTinyImg>();
+    const auto holds = [&](const RulePtr& rule, const ImagePtr& first, const ImagePtr& second) {
+        a->init(first);
+        b->init(second);
+        return rule->testRule();
+    };
+    const ImagePtr plane = blank(4, 3), volume = blank(4, 3, 2), channels = blank(4, 3, 1, 2), narrow = blank(5, 3),
+                   wide = blank(4, 3, 1, 1, image::eIBT_Int8);
+    EXPECT_TRUE(holds(matchSize(a, b), plane, wide));
+    EXPECT_FALSE(holds(matchSize(a, b), plane, volume));
+    EXPECT_FALSE(holds(matchSize(a, b), plane, channels));
+    EXPECT_TRUE(holds(matchSize(a, b), plane, nullptr)) << "a side without a value is not held against the other";
+    EXPECT_TRUE(holds(matchSize(eMIST_ZCT, a, b), plane, narrow));
+    EXPECT_FALSE(holds(matchSize(eMIST_ZCT, a, b), plane, volume));
+    EXPECT_FALSE(holds(matchSize(eMIST_ZCT, a, b), plane, channels));
+    EXPECT_FALSE(holds(matchBufferType(a, b), plane, wide));
+    EXPECT_TRUE(holds(matchBufferType(a, b), plane, volume));
+    EXPECT_FALSE(holds(matchSizeAndType(a, b), plane, wide));
+    EXPECT_FALSE(holds(matchSizeAndType(a, b), plane, narrow));
+    EXPECT_FALSE(holds(matchVolumeGeometryType(a, b), plane, volume));
+    EXPECT_FALSE(holds(matchColorGeometryType(a, b), plane, channels));
+    EXPECT_TRUE(holds(matchColorGeometryType(a, b), plane, volume));
+    EXPECT_FALSE(holds(noInSitu(a, b), plane, plane));
+    EXPECT_FALSE(holds(noInSitu(a, b), volume, volume->getView(PlanIndex(), 1))) << "a view is the same memory";
+    EXPECT_TRUE(holds(noInSitu(a, b), plane, wide));
+}
+
+TEST(Rules, OnPlansWantExactlyThoseOfTheImage)
+{
+    const auto in = boost::make_shared<InTinyImg>();
+    const auto coll = boost::make_shared<OutPIMarks>();
+    in->init(blank(2, 2, 2, 2));
+    const auto holds = [&](eImagePlansMatchPolicy policy, const std::vector<PlanIndex>& plans) {
+        coll->initEmpty();
+        for (const PlanIndex& plan : plans)
+            coll->getStorage()->insert(plan, Marks::createNode());
+        return matchImagePlans(coll, in, policy)->testRule();
+    };
+    EXPECT_TRUE(matchImagePlans(coll, in, eIPMP_Planes)->testRule());
+    EXPECT_TRUE(holds(eIPMP_Planes, {}));
+    EXPECT_TRUE(holds(eIPMP_Planes, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}}));
+    EXPECT_FALSE(holds(eIPMP_Planes, {{0, 0, 0}}));
+    EXPECT_FALSE(holds(eIPMP_Planes, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}));
+    EXPECT_TRUE(holds(eIPMP_Volumes, {{0, 0, 0}, {0, 1, 0}}));
+    EXPECT_FALSE(holds(eIPMP_Volumes, {{0, 0, 0}, {1, 0, 0}}));
+}
+
+TEST(Rules, OnAScalarRefuseOnlyWhatIsNegative)
+{
+    const auto in = boost::make_shared<InTinyImg>();
+    const auto record = boost::make_shared<InReach>();
+    in->init(blank(8, 5));
+    const RulePtr rule = matchSize<Reach::Value>(eMIST_MinXY, eMISS_Half, in, record);
+    EXPECT_TRUE(rule->testRule()) << "unset";
+    record->init(Reach::createNode(0, 0, 0, 0, 0, 0, 0, 1000));
+    EXPECT_TRUE(rule->testRule()) << "too wide is narrowed";
+    record->init(Reach::createNode(0, 0, 0, 0, 0, 0, 0, -1));
+    EXPECT_FALSE(rule->testRule());
+    EXPECT_EQ("failed: InReach::Value is not negative, and beyond half of the smaller of X and Y of InTinyImg narrowed to it: "
+              "-1.000000, image 8 x 5 x 1 x 1 x 1\n",
+              rule->createRuleEvaluatedString(0));
+}
+
+TEST(Rules, OnCustomPropertiesCheckWhatIsEnabled)
+{
+    struct Doubled : BaseCustomCheckedImageProperty
+    {
+        unsigned long getSizeX() const override { return 2 * getInputImage()->getSizeX(); }
+    };
+    const auto in = boost::make_shared<InTinyImg>();
+    const auto out = boost::make_shared<OutTinyImg>();
+    const auto property = boost::make_shared<Doubled>();
+    property->initBase(in);
+    property->enableCheck(eCIP_SizeX);
+    const RulePtr rule = customImageProperty(out, property);
+    EXPECT_TRUE(rule->testRule());
+    in->init(blank(3, 4));
+    out->init(blank(6, 9));
+    EXPECT_TRUE(rule->testRule());
+    property->enableCheck(eCIP_SizeY);
+    EXPECT_FALSE(rule->testRule());
+    EXPECT_EQ("failed: size X, size Y, of OutTinyImg as computed from the inputs: X 6 against 6: Y 9 against 4\n",
+              rule->createRuleEvaluatedString(0));
+}
+
+}  // namespace
+}  // namespace orvik::test
