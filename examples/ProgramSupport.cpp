@@ -176,6 +176,18 @@ CLI::Validator isNumberFrom(double least, double most)
     return CLI::Validator(check, std::string());
 }
 
+CLI::Validator isWholeNumberTo(unsigned long most)
+{
+    const auto check = [=](std::string& text) {
+        const bool isWhole = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+        // More digits than the limit has would not fit into the number.
+        if (isWhole && text.size() <= std::to_string(most).size() && std::stoul(text) <= most)
+            return std::string();
+        return "'" + text + "' is no whole number from 0 to " + std::to_string(most);
+    };
+    return CLI::Validator(check, std::string());
+}
+
 int runProgram(CLI::App& app, int argc, char** argv, const CommonOptions& options, const std::function<void()>& work)
 {
     try {

@@ -49,6 +49,9 @@ void addCommonOptions(CLI::App& app, CommonOptions& options);
 /// Accepts numbers within the limits; no NaN and no infinities.
 CLI::Validator isNumberFrom(double least, double most = std::numeric_limits<double>::max());
 
+/// Accepts whole numbers from 0 on.
+CLI::Validator isWholeNumberTo(unsigned long most);
+
 /// Parses the command line, does what the common options ask for, then the work. Any failure becomes one line on
 /// stderr that starts with the program's name. Returns the exit status: 0, 1 for failed work, 2 for a wrong command
 /// line.

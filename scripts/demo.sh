@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the library and finds the edges of some photographs; the results are in out/.
+# Builds the library and finds edges, corners and maxima of some photographs; the results are in out/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
@@ -47,13 +47,17 @@ getPhotographs()
 
 installMissing "${orvikPackages[@]}"
 cmake --preset release
-cmake --build build/release --target edges
+cmake --build build/release --target edges corners extrema
 havePhotographs || getPhotographs
 
 for photograph in "${photographs[@]}"; do
     echo
     build/release/bin/edges "$folder/$photograph" -o out
 done
+echo
+build/release/bin/corners "$folder/camera.png" --max 200 -o out
+echo
+build/release/bin/extrema "$folder/coins.png" --distance 15 --threshold 150 -o out
 echo
 echo "Results in $PWD/out:"
 ls out

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ProgramSupport.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <functional>
+#include <string>
+
+namespace orvik { namespace imaproc { namespace attr {
+class Pixels2d;
+}}}  // namespace orvik::imaproc::attr
+
+namespace orvik::examples {
+
+/// What programs that list points of a picture are told alike.
+struct PointOptions
+{
+    std::string picture;
+    unsigned int distance = 5;
+    unsigned long max = 0;
+    std::string folder = ".";
+    std::string format = "csv";  ///< csv or json
+    CommonOptions common;
+};
+
+/// Adds them, all but the picture, which comes first, and the common ones, which come last. `nearby` says what is true of
+/// the pixels within the distance of a listed one.
+void addPointOptions(CLI::App& app, PointOptions& options, const std::string& nearby);
+
+/// The points of a picture, found by `find`, and what they were found with: lines for the report.
+struct FoundPoints
+{
+    boost::shared_ptr<imaproc::attr::Pixels2d> points;
+    std::string settings;
+    std::string kernels;
+};
+
+/// Reads the picture, finds `what`, writes NAME-what.csv, or .json, and NAME-what-overlay.png, the picture in grey with a
+/// red cross on each point, both files or none of them, and reports unless it is to be quiet. Lists have columns x, y and
+/// value in the order of the points, numbers so that they read back as they were.
+void listPoints(const PointOptions& options, const std::string& what,
+                const std::function<FoundPoints(const Picture& picture)>& find);
+
+}  // namespace orvik::examples
