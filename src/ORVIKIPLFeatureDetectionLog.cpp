@@ -64,6 +64,9 @@ log4cplus::Logger& getORVIKIPLFeatureDetectionLogger()
     return logger;
 }
 
+const LogSource g_featureDetectionLogSource = {&getORVIKIPLFeatureDetectionLogger,
+                                               &getORVIKIPLFeatureDetectionLogMessageManager};
+
 std::string Library::toolTip(unsigned int row)
 {
     MessageMapRegistrator<eProcessorMessage>::process();

@@ -43,6 +43,14 @@ inline bool isStrict(eLocalExtremumType type)
     return type == eLET_StrictMaxima || type == eLET_StrictMinima;
 }
 
+/// What the threshold of a search for lines means. Other values read as absolute.
+enum eHoughLinesThresholdType : int
+{
+    eHLTT_Absolute = 0,  ///< votes of a bin
+    eHLTT_Ratio = 1,     ///< share of the votes of the bin that has most
+    eHLTT_Quantile = 2   ///< share of the bins, 0 to 1, that have at most as many votes
+};
+
 /// What is measured at a corner. Other values read as the minimum eigenvalue.
 enum eCornerResponseType : int
 {

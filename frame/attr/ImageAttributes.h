@@ -9,6 +9,7 @@ namespace orvik { namespace imaproc { namespace attr {
 ORVIK_INPUT(InImg, (BaseInputImageAttribute), "image");
 ORVIK_INPUT(InImg1, (BaseInputImageAttribute), "first image");
 ORVIK_INPUT(InImg2, (BaseInputImageAttribute), "second image");
+ORVIK_INPUT(InGreyImg2d, (BaseInputImageAttribute), "grey image");
 ORVIK_INPUT(InGxGreyImg2d, (BaseInputImageAttribute), "gradient along x");
 ORVIK_INPUT(InGyGreyImg2d, (BaseInputImageAttribute), "gradient along y");
 ORVIK_INPUT(InBinLabImg, (BaseInputImageAttribute), "binary or label image");
@@ -21,6 +22,7 @@ ORVIK_INPUT(InSubGyImg2d, (BaseInputImageAttribute), "one plane of the gradient 
 ORVIK_INPUT(InSubLabelImg2d, (BaseInputImageAttribute), "one plane of labels");
 
 ORVIK_OUTPUT(OutImg, (BaseOutputImageAttribute), "result");
+ORVIK_OPTIONAL_OUTPUT(OutOptImg, (BaseOutputImageAttribute), "result that may be had as well");
 ORVIK_OUTPUT(OutBinImg, (BaseOutputImageAttribute), "binary result");
 ORVIK_OUTPUT(OutLabelImg, (BaseOutputImageAttribute), "labels");
 ORVIK_OUTPUT(OutWk1Img, (BaseOutputImageAttribute), "first working image");

@@ -5,6 +5,8 @@
 #include <boost/make_shared.hpp>
 #include <boost/smart_ptr/make_shared_array.hpp>
 
+#include <cmath>
+
 namespace orvik { namespace imaproc { namespace attr {
 
 ORVIK_RECORD_DEFINE(StatsResult)
@@ -16,6 +18,11 @@ ORVIK_RECORD_DEFINE(LocalExtremaConfig)
 ORVIK_RECORD_DEFINE(Pixel2d)
 ORVIK_RECORD_COLL_DEFINE(Pixels2d)
 ORVIK_PLAN_INDEXED_DEFINE(PlanIndexedPixels2d)
+ORVIK_RECORD_DEFINE(HoughLinesImgParams)
+ORVIK_RECORD_DEFINE(HoughLinesExtractionParams)
+ORVIK_RECORD_DEFINE(HoughLine2dPpties)
+ORVIK_RECORD_COLL_DEFINE(HoughLines2dPpties)
+ORVIK_PLAN_INDEXED_DEFINE(PlanIndexedHoughLines2dPpties)
 
 boost::shared_ptr<GaussianCoverage> createGaussianCoverage()
 {
@@ -45,6 +52,16 @@ boost::shared_ptr<LocalExtremaConfig> createLocalExtremaConfig(double threshold,
 boost::shared_ptr<LocalExtremaConfig> createLocalExtremaConfig(const eLocalExtremumType& type, double threshold)
 {
     return LocalExtremaConfig::createNode(type, threshold, NumericLimits<unsigned long>::s_max);
+}
+
+boost::shared_ptr<HoughLinesImgParams> createHoughLinesImgParams()
+{
+    return HoughLinesImgParams::createNode(1.0, 0.0, M_PI, 180u, 0.0f);
+}
+
+boost::shared_ptr<HoughLinesExtractionParams> createHoughLinesExtractionParams()
+{
+    return HoughLinesExtractionParams::createNode(eHLTT_Ratio, 0.5, 10u);
 }
 
 }}}  // namespace orvik::imaproc::attr

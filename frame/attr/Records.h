@@ -43,4 +43,26 @@ ORVIK_RECORD(Pixel2d, (double, X)(double, Y)(double, Value));
 ORVIK_RECORD_COLL(Pixels2d, Pixel2d);
 ORVIK_PLAN_INDEXED(PlanIndexedPixels2d, Pixels2d);
 
+
+/// Bins of an accumulator of lines, and which pixels vote. A bin is `RhoStep` pixels wide; a width
+/// below 2^-52, or that is no number, makes an accumulator of the size of width 1, whose bins no vote reaches. `NbThetaBins` angles from `ThetaMin` on
+/// part the range that ends before `ThetaMax`, in radians. A pixel votes with its value when that is above
+/// `PixelThreshold`.
+ORVIK_RECORD(HoughLinesImgParams, (double, RhoStep)(double, ThetaMin)(double, ThetaMax)(unsigned int, NbThetaBins)
+                                  (float, PixelThreshold));
+/// Bins of 1 pixel and 180 angles from 0 to pi; pixels above 0 vote.
+ORVIK_API boost::shared_ptr<HoughLinesImgParams> createHoughLinesImgParams();
+
+/// Which bins of an accumulator are lines: the highest ones within `PeakDist` bins along rho and theta, whose votes reach
+/// `Threshold`, which `ThresholdType` explains: see eHoughLinesThresholdType.
+ORVIK_RECORD(HoughLinesExtractionParams, (int, ThresholdType)(double, Threshold)(unsigned int, PeakDist));
+/// At least half of the votes of the highest bin, and none higher within 10 bins.
+ORVIK_API boost::shared_ptr<HoughLinesExtractionParams> createHoughLinesExtractionParams();
+
+/// A line of a plane: the points with x * cos(Theta) + y * sin(Theta) = Rho, in pixels from the centre of the first one.
+/// Theta, in radians, is the angle of the line's normal with the x axis, which turns towards y.
+ORVIK_RECORD(HoughLine2dPpties, (double, Rho)(double, Theta)(double, AccumulatorValue));
+ORVIK_RECORD_COLL(HoughLines2dPpties, HoughLine2dPpties);
+ORVIK_PLAN_INDEXED(PlanIndexedHoughLines2dPpties, HoughLines2dPpties);
+
 }}}  // namespace orvik::imaproc::attr

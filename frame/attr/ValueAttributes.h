@@ -47,6 +47,14 @@ ORVIK_OPTIONAL_INPUT(InOptLocalExtremaConfig, (processor::InputOptionalDataItem<
                      createLocalExtremaConfig(), "which local extrema are listed; all maxima unless set");
 ORVIK_OUTPUT(OutPixels2d, (processor::OutputDataItem<Pixels2d>), "listed pixels of one plane");
 ORVIK_OUTPUT(OutPIPixels2d, (PlanIndexedStorage<PlanIndexedPixels2d>), "listed pixels of each plane");
+ORVIK_OPTIONAL_INPUT(InOptHoughLinesImgParams, (processor::InputOptionalDataItem<HoughLinesImgParams>),
+                     createHoughLinesImgParams(),
+                     "bins of the accumulator; 1 pixel and 180 angles from 0 to pi, pixels above 0 vote, unless set");
+ORVIK_OPTIONAL_INPUT(InOptHoughLinesExtractionParams, (processor::InputOptionalDataItem<HoughLinesExtractionParams>),
+                     createHoughLinesExtractionParams(),
+                     "which bins are lines; from half of the highest one on, 10 bins apart, unless set");
+ORVIK_OUTPUT(OutHoughLines2dPpties, (processor::OutputDataItem<HoughLines2dPpties>), "lines of one plane");
+ORVIK_OUTPUT(OutPIHoughLines2dPpties, (PlanIndexedStorage<PlanIndexedHoughLines2dPpties>), "lines of each plane");
 ORVIK_OUTPUT(OutStatsResult, (processor::OutputDataItem<StatsResult>), "statistics");
 ORVIK_OUTPUT(OutHistogramResult, (processor::OutputDataItem<HistogramResult>), "histogram");
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -23,6 +24,21 @@ const unsigned long g_linePadding = 64;  // samples
 #define ORVIK_THROW_IMAGE(text) \
     ORVIK_THROW(imaproc::ORVIKImageProcessingException, imaproc::g_imageProcessingLogSource, \
                 imaproc::eImageMessage::eInvalidImage, text)
+
+/// Tells what there was no memory for, without asking for more.
+class NoMemoryForImage : public std::bad_alloc
+{
+public:
+    NoMemoryForImage(const ImageSizes& sizes, unsigned long bytes)
+    {
+        std::snprintf(m_text, sizeof m_text, "there is no memory for an image of size %lu x %lu x %lu x %lu x %lu, %lu bytes",
+                      sizes.x, sizes.y, sizes.z, sizes.c, sizes.t, bytes);
+    }
+    const char* what() const noexcept override { return m_text; }
+
+private:
+    char m_text[200];
+};
 
 char* alignedUp(char* address)
 {
@@ -197,7 +213,7 @@ boost::shared_ptr<BaseImage> createImage(eImageBufferType type, const ImageSizes
     // Memory fresh from the system is zero already; then calloc does not touch it, and the threads that fill it will.
     const boost::shared_ptr<void> memory(std::calloc(bytes + g_alignment, 1), [](void* block) { std::free(block); });
     if (!memory)
-        throw std::bad_alloc();
+        throw NoMemoryForImage(sizes, bytes);
     char* const origin = alignedUp(static_cast<char*>(memory.get()));
     askForHugePages(origin, bytes);
     return boost::make_shared<BaseImage>(memory, origin, ImageGeometry(sizes, type), strides, true);

@@ -3,6 +3,8 @@
 #include "frame/image/Strips.h"
 #include "frame/processor/BaseAttribute.h"
 
+#include <boost/weak_ptr.hpp>
+
 namespace orvik { namespace imaproc {
 
 class ORVIK_API BaseImageAttribute : public processor::BaseAttribute
@@ -12,6 +14,8 @@ public:
     /// The image to look at; null when unset.
     virtual boost::shared_ptr<const image::BaseImage> getImage() const = 0;
 };
+
+typedef boost::weak_ptr<const BaseImageAttribute> WeakImage;
 
 /// An image that is only read.
 class ORVIK_API BaseInputImageAttribute : public BaseImageAttribute

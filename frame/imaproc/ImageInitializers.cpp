@@ -11,7 +11,7 @@ namespace {
     ORVIK_THROW_PROCESSING(text);
 }
 
-boost::shared_ptr<const BaseImageAttribute> lockInput(const boost::weak_ptr<const BaseImageAttribute>& input)
+boost::shared_ptr<const BaseImageAttribute> lockInput(const WeakImage& input)
 {
     const boost::shared_ptr<const BaseImageAttribute> locked = input.lock();
     if (!locked)
@@ -19,14 +19,14 @@ boost::shared_ptr<const BaseImageAttribute> lockInput(const boost::weak_ptr<cons
     return locked;
 }
 
-void checkInput(const boost::weak_ptr<const BaseImageAttribute>& input)
+void checkInput(const WeakImage& input)
 {
     if (!input.lock())
         throwInitializerFailure("Input attribute should not be null");
 }
 
 /// The image of an attribute; false with its name when there is none.
-BoolResult imageOf(const boost::weak_ptr<const BaseImageAttribute>& input, boost::shared_ptr<const image::BaseImage>& image)
+BoolResult imageOf(const WeakImage& input, boost::shared_ptr<const image::BaseImage>& image)
 {
     const boost::shared_ptr<const BaseImageAttribute> attribute = lockInput(input);
     image = attribute->getImage();
@@ -44,7 +44,7 @@ BaseCustomImageInitializer::~BaseCustomImageInitializer() = default;
 BaseFromImagePlanIndexedInitializer::~BaseFromImagePlanIndexedInitializer() = default;
 
 void BaseImageProcessingOutputInitializer::initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                                                      const boost::weak_ptr<const BaseImageAttribute>& in)
+                                                      const WeakImage& in)
 {
     initBase(out);
     checkInput(in);
@@ -89,7 +89,7 @@ std::string BaseImageProcessingOutputInitializer::createInitializerEvaluatedStri
 }
 
 void BaseDuplicateImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                                         const boost::weak_ptr<const BaseImageAttribute>& in,
+                                         const WeakImage& in,
                                          const image::eImageBufferType& type, const eImageInitializerStoragePolicy&)
 {
     initImages(out, in);
@@ -107,7 +107,7 @@ std::string BaseDuplicateImageInitializer::getDescription() const
 }
 
 void BasePromoteUnaryImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                                            const boost::weak_ptr<const BaseImageAttribute>& in, const ePromoteUnaryType&)
+                                            const WeakImage& in, const ePromoteUnaryType&)
 {
     initImages(out, in);
 }
@@ -162,7 +162,7 @@ std::string BaseCustomImageInitializer::createInitializerEvaluatedString() const
 }
 
 void BaseFromImagePlanIndexedInitializer::initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
-                                                   const boost::weak_ptr<const BaseImageAttribute>& in,
+                                                   const WeakImage& in,
                                                    const eFromImagePlanIndexedPolicy& policy)
 {
     initBase(out);

@@ -37,7 +37,7 @@ public:
 protected:
     /// @throws ORVIKBaseProcessingException for an attribute that was null.
     void initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                    const boost::weak_ptr<const BaseImageAttribute>& in);
+                    const WeakImage& in);
     /// The input image; false when it has no value.
     BoolResult getInput(boost::shared_ptr<const image::BaseImage>& input) const;
     /// Type of the image to make.
@@ -46,7 +46,7 @@ protected:
     virtual std::string getDescription() const = 0;
 
 private:
-    boost::weak_ptr<const BaseImageAttribute> m_input;
+    WeakImage m_input;
 };
 
 /// An image of the size of the input, of a given type or of the input's (type 0).
@@ -54,7 +54,7 @@ class ORVIK_API BaseDuplicateImageInitializer : public BaseImageProcessingOutput
 {
 public:
     ~BaseDuplicateImageInitializer() override;
-    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const boost::weak_ptr<const BaseImageAttribute>& in,
+    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in,
               const image::eImageBufferType& type, const eImageInitializerStoragePolicy& policy);
 
 protected:
@@ -75,7 +75,7 @@ class ORVIK_API BasePromoteUnaryImageInitializer : public BaseImageProcessingOut
 {
 public:
     ~BasePromoteUnaryImageInitializer() override;
-    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const boost::weak_ptr<const BaseImageAttribute>& in,
+    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in,
               const ePromoteUnaryType& promotion);
 
 protected:
@@ -106,7 +106,7 @@ class ORVIK_API BaseFromImageCustomImageInfo : public BaseCustomImageInfo
 {
 public:
     ~BaseFromImageCustomImageInfo() override;
-    void initBase(const boost::weak_ptr<const BaseImageAttribute>& input) { m_input = input; }
+    void initBase(const WeakImage& input) { m_input = input; }
     /// @throws ORVIKBaseProcessingException when the attribute is gone or has no value.
     boost::shared_ptr<const image::BaseImage> getInputImage() const;
     unsigned long getSizeX() const override { return getInputImage()->getSizeX(); }
@@ -117,7 +117,7 @@ public:
     image::eImageBufferType getImageBufferType() const override { return getInputImage()->getBufferType(); }
 
 private:
-    boost::weak_ptr<const BaseImageAttribute> m_input;
+    WeakImage m_input;
 };
 
 class ORVIK_API BaseCustomImageInitializer : public processor::BaseOutputInitializer
@@ -150,7 +150,7 @@ public:
     ~BaseFromImagePlanIndexedInitializer() override;
     using processor::BaseOutputInitializer::initBase;
     void initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
-                  const boost::weak_ptr<const BaseImageAttribute>& in, const eFromImagePlanIndexedPolicy& policy);
+                  const WeakImage& in, const eFromImagePlanIndexedPolicy& policy);
     processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
     using processor::BaseOutputInitializer::initAttribute;
     BoolResult initAttribute() override;
@@ -164,7 +164,7 @@ protected:
                                 const CreationFunction& creationFunction);
 
 private:
-    boost::weak_ptr<const BaseImageAttribute> m_input;
+    WeakImage m_input;
     eFromImagePlanIndexedPolicy m_policy = eFIPIP_Planes;
 };
 

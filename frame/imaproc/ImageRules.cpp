@@ -253,7 +253,7 @@ public:
         const image::BaseImage& image = imageOf(*attribute);
         return (!m_property->isChecked(eCIP_SizeX) || image.getSizeX() == m_property->getSizeX())
                && (!m_property->isChecked(eCIP_SizeY) || image.getSizeY() == m_property->getSizeY())
-               && (!m_property->isChecked(eCIP_BufferType) || image.getBufferType() == m_property->getImageBufferType());
+               && (!m_property->isChecked(eCIP_BufferType) || isAllowed(image.getBufferType()));
     }
     std::string createRuleFormalString() const override
     {
@@ -277,13 +277,25 @@ public:
             if (m_property->isChecked(eCIP_SizeY))
                 text += ": Y " + pair(image.getSizeY(), m_property->getSizeY());
             if (m_property->isChecked(eCIP_BufferType))
-                text += ": " + toString(image.getBufferType()) + " against " + toString(m_property->getImageBufferType());
+                text += ": " + toString(image.getBufferType()) + " against " + allowedTypes();
         }
         return text + "\n";
     }
 
 private:
     bool canTest() const { return getAttribute1()->hasValue() && m_property->getInputImage(); }
+    bool isAllowed(image::eImageBufferType type) const
+    {
+        const std::vector<image::eImageBufferType> allowed = m_property->getAllowedImageBufferTypes();
+        return std::find(allowed.begin(), allowed.end(), type) != allowed.end();
+    }
+    std::string allowedTypes() const
+    {
+        std::string text;
+        for (const image::eImageBufferType type : m_property->getAllowedImageBufferTypes())
+            text += (text.empty() ? "" : " or ") + toString(type);
+        return text;
+    }
     static std::string pair(unsigned long found, unsigned long computed)
     {
         return std::to_string(found) + " against " + std::to_string(computed);
@@ -296,7 +308,7 @@ private:
 
 BaseRuleMatchScalarToImageSize::~BaseRuleMatchScalarToImageSize() = default;
 
-void BaseRuleMatchScalarToImageSize::initBase(const boost::weak_ptr<const BaseImageAttribute>& image,
+void BaseRuleMatchScalarToImageSize::initBase(const WeakImage& image,
                                               const boost::weak_ptr<const processor::BaseDataItemAttribute>& attribute)
 {
     BaseImageRule::initBase(processor::WeakAttribute(image), processor::WeakAttribute(attribute));
@@ -446,6 +458,11 @@ unsigned long BaseCustomCheckedImageProperty::getSizeY() const
 image::eImageBufferType BaseCustomCheckedImageProperty::getImageBufferType() const
 {
     return getInputImage()->getBufferType();
+}
+
+std::vector<image::eImageBufferType> BaseCustomCheckedImageProperty::getAllowedImageBufferTypes() const
+{
+    return {getImageBufferType()};
 }
 
 RulePtr customImageProperty(const WeakImage& a, const boost::shared_ptr<BaseCustomCheckedImageProperty>& property)

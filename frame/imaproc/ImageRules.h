@@ -113,7 +113,7 @@ public:
     eImageRuleType getImageRuleType() const override { return eIRT_BinaryMixed; }
 
     using BaseImageRule::initBase;
-    void initBase(const boost::weak_ptr<const BaseImageAttribute>& image,
+    void initBase(const WeakImage& image,
                   const boost::weak_ptr<const processor::BaseDataItemAttribute>& attribute);
     void setSize(const eMatchImageSizeType& type, const eMatchImageSizeScale& scale);
     bool testRule() const override;
@@ -140,7 +140,6 @@ public:
     std::string retrieveValueAttributeName() const override { return A::getObjectNameStr() + "::" + Leaf::getName(); }
 };
 
-typedef boost::weak_ptr<const BaseImageAttribute> WeakImage;
 typedef boost::weak_ptr<const BaseStripAttribute> WeakStrip;
 
 // Conditions on images and strips. An attribute that has no value yet is not held against the others.
@@ -200,6 +199,8 @@ public:
     virtual unsigned long getSizeX() const;
     virtual unsigned long getSizeY() const;
     virtual image::eImageBufferType getImageBufferType() const;
+    /// The types that an image may have, of which the one above is one; that alone unless the family says otherwise.
+    virtual std::vector<image::eImageBufferType> getAllowedImageBufferTypes() const;
 
 private:
     WeakImage m_input;

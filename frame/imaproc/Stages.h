@@ -57,6 +57,25 @@ SameForAll<A> same(const typename A::StorageType& value)
 }
 
 template<class A>
+struct SameForAllIfSet
+{
+    const A& attribute;
+
+    template<class P, class Splits>
+    BoolResult addSplit(Splits& splits) const
+    {
+        return attribute.hasValue() ? SameForAll<A>{attribute.getStorage()}.template addSplit<P>(splits) : success();
+    }
+};
+
+/// The same value for every child where there is one: an attribute that is unset stays so.
+template<class A>
+SameForAllIfSet<A> sameIfSet(const boost::shared_ptr<A>& attribute)
+{
+    return {*attribute};
+}
+
+template<class A>
 struct SubImages
 {
     typename A::StorageType image;

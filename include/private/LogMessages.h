@@ -35,6 +35,9 @@ struct eORVIKIPLFeatureDetectionMessage
     enum domain { eNone = 0 };
 };
 
+/// Where failures of this library are logged, for ORVIK_THROW.
+extern const LogSource g_featureDetectionLogSource;
+
 }}  // namespace imaproc::fd
 
 namespace details {

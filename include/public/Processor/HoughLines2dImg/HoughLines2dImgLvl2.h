@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Library.h"
+
+#include "frame/processor/Processor.h"
+
+namespace orvik { namespace imaproc {
+
+namespace attr {
+struct InSubImg2d;
+struct InOptHoughLinesImgParams;
+struct OutImg;
+}  // namespace attr
+
+namespace fd {
+
+/// Level 2: one plane. Its strips vote into one accumulator, which may have more rows than there are angles: they stay 0.
+class ORVIK_API HoughLines2dImgLvl2
+    : public processor::Processor<HoughLines2dImgLvl2, processor::BaseAsync2Processor, attr::InSubImg2d,
+                                  attr::InOptHoughLinesImgParams, attr::OutImg>
+{
+    ORVIK_PROCESSOR(HoughLines2dImgLvl2, 53)
+
+    processor::RetrievalResult retrieveFirstProvider(const core::BasePriority& priority,
+                                                     processor::ProviderPtr& provider) override;
+    processor::RetrievalResult retrieveSecondProvider(const core::BasePriority& priority,
+                                                      processor::ProviderPtr& provider) override;
+
+private:
+    processor::RulePtr createRule() const;
+};
+
+}  // namespace fd
+}}  // namespace orvik::imaproc

@@ -1,0 +1,84 @@
+#include "HoughLinesGeometry.h"
+
+#include "frame/imaproc/ImageRules.h"
+#include "frame/util/NumericLimits.h"
+
+#include <cmath>
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+double halfRhoOf(unsigned long sizeX, unsigned long sizeY, double rhoStep)
+{
+    const double halfX = static_cast<double>(sizeX - sizeX / 2), halfY = static_cast<double>(sizeY - sizeY / 2);
+    return std::trunc(1.0 + std::sqrt(halfX * halfX + halfY * halfY) / rhoStep);
+}
+
+unsigned long accumulatorSizeX(const image::BaseImage& plane, const HoughLinesImgParams& params)
+{
+    const double given = params.get<HoughLinesImgParams::RhoStep>();
+    const double rhoStep = given >= NumericLimits<double>::s_eps ? given : 1.0;
+    const double halfRho = halfRhoOf(plane.getSizeX(), plane.getSizeY(), rhoStep), limit = 4611686018427387904.0;  // 2^62
+    return 2 * static_cast<unsigned long>(halfRho < limit ? halfRho : limit);
+}
+
+bool isCyclic(const HoughLinesImgParams& params)
+{
+    return params.get<HoughLinesImgParams::ThetaMin>() <= 0.0 && params.get<HoughLinesImgParams::ThetaMax>() >= M_PI;
+}
+
+unsigned long accumulatorSizeY(const HoughLinesImgParams& params, const HoughLinesExtractionParams& extraction)
+{
+    const unsigned long nbThetaBins = params.get<HoughLinesImgParams::NbThetaBins>();
+    return isCyclic(params) ? nbThetaBins + 2ul * extraction.get<HoughLinesExtractionParams::PeakDist>() : nbThetaBins;
+}
+
+namespace {
+
+class AccumulatorRule : public BaseImagePropertyRule
+{
+public:
+    AccumulatorRule(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made) : m_made(made)
+    {
+        initBase(input);
+    }
+    bool testRule() const override
+    {
+        return !getAttribute1()->hasValue() || (isPossible(m_made->getSizeX()) && isPossible(m_made->getSizeY()));
+    }
+    std::string createRuleFormalString() const override
+    {
+        return "accumulator of " + getAttribute1()->getObjectName() + " has 1 to " + std::to_string(s_most)
+               + " bins along rho and along theta";
+    }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        std::string text = createRuleEvaluatedStartString(depth) + createRuleFormalString();
+        if (getAttribute1()->hasValue())
+            text += ": " + std::to_string(m_made->getSizeX()) + " along rho, " + std::to_string(m_made->getSizeY())
+                    + " along theta";
+        return text + "\n";
+    }
+
+private:
+    static const unsigned long s_most = NumericLimits<int>::s_max;
+    static bool isPossible(unsigned long nbBins) { return nbBins >= 1 && nbBins <= s_most; }
+
+    boost::shared_ptr<const BaseCustomImageInfo> m_made;
+};
+
+}  // namespace
+
+processor::RulePtr accumulatorHasBins(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made)
+{
+    return boost::make_shared<AccumulatorRule>(input, made);
+}
+
+double thetaStepOf(const HoughLinesImgParams& params)
+{
+    return (params.get<HoughLinesImgParams::ThetaMax>() - params.get<HoughLinesImgParams::ThetaMin>())
+           / static_cast<double>(params.get<HoughLinesImgParams::NbThetaBins>());
+}
+
+}}}  // namespace orvik::imaproc::fd

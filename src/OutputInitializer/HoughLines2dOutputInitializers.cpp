@@ -1,0 +1,89 @@
+#include "OutputInitializer/HoughLines2dOutputInitializers.h"
+
+#include "HoughLinesGeometry.h"
+#include "WeakAttributes.h"
+
+#include "frame/attr/ValueAttributes.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+CustomHoughLines2dImgOutputInitializer::~CustomHoughLines2dImgOutputInitializer() = default;
+CustomHoughLines2dOutputInitializer::~CustomHoughLines2dOutputInitializer() = default;
+
+void CustomHoughLines2dImgOutputInitializer::init(const WeakImage& input, const WeakHoughLinesImgParams& params)
+{
+    checkNotNull<eOutputInitializerMessage>(input);
+    checkNotNull<eOutputInitializerMessage>(params);
+    initBase(input);
+    m_params = params;
+}
+
+boost::shared_ptr<const InOptHoughLinesImgParams> CustomHoughLines2dImgOutputInitializer::getParams() const
+{
+    return lockAttribute(m_params);
+}
+
+unsigned long CustomHoughLines2dImgOutputInitializer::getSizeX() const
+{
+    return accumulatorSizeX(*getInputImage(), *getParams()->getDataItemNode());
+}
+
+unsigned long CustomHoughLines2dImgOutputInitializer::getSizeY() const
+{
+    return getParams()->getDataItemNode()->get<HoughLinesImgParams::NbThetaBins>();
+}
+
+image::eImageBufferType CustomHoughLines2dImgOutputInitializer::getImageBufferType() const
+{
+    switch (getInputImage()->getBufferType()) {
+    case image::eIBT_Int8:
+    case image::eIBT_Int16:
+    case image::eIBT_Int32: return image::eIBT_Int32;
+    case image::eIBT_UInt8:
+    case image::eIBT_UInt16:
+    case image::eIBT_UInt32:
+    case image::eIBT_Binary:
+    case image::eIBT_Label16:
+    case image::eIBT_Label32: return image::eIBT_UInt32;
+    default: return image::eIBT_Real32;
+    }
+}
+
+void CustomHoughLines2dOutputInitializer::init(const WeakImage& input, const WeakHoughLinesImgParams& params,
+                                               const WeakHoughLinesExtractionParams& extractionParams)
+{
+    CustomHoughLines2dImgOutputInitializer::init(input, params);
+    checkNotNull<eOutputInitializerMessage>(extractionParams);
+    m_extractionParams = extractionParams;
+}
+
+unsigned long CustomHoughLines2dOutputInitializer::getSizeY() const
+{
+    return accumulatorSizeY(*getParams()->getDataItemNode(), *lockAttribute(m_extractionParams)->getDataItemNode());
+}
+
+image::eImageBufferType CustomHoughLines2dOutputInitializer::getImageBufferType() const
+{
+    return getInputImage()->getBufferType() == image::eIBT_Real32 ? image::eIBT_Real32 : image::eIBT_UInt32;
+}
+
+boost::shared_ptr<CustomHoughLines2dImgOutputInitializer> outputHoughLines2dImg(const WeakImage& input,
+                                                                                const WeakHoughLinesImgParams& params)
+{
+    const auto initializer = boost::make_shared<CustomHoughLines2dImgOutputInitializer>();
+    initializer->init(input, params);
+    return initializer;
+}
+
+boost::shared_ptr<CustomHoughLines2dOutputInitializer> outputHoughLines2d(
+    const WeakImage& input, const WeakHoughLinesImgParams& params,
+    const WeakHoughLinesExtractionParams& extractionParams)
+{
+    const auto initializer = boost::make_shared<CustomHoughLines2dOutputInitializer>();
+    initializer->init(input, params, extractionParams);
+    return initializer;
+}
+
+}}}  // namespace orvik::imaproc::fd

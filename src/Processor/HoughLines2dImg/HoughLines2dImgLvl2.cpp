@@ -1,0 +1,47 @@
+#include "Processor/HoughLines2dImg/HoughLines2dImgLvl2.h"
+
+#include "CustomHoughLines2dOutImgSplit.h"
+#include "Rule/HoughLines2dRules.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/Stages.h"
+#include "frame/processor/ProcessorFactory.h"
+#include "siblings/Utility/Processor/EraseImg/EraseImgLvl2.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+ORVIK_REGISTER_PROCESSOR(HoughLines2dImgLvl2)
+
+HoughLines2dImgLvl2::HoughLines2dImgLvl2() = default;
+HoughLines2dImgLvl2::~HoughLines2dImgLvl2() = default;
+
+processor::RulePtr HoughLines2dImgLvl2::createRule() const
+{
+    const boost::shared_ptr<InSubImg2d>& in = attribute<InSubImg2d>();
+    const boost::shared_ptr<InOptHoughLinesImgParams>& params = attribute<InOptHoughLinesImgParams>();
+    const boost::shared_ptr<OutImg>& out = attribute<OutImg>();
+    return customImageProperty(out, houghLines2dCheckOutImgSzXEquals(in, params))
+           && houghLines2dCheckOutImgSzYGreaterOrEqual(out, params)
+           && customImageProperty(out, houghLines2dCheckOutImgBufferType(in, true)) && noInSitu(in, out);
+}
+
+processor::RetrievalResult HoughLines2dImgLvl2::retrieveFirstProvider(const core::BasePriority& priority,
+                                                                      processor::ProviderPtr& provider)
+{
+    const auto erase = processor::createInitialised<util::EraseImgLvl2>();
+    erase->set<OutSubImg2d>(value<OutImg>());
+    return processor::provideProcessor(erase, priority, provider);
+}
+
+processor::RetrievalResult HoughLines2dImgLvl2::retrieveSecondProvider(const core::BasePriority& priority,
+                                                                       processor::ProviderPtr& provider)
+{
+    return dispatch<HoughLines2dImgLvl3>(priority, provider, strips<InYStrip2d>(value<InSubImg2d>()),
+                                         SharedAccumulator{value<OutImg>()},
+                                         sameIfSet(attribute<InOptHoughLinesImgParams>()));
+}
+
+}}}  // namespace orvik::imaproc::fd

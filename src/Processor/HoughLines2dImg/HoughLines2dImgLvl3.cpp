@@ -1,0 +1,68 @@
+#include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
+
+#include "HoughLinesGeometry.h"
+#include "HoughLinesRowsMutexColl.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/ProcessorFactory.h"
+#include "frame/simd/KernelUnit.h"
+
+#include "frame/simd/OpenGeneric.h"
+#include "HoughLines2dImgKernel.h"
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+ORVIK_REGISTER_PROCESSOR(HoughLines2dImgLvl3)
+ORVIK_REGISTER_KERNELS(HoughLines2dImgLvl3, AllKernelTypes, core::eIS_Generic)
+
+HoughLines2dImgLvl3::HoughLines2dImgLvl3() = default;
+HoughLines2dImgLvl3::~HoughLines2dImgLvl3() = default;
+
+void HoughLines2dImgLvl3::setRowsMutexColl(const boost::shared_ptr<HoughLinesRowsMutexColl>& rowsMutexColl)
+{
+    m_rowsMutexColl = rowsMutexColl;
+}
+
+processor::StageResult HoughLines2dImgLvl3::preProcess()
+{
+    const HoughLinesImgParams& params = *value<InOptHoughLinesImgParams>();
+    const image::InputImageYStrip2d& strip = *value<InYStrip2d>();
+    const image::BaseImage& out = *value<OutImg>();
+    m_nbRows = params.get<HoughLinesImgParams::NbThetaBins>();
+    if (!m_rowsMutexColl || out.getSizeY() < m_nbRows)
+        return processor::StageResult(processor::eSRT_Failed,
+                                      getObjectName() + ": the accumulator has no lock for each of its rows, or "
+                                          + std::to_string(out.getSizeY()) + " rows for " + std::to_string(m_nbRows)
+                                          + " angles");
+
+    const double rhoStep = params.get<HoughLinesImgParams::RhoStep>();
+    const double thetaMin = params.get<HoughLinesImgParams::ThetaMin>(), thetaStep = thetaStepOf(params);
+    m_threshold = params.get<HoughLinesImgParams::PixelThreshold>();
+    // NaN for a step that is none, so that no vote finds a column.
+    const double halfRho = halfRhoOf(strip.getSizeX(), strip.getImageSizeY(), rhoStep);
+    m_centre = rhoStep > 0.0 ? halfRho : std::numeric_limits<double>::quiet_NaN();
+    m_cosines.resize(m_nbRows);
+    m_sines.resize(m_nbRows);
+    for (unsigned long t = 0; t < m_nbRows; ++t) {
+        double sine, cosine;
+        sincos(static_cast<double>(t) * thetaStep + thetaMin, &sine, &cosine);
+        m_cosines[t] = static_cast<float>(cosine / rhoStep);
+        m_sines[t] = static_cast<float>(sine / rhoStep);
+    }
+    m_firstRow = m_nbRows * strip.getStripStartOffsetY() / strip.getImageSizeY();
+
+    const unsigned long nbVoters = 2048, slack = 64;  // twice 8 KB stay in the first cache beside a row
+    m_positions.resize(nbVoters + slack);
+    m_weights.resize(nbVoters + slack);
+    m_nbVoters = 0;
+    m_segments.clear();
+    m_segments.reserve(nbVoters + 1);
+    return processor::StageResult(processor::eSRT_Done);
+}
+
+}}}  // namespace orvik::imaproc::fd
