@@ -67,6 +67,19 @@ inline void storeNarrow(float* to, Lanes<double>::type v)
 #endif
 }
 
+/// The whole numbers at or below, of values that fit into 32 bits.
+inline Lanes<float>::type floorOf(Lanes<float>::type v)
+{
+#if ORVIK_SET_BYTES == 64
+    return _mm512_maskz_roundscale_ps(0xffff, v, 0x09);  // towards -infinity, without exceptions
+#elif ORVIK_SET_BYTES == 32
+    return _mm256_floor_ps(v);
+#else
+    const Lanes<float>::type whole = __builtin_convertvector(__builtin_convertvector(v, Lanes<int>::type), Lanes<float>::type);
+    return whole - (whole > v ? Lanes<float>::type{} + 1.0f : Lanes<float>::type{});
+#endif
+}
+
 inline Lanes<float>::type squareRoot(Lanes<float>::type v)
 {
 #if ORVIK_SET_BYTES == 64
@@ -118,6 +131,23 @@ inline unsigned long bitsOf(V mask)
         return (unsigned int)_mm_movemask_epi8(_mm_packs_epi16((__m128i)mask, _mm_setzero_si128()));
     else
         return (unsigned int)_mm_movemask_ps((__m128)mask);
+#endif
+}
+
+/// a[0], b[0], a[1], b[1] and so on, of values of four bytes.
+template<class T, class V>
+inline void storePairs(T* to, V a, V b)
+{
+    static_assert(sizeof(T) == 4, "pairs of four bytes");
+#if ORVIK_SET_BYTES == 64
+    store(to, __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+    store(to + 16, __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31));
+#elif ORVIK_SET_BYTES == 32
+    store(to, __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11));
+    store(to + 8, __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15));
+#else
+    store(to, __builtin_shufflevector(a, b, 0, 4, 1, 5));
+    store(to + 4, __builtin_shufflevector(a, b, 2, 6, 3, 7));
 #endif
 }
 

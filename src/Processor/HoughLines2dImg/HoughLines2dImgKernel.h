@@ -51,71 +51,127 @@ Accum toAccum(Sample pixel)
     }
 }
 
-/// Nearest whole number, halves away from 0.
+/// Nearest whole number, halves away from 0. What is added lies just below one half: with that the sum is never rounded
+/// up to a whole number that v is not nearest to, and still is for halves.
 inline Ints nearest(Floats v)
 {
-    const Ints whole = __builtin_convertvector(v, Ints);
-    const Floats rest = v - __builtin_convertvector(whole, Floats);
-    return whole - (rest >= 0.5f) + (rest <= -0.5f);  // comparisons give -1
+    const Ints sign = reinterpret_cast<Ints>(v) & std::numeric_limits<int>::min();
+    const Floats half = reinterpret_cast<Floats>(reinterpret_cast<Ints>(Floats{} + 0.49999997f) | sign);
+    return __builtin_convertvector(v + half, Ints);
 }
 
-/// Columns and shares of a block of voters.
+/// What a voter adds to its column and to the next one. Sums of whole numbers wrap, which signed ones may not.
+template<class Accum>
+using Share = typename std::conditional<std::is_same<Accum, float>::value, float, unsigned int>::type;
+template<class Accum>
+struct Shares
+{
+    typedef Share<Accum> type __attribute__((vector_size(2 * sizeof(Share<Accum>))));
+};
+
+/// Voters of a line that are looked at together.
+constexpr unsigned long kMaxVotes = 512;
+
 template<class Accum>
 struct Votes
 {
-    // Sums of whole numbers wrap, which signed ones may not.
-    typedef typename std::conditional<std::is_same<Accum, float>::value, float, unsigned int>::type Share;
+    alignas(64) int column[kMaxVotes];
+    alignas(64) typename Shares<Accum>::type shares[kMaxVotes];
+};
 
-    alignas(64) int column[kBlock];
-    alignas(64) Share first[kBlock], second[kBlock];  // for the column and the next one
+/// What is known of the weights of voters.
+enum WeightKind
+{
+    eOne,    // all are 1 and the accumulator holds whole numbers, as of binary images
+    eLight,  // their shares can be rounded in 32 bits
+    eHeavy
 };
 
 template<class Accum>
+WeightKind kindOf(const float* weights, unsigned long n)
+{
+    float heaviest = 0.0f;
+    bool ones = true;
+    for (unsigned long i = 0; i < n; ++i) {
+        heaviest = std::max(heaviest, std::fabs(weights[i]));
+        ones &= weights[i] == 1.0f;
+    }
+    if (std::is_same<Accum, float>::value)
+        return heaviest < std::numeric_limits<float>::infinity() ? eLight : eHeavy;
+    return ones ? eOne : heaviest < 2147483648.0f ? eLight : eHeavy;
+}
+
+template<WeightKind Kind, class Accum>
 void computeVotes(const float* x, const float* weight, unsigned long n, float cosine, float offset, int centre,
                   Votes<Accum>& votes)
 {
-    typedef typename Lanes<typename Votes<Accum>::Share>::type Shares;
+    typedef typename Lanes<Share<Accum> >::type ShareLanes;
+    const ShareLanes one = ShareLanes{} + 1;
     for (unsigned long i = 0; i < n; i += Lanes<float>::count) {
         const Floats p = load(x + i) * cosine + offset;
-        Ints floor = __builtin_convertvector(p, Ints);
-        floor += __builtin_convertvector(floor, Floats) > p;
-        const Floats frac = p - __builtin_convertvector(floor, Floats), w = load(weight + i);
-        const Floats first = (1.0f - frac) * w, second = frac * w;
-        store(votes.column + i, floor + centre);
-        if constexpr (std::is_same<Accum, float>::value) {
-            store(votes.first + i, first);
-            store(votes.second + i, second);
+        const Floats floor = floorOf(p), frac = p - floor, rest = 1.0f - frac;
+        store(votes.column + i, __builtin_convertvector(floor, Ints) + centre);
+        Share<Accum>* const to = reinterpret_cast<Share<Accum>*>(votes.shares + i);
+        if constexpr (Kind == eOne) {
+            storePairs(to, rest >= 0.5f ? one : ShareLanes{}, frac >= 0.5f ? one : ShareLanes{});
         } else {
-            store(votes.first + i, reinterpret_cast<Shares>(nearest(first)));
-            store(votes.second + i, reinterpret_cast<Shares>(nearest(second)));
+            const Floats w = load(weight + i), first = rest * w, second = frac * w;
+            if constexpr (std::is_same<Accum, float>::value)
+                storePairs(to, first, second);
+            else
+                storePairs(to, reinterpret_cast<ShareLanes>(nearest(first)), reinterpret_cast<ShareLanes>(nearest(second)));
         }
     }
 }
 
-/// Adds shares one voter at a time, in the voters' order, which sums of floats depend on.
+/// Adds what one voter has to two bins at once.
 template<class Accum>
-void addVotes(typename Votes<Accum>::Share* __restrict row, const Votes<Accum>& votes, unsigned long n)
+void addVote(Share<Accum>* row, const Votes<Accum>& votes, unsigned long i)
+{
+    typename Shares<Accum>::type bins;
+    std::memcpy(&bins, row + votes.column[i], sizeof bins);
+    bins += votes.shares[i];
+    std::memcpy(row + votes.column[i], &bins, sizeof bins);
+}
+
+/// Sums of whole numbers may be formed in any order. Neighbours share bins, and a bin that was just stored is slow to load:
+/// so voters come from places far apart, in turn.
+template<class Accum>
+void addVotesInAnyOrder(Share<Accum>* __restrict row, Votes<Accum>& votes, unsigned long n)
+{
+    constexpr unsigned long nbPlaces = 16;
+    const unsigned long step = (n + nbPlaces - 1) / nbPlaces;
+    for (unsigned long i = n; i < nbPlaces * step; ++i) {  // who adds nothing
+        votes.column[i] = votes.column[i - n];
+        votes.shares[i] = typename Shares<Accum>::type{};
+    }
+    for (unsigned long from = 0; from < step; ++from)
+#pragma GCC unroll 16
+        for (unsigned long place = 0; place < nbPlaces; ++place)
+            addVote(row, votes, from + place * step);
+}
+
+/// Sums of floats are formed in the voters' order.
+inline void addVotesInOrder(float* __restrict row, const Votes<float>& votes, unsigned long n)
 {
     for (unsigned long i = 0; i < n; ++i) {
-        typename Votes<Accum>::Share* const bin = row + votes.column[i];
-        bin[0] += votes.first[i];
-        bin[1] += votes.second[i];
+        float* const bins = row + votes.column[i];
+        bins[0] += votes.shares[i][0];
+        bins[1] += votes.shares[i][1];
     }
 }
 
 /// The same for angles at which neighbours share their column: its sums stay in registers until the next column.
 template<class Accum>
-void addVotesByColumn(typename Votes<Accum>::Share* __restrict row, const Votes<Accum>& votes, unsigned long n)
+void addVotesByColumn(Share<Accum>* __restrict row, const Votes<Accum>& votes, unsigned long n)
 {
     for (unsigned long i = 0; i < n;) {
         const int column = votes.column[i];
-        typename Votes<Accum>::Share first = row[column], second = row[column + 1];
-        for (; i < n && votes.column[i] == column; ++i) {
-            first += votes.first[i];
-            second += votes.second[i];
-        }
-        row[column] = first;
-        row[column + 1] = second;
+        typename Shares<Accum>::type bins;
+        std::memcpy(&bins, row + column, sizeof bins);
+        for (; i < n && votes.column[i] == column; ++i)
+            bins += votes.shares[i];
+        std::memcpy(row + column, &bins, sizeof bins);
     }
 }
 
@@ -136,7 +192,7 @@ void addShare(Accum* row, unsigned long sizeX, double column, float share)
 
 /// The votes of a part of a line into the row of one angle.
 template<class Accum>
-void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, bool lightWeights,
+void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, WeightKind kind,
                float cosine, float offset, double centre)
 {
     // Positions rise, so all columns lie between those of the first and of the last voter; NaN lies nowhere.
@@ -145,7 +201,7 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
     const double exact = 8388608.0;  // floats below have whole numbers
     const bool inside = centre < exact && static_cast<double>(low) >= -centre
                         && static_cast<double>(high) < static_cast<double>(sizeX) - 1.0 - centre
-                        && static_cast<double>(high) < exact && lightWeights;
+                        && static_cast<double>(high) < exact && kind != eHeavy;
     if (!inside) {
         for (unsigned long i = 0; i < n; ++i) {
             const float p = x[i] * cosine + offset, floor = std::floor(p), frac = p - floor;
@@ -156,17 +212,21 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
         return;
     }
 
-    typedef typename Votes<Accum>::Share Share;
     Votes<Accum> votes;
-    Share* const shares = reinterpret_cast<Share*>(row);
+    Share<Accum>* const bins = reinterpret_cast<Share<Accum>*>(row);
     const float sharedColumns = 0.0625f;  // bins from one pixel to the next
-    for (unsigned long i = 0; i < n; i += kBlock) {
-        const unsigned long nbVotes = std::min(kBlock, n - i);
-        computeVotes<Accum>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
-        if (cosine < sharedColumns && cosine > -sharedColumns)
-            addVotesByColumn<Accum>(shares, votes, nbVotes);
+    for (unsigned long i = 0; i < n; i += kMaxVotes) {
+        const unsigned long nbVotes = std::min(kMaxVotes, n - i);
+        if (!std::is_same<Accum, float>::value && kind == eOne)
+            computeVotes<eOne>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
         else
-            addVotes<Accum>(shares, votes, nbVotes);
+            computeVotes<eLight>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
+        if (cosine < sharedColumns && cosine > -sharedColumns)
+            addVotesByColumn<Accum>(bins, votes, nbVotes);
+        else if constexpr (std::is_same<Accum, float>::value)
+            addVotesInOrder(bins, votes, nbVotes);
+        else
+            addVotesInAnyOrder(bins, votes, nbVotes);
     }
 }
 
@@ -176,19 +236,14 @@ template<class Accum, core::eInstructionSet Set>
 void HoughLines2dImgLvl3::vote()
 {
     image::BaseImage& out = *value<attr::OutImg>();
-    float heaviest = 0.0f;
-    for (unsigned int i = 0; i < m_nbVoters; ++i)
-        heaviest = std::max(heaviest, std::fabs(m_weights[i]));
-    const bool lightWeights = std::is_same<Accum, float>::value
-                                  ? heaviest < std::numeric_limits<float>::infinity()
-                                  : heaviest < 2147483648.0f;
+    const WeightKind kind = kindOf<Accum>(m_weights.data(), m_nbVoters);
     for (unsigned long i = 0; i < m_nbRows; ++i) {
-        const unsigned long t = m_firstRow + i < m_nbRows ? m_firstRow + i : m_firstRow + i - m_nbRows;
+        const unsigned long t = (m_firstRow + i) % m_nbRows;
         Accum* const row = static_cast<Accum*>(out.accessLine(t));
         m_rowsMutexColl->lock(t);
         for (const Segment& segment : m_segments)
             voteInRow(row, out.getSizeX(), &m_positions[segment.begin], &m_weights[segment.begin],
-                      segment.end - segment.begin, lightWeights, m_cosines[t], m_sines[t] * segment.y, m_centre);
+                      segment.end - segment.begin, kind, m_cosines[t], m_sines[t] * segment.y, m_centre);
         m_rowsMutexColl->unlock(t);
     }
     m_nbVoters = 0;

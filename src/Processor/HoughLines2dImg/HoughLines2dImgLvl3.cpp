@@ -56,12 +56,12 @@ processor::StageResult HoughLines2dImgLvl3::preProcess()
     }
     m_firstRow = m_nbRows * strip.getStripStartOffsetY() / strip.getImageSizeY();
 
-    const unsigned long nbVoters = 2048, slack = 64;  // twice 8 KB stay in the first cache beside a row
+    const unsigned long nbVoters = 4096, slack = 64;  // twice 16 KB stay near while all rows are gone through
     m_positions.resize(nbVoters + slack);
     m_weights.resize(nbVoters + slack);
     m_nbVoters = 0;
     m_segments.clear();
-    m_segments.reserve(nbVoters + 1);
+    m_segments.reserve(std::min(nbVoters, strip.getNbLines()) + 1);
     return processor::StageResult(processor::eSRT_Done);
 }
 
