@@ -6,7 +6,12 @@ namespace orvik::bench {
 
 void RatioReporter::ReportRuns(const std::vector<Run>& runs)
 {
-    ConsoleReporter::ReportRuns(runs);
+    std::vector<Run> shown;
+    for (const Run& run : runs)
+        if (run.repetitions == 1 || run.aggregate_name == "median" || run.aggregate_name == "cv")
+            shown.push_back(run);
+    if (!shown.empty())
+        ConsoleReporter::ReportRuns(shown);
     for (const Run& run : runs) {
         if (run.run_type != Run::RT_Iteration || run.error_occurred || run.iterations == 0)
             continue;
@@ -25,9 +30,9 @@ double RatioReporter::time(const std::string& name) const
 int runBenchmarks(int argc, char** argv, const std::vector<Ratio>& ratios)
 {
     std::vector<char*> arguments(argv, argv + argc);
-    char repetitions[] = "--benchmark_repetitions=5", order[] = "--benchmark_enable_random_interleaving=true";
+    char repetitions[] = "--benchmark_repetitions=25", time[] = "--benchmark_min_time=0.1", order[] = "--benchmark_enable_random_interleaving=true";
     char display[] = "--benchmark_display_aggregates_only=false";
-    arguments.insert(arguments.begin() + 1, {repetitions, order, display});
+    arguments.insert(arguments.begin() + 1, {repetitions, time, order, display});
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
