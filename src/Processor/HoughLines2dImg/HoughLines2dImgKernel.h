@@ -140,6 +140,7 @@ template<class Accum>
 void addVotesInAnyOrder(Share<Accum>* __restrict row, Votes<Accum>& votes, unsigned long n)
 {
     constexpr unsigned long nbPlaces = 16;
+    static_assert(kMaxVotes % nbPlaces == 0, "room for voters that add nothing");
     const unsigned long step = (n + nbPlaces - 1) / nbPlaces;
     for (unsigned long i = n; i < nbPlaces * step; ++i) {  // who adds nothing
         votes.column[i] = votes.column[i - n];
@@ -214,7 +215,7 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
 
     Votes<Accum> votes;
     Share<Accum>* const bins = reinterpret_cast<Share<Accum>*>(row);
-    const float sharedColumns = 0.0625f;  // bins from one pixel to the next
+    const float sharedColumns = 0.03125f;  // bins from one pixel to the next
     for (unsigned long i = 0; i < n; i += kMaxVotes) {
         const unsigned long nbVotes = std::min(kMaxVotes, n - i);
         if (!std::is_same<Accum, float>::value && kind == eOne)
