@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ProgramSupport.h"
+#include "FeatureList.h"
 
 #include <boost/shared_ptr.hpp>
 
@@ -16,12 +16,8 @@ namespace orvik::examples {
 /// What programs that list points of a picture are told alike.
 struct PointOptions
 {
-    std::string picture;
     unsigned int distance = 5;
-    unsigned long max = 0;
-    std::string folder = ".";
-    std::string format = "csv";  ///< csv or json
-    CommonOptions common;
+    ListOptions list;
 };
 
 /// Adds them, all but the picture, which comes first, and the common ones, which come last. `nearby` says what is true of
@@ -36,9 +32,8 @@ struct FoundPoints
     std::string kernels;
 };
 
-/// Reads the picture, finds `what`, writes NAME-what.csv, or .json, and NAME-what-overlay.png, the picture in grey with a
-/// red cross on each point, both files or none of them, and reports unless it is to be quiet. Lists have columns x, y and
-/// value in the order of the points, numbers so that they read back as they were.
+/// Reads the picture, finds `what`, writes a list with columns x, y and value and an overlay with a cross on each point,
+/// and reports unless it is to be quiet.
 void listPoints(const PointOptions& options, const std::string& what,
                 const std::function<FoundPoints(const Picture& picture)>& find);
 

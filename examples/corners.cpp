@@ -35,13 +35,13 @@ FoundPoints findCorners(const Picture& picture, const Options& options)
 {
     const auto corners = processor::createInitialised<imaproc::fd::HarrisCorner2dLvl1>();
     corners->set<attr::InImg>(wrapPicture(picture));
-    corners->set<attr::InLocalExtremaConfig>(attr::createLocalExtremaConfig(options.threshold, options.points.max));
+    corners->set<attr::InLocalExtremaConfig>(attr::createLocalExtremaConfig(options.threshold, options.points.list.max));
     corners->set<attr::InOptGradStdDev>(static_cast<float>(options.sigma));
     corners->set<attr::InFeaturesDistX>(options.points.distance);
     corners->set<attr::InFeaturesDistY>(options.points.distance);
     corners->set<attr::InOptCornerDetectionParams2d>(attr::CornerDetectionParams::createNode(
         options.measure == "harris" ? attr::eCRT_Harris : attr::eCRT_MinEigenvalue, static_cast<float>(options.k)));
-    runToEnd(*corners, "corners", options.points.common);
+    runToEnd(*corners, "corners", options.points.list.common);
 
     std::ostringstream settings;
     settings << "sigma       " << options.sigma << " pixels\nmeasure     " << options.measure;
@@ -61,8 +61,8 @@ int main(int argc, char** argv)
                  "line of x, y and value for each, and NAME-corners-overlay.png, the picture in grey with red crosses.",
                  "corners");
     Options options;
-    options.points.max = 500;
-    app.add_option("PICTURE", options.points.picture, "file to read; colour is taken as grey")->required()->type_name("");
+    options.points.list.max = 500;
+    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")->required()->type_name("");
     app.add_option("--sigma", options.sigma,
                    "standard deviation of the gradient and of its smoothing, 0.1 to 1000 pixels (default: 1)")
         ->check(isNumberFrom(0.1, 1000))
@@ -79,7 +79,7 @@ int main(int argc, char** argv)
         ->check(isNumberFrom(0))
         ->type_name("VALUE");
     addPointOptions(app, options.points, "no pixel this near along x and y has a greater value");
-    return runProgram(app, argc, argv, options.points.common, [&] {
+    return runProgram(app, argc, argv, options.points.list.common, [&] {
         listPoints(options.points, "corners", [&](const Picture& picture) { return findCorners(picture, options); });
     });
 }

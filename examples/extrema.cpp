@@ -46,8 +46,8 @@ FoundPoints findExtrema(const Picture& picture, const Options& options)
     extrema->set<attr::InFeaturesDistX>(options.points.distance);
     extrema->set<attr::InFeaturesDistY>(options.points.distance);
     extrema->set<attr::InOptLocalExtremaConfig>(
-        attr::LocalExtremaConfig::createNode(kind, options.threshold.value_or(all), options.points.max));
-    runToEnd(*extrema, "extrema", options.points.common);
+        attr::LocalExtremaConfig::createNode(kind, options.threshold.value_or(all), options.points.list.max));
+    runToEnd(*extrema, "extrema", options.points.list.common);
 
     std::ostringstream settings;
     settings << "kind        " << options.kind << "\nthreshold   ";
@@ -68,8 +68,8 @@ int main(int argc, char** argv)
                  "with red crosses.",
                  "extrema");
     Options options;
-    options.points.max = 1000;
-    app.add_option("PICTURE", options.points.picture, "file to read; colour is taken as grey")->required()->type_name("");
+    options.points.list.max = 1000;
+    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")->required()->type_name("");
     app.add_option("--kind", options.kind, "maxima, minima, strict-maxima or strict-minima (default: maxima)")
         ->check(CLI::IsMember({"maxima", "minima", "strict-maxima", "strict-minima"}))
         ->type_name("NAME");
@@ -78,7 +78,7 @@ int main(int argc, char** argv)
         ->check(isNumberFrom(-std::numeric_limits<double>::max()))
         ->type_name("LEVELS");
     addPointOptions(app, options.points, "no pixel this near along x and y is more extreme");
-    return runProgram(app, argc, argv, options.points.common, [&] {
+    return runProgram(app, argc, argv, options.points.list.common, [&] {
         listPoints(options.points, "extrema", [&](const Picture& picture) { return findExtrema(picture, options); });
     });
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the library and finds edges, corners and maxima of some photographs; the results are in out/.
+# Builds the library and finds edges, corners, maxima and lines of some photographs; the results are in out/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
@@ -47,7 +47,7 @@ getPhotographs()
 
 installMissing "${orvikPackages[@]}"
 cmake --preset release
-cmake --build build/release --target edges corners extrema
+cmake --build build/release --target edges corners extrema lines
 havePhotographs || getPhotographs
 
 for photograph in "${photographs[@]}"; do
@@ -58,6 +58,8 @@ echo
 build/release/bin/corners "$folder/camera.png" --max 200 -o out
 echo
 build/release/bin/extrema "$folder/coins.png" --distance 15 --threshold 150 -o out
+echo
+build/release/bin/lines "$folder/camera.png" --sigma 1.5 --low 15 --high 30 --threshold 0.4 -o out
 echo
 echo "Results in $PWD/out:"
 ls out

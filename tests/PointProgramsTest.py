@@ -1,20 +1,12 @@
 #!/usr/bin/env python3
 """Runs the programs that list points as a user does: PointProgramsTest.py PATH_OF_EXTREMA PATH_OF_CORNERS."""
 
-import csv
 import json
 import os
 import sys
 import unittest
 
-from programs import ProgramTestCase, read_png, write_png
-
-
-def read_csv(path):
-    with open(path, newline="") as file:
-        rows = list(csv.reader(file))
-    assert rows[0] == ["x", "y", "value"], rows[0]
-    return [tuple(float(number) for number in row) for row in rows[1:]]
+from programs import ProgramTestCase, read_csv, read_png, write_png
 
 
 class PointProgram:
@@ -24,7 +16,7 @@ class PointProgram:
 
     def list_of(self, *options, folder="."):
         self.succeed("discs.v1.png", "-o", folder, *options)
-        return read_csv(self.path(folder, "discs.v1-%s.csv" % self.what))
+        return read_csv(self.path(folder, "discs.v1-%s.csv" % self.what), ["x", "y", "value"])
 
     def test_files(self):
         points = self.list_of("--max", "20")
@@ -41,7 +33,7 @@ class PointProgram:
         for y, (shown, given) in enumerate(zip(overlay, self.picture)):
             self.assertEqual([(255, 0, 0) if (x, y) in crosses else (grey,) * 3 for x, grey in enumerate(given)], shown)
         self.succeed("discs.v1.png", "--max", "0")
-        self.assertEqual([], read_csv(self.path("discs.v1-%s.csv" % self.what)))
+        self.assertEqual([], read_csv(self.path("discs.v1-%s.csv" % self.what), ["x", "y", "value"]))
 
     def test_same_list_on_every_way(self):
         base = self.list_of("--threads", "1", "--instruction-set", "generic")

@@ -1,5 +1,6 @@
 """What the tests of the example programs share: pictures, running a program, what a refusal looks like."""
 
+import csv
 import os
 import random
 import struct
@@ -46,6 +47,14 @@ def read_png(path):
         rows.append([tuple(line[i:i + 3]) for i in range(0, len(line), 3)] if colour else list(line))
         above = line
     return rows
+
+
+def read_csv(path, names):
+    """Rows of numbers below the names of the columns."""
+    with open(path, newline="") as file:
+        rows = list(csv.reader(file))
+    assert rows[0] == names, rows[0]
+    return [tuple(float(number) for number in row) for row in rows[1:]]
 
 
 def textured(width, height):

@@ -1,0 +1,101 @@
+#include "EdgeStages.h"
+
+#include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <iomanip>
+#include <sstream>
+
+namespace orvik::examples {
+
+namespace attr = orvik::imaproc::attr;
+
+namespace {
+
+struct Gradient
+{
+    boost::shared_ptr<image::BaseImage> x, y;
+};
+
+// Both stages go through the processors, not through the functions gaussianGradient2dImg and cannyEdges2dImg that do
+// the same in one call: only a processor tells its progress.
+
+Gradient computeGradient(const Picture& picture, double sigma, const CommonOptions& common)
+{
+    const auto gradient = processor::createInitialised<imaproc::filter::GaussianGradient2dImgLvl1>();
+    gradient->set<attr::InImg>(wrapPicture(picture));
+    gradient->set<attr::InStdDevX>(static_cast<float>(sigma));
+    gradient->set<attr::InStdDevY>(static_cast<float>(sigma));
+    runToEnd(*gradient, "gradient", common);
+    return {gradient->getStorage<attr::OutOptGradXImg>(), gradient->getStorage<attr::OutOptGradYImg>()};
+}
+
+boost::shared_ptr<image::BaseImage> detectEdges(const Gradient& gradient, const EdgeThresholds& thresholds, bool viaLabels,
+                                                const CommonOptions& common)
+{
+    const auto canny = processor::createInitialised<imaproc::fd::CannyEdges2dImgLvl1>();
+    canny->set<attr::InGxGreyImg2d>(gradient.x);
+    canny->set<attr::InGyGreyImg2d>(gradient.y);
+    canny->set<attr::InCannyThresholds>(attr::CannyThresholds::createNode(thresholds.low, thresholds.high));
+    canny->set<attr::InOptOptimizationPolicy>(viaLabels ? attr::ePOP_Labels : attr::ePOP_Iterative);
+    runToEnd(*canny, "edges", common);
+    return canny->getStorage<attr::OutBinImg>();
+}
+
+}  // namespace
+
+void addEdgeOptions(CLI::App& app, EdgeOptions& options)
+{
+    app.add_option("--sigma", options.sigma, "standard deviation of the smoothing, 0.1 to 1000 pixels (default: 1)")
+        ->check(isNumberFrom(0.1, 1000))
+        ->type_name("PIXELS");
+    app.add_option("--low", options.low, "weak edges have a gradient above this, in grey levels per pixel")
+        ->check(isNumberFrom(0))
+        ->type_name("LEVELS");
+    app.add_option("--high", options.high,
+                   "strong edges have one above this; weak edges count when they hang together with strong ones "
+                   "(default: both thresholds from the picture)")
+        ->check(isNumberFrom(0))
+        ->type_name("LEVELS");
+}
+
+void checkEdgeOptions(const EdgeOptions& options)
+{
+    if (options.low && options.high && *options.low > *options.high)
+        throw CLI::ValidationError("--low", CLI::detail::to_string(*options.low) + " is above --high, "
+                                                + CLI::detail::to_string(*options.high));
+}
+
+Edges findEdges(const Picture& picture, const EdgeOptions& options, bool viaLabels, const CommonOptions& common,
+                StageTimes& times)
+{
+    const Gradient gradient = times.measure("gradient", [&] { return computeGradient(picture, options.sigma, common); });
+    const EdgeThresholds thresholds = times.measure(
+        "thresholds", [&] { return chooseThresholds(options.low, options.high, *gradient.x, *gradient.y); });
+    return {times.measure("edges", [&] { return detectEdges(gradient, thresholds, viaLabels, common); }), thresholds};
+}
+
+std::string describe(const EdgeOptions& options, const EdgeThresholds& thresholds)
+{
+    std::ostringstream text;
+    text << "sigma       " << options.sigma << " pixels\nthresholds  low " << thresholds.low << ", high " << thresholds.high
+         << " grey levels per pixel (" << thresholds.origin << ")\n";
+    return text.str();
+}
+
+std::string describeEdges(const std::vector<unsigned char>& mask)
+{
+    const auto nbEdges = std::count(mask.begin(), mask.end(), 255);
+    const double share = 100.0 * static_cast<double>(nbEdges) / static_cast<double>(mask.size());
+    std::ostringstream text;
+    text << "edges       " << nbEdges << " of " << mask.size() << " pixels (" << std::setprecision(3) << share << " %)\n";
+    return text.str();
+}
+
+}  // namespace orvik::examples
