@@ -1,5 +1,5 @@
-// Lists the straight lines of a picture: its gradient, its edges, and the lines that most edge pixels lie on. Reads a PNG,
-// JPEG or TIFF file, writes a list of lines and the picture with them.
+// Lists the straight lines of a picture: its gradient, its edges, and the lines that most edge pixels lie on. Reads a
+// PNG, JPEG or TIFF file, writes a list of lines and the picture with them.
 
 #include "EdgeStages.h"
 #include "FeatureList.h"
@@ -32,8 +32,28 @@ struct Options
     ListOptions list;
 };
 
-// Through the processor, not through the function houghLines2d that does the same in one call: only a processor tells its
-// progress.
+/// Angles go round: within as many as there are, every bin meets itself again and would hinder itself.
+void checkDistance(const Options& options)
+{
+    if (options.distance >= options.angles)
+        throw CLI::ValidationError("--distance", std::to_string(options.distance) + " is not below --angles, "
+                                                     + std::to_string(options.angles));
+}
+
+/// Up to 4 GiB of votes. Systems may grant more than they have and end the program when it is used.
+void checkNumberOfBins(const Picture& picture, const Options& options)
+{
+    const double diagonal = std::hypot(static_cast<double>(picture.sizeX), static_cast<double>(picture.sizeY));
+    const double nbAngles = options.angles + 2.0 * options.distance, most = 1073741824.0;
+    if (diagonal / options.rhoStep * nbAngles > most)
+        throw CLI::ValidationError("--rho-step", CLI::detail::to_string(options.rhoStep) + " with --angles "
+                                                     + std::to_string(options.angles) + " and --distance "
+                                                     + std::to_string(options.distance)
+                                                     + " gives more than a thousand million bins");
+}
+
+// Through the processor, not through the function houghLines2d that does the same in one call: only a processor tells
+// its progress.
 
 FeatureList findLines(const boost::shared_ptr<image::BaseImage>& edges, const Options& options)
 {
@@ -77,8 +97,10 @@ std::vector<unsigned char> drawLines(const Picture& picture, const FeatureList& 
 void run(const Options& options)
 {
     checkEdgeOptions(options.edges);
+    checkDistance(options);
     StageTimes times;
     const Picture picture = times.measure("read", [&] { return readPicture(options.list.picture); });
+    checkNumberOfBins(picture, options);
     const Edges edges = findEdges(picture, options.edges, false, options.list.common, times);
     const FeatureList lines = times.measure("lines", [&] { return findLines(edges.image, options); });
     const ListFiles files = times.measure(
@@ -104,9 +126,9 @@ void run(const Options& options)
 
 int main(int argc, char** argv)
 {
-    CLI::App app("Lists the straight lines of a PNG, JPEG or TIFF picture, those that most edge pixels lie on first. Writes\n"
-                 "NAME-lines.csv, a line of rho, theta and votes for each, and NAME-lines-overlay.png, the picture in grey\n"
-                 "with the lines in red: x * cos(theta) + y * sin(theta) = rho, in pixels and radians.",
+    CLI::App app("Lists the straight lines of a PNG, JPEG or TIFF picture, those that most edge pixels lie on first.\n"
+                 "Writes NAME-lines.csv, a line of rho, theta and votes for each, and NAME-lines-overlay.png, the\n"
+                 "picture in grey with the lines in red: x * cos(theta) + y * sin(theta) = rho, in pixels and radians.",
                  "lines");
     Options options;
     options.list.max = 50;
@@ -124,7 +146,8 @@ int main(int argc, char** argv)
         ->check(isNumberFrom(0, 1))
         ->type_name("SHARE");
     app.add_option("--distance", options.distance,
-                   "no bin this near has more votes, along distances and along angles, 0 to 10000 (default: 10)")
+                   "no bin this near has more votes, along distances and along angles, 0 to 10000 and below --angles\n"
+                   "(default: 10)")
         ->check(isWholeNumberTo(10000))
         ->type_name("BINS");
     addListOptions(app, options.list);

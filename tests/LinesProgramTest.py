@@ -20,24 +20,44 @@ class LinesProgramTest(ProgramTestCase):
         self.succeed("discs.v1.png", "-o", folder, *options)
         return read_csv(self.path(folder, "discs.v1-lines.csv"), ["rho", "theta", "votes"])
 
+    def assert_sides(self, lines, *options):
+        self.assertEqual(len(self.sides), len(lines), (options, lines))
+        for rho, theta in self.sides:
+            self.assertTrue(any(abs(line[0] - rho) < 1.5 and abs(line[1] - theta) < math.radians(1) for line in lines),
+                            (rho, theta, options, lines))
+
     def test_lists_the_sides_of_a_parallelogram(self):
-        lines = self.list_of("--max", "4", "--threshold", "0.3")
-        self.assertEqual(4, len(lines))
+        lines = self.list_of()
+        self.assert_sides(lines)
         self.assertEqual([line[2] for line in lines], sorted((line[2] for line in lines), reverse=True))
-        for rho, theta in self.sides:
-            near = [line for line in lines if abs(line[0] - rho) < 2 and abs(line[1] - theta) < math.radians(1.5)]
-            self.assertEqual(1, len(near), (rho, theta, lines))
-        self.assertEqual(lines[:2], self.list_of("--max", "2", "--threshold", "0.3"))
+        self.assertEqual(lines[:2], self.list_of("--max", "2"))
         self.assertEqual([line for line in lines if line[2] >= 0.9 * lines[0][2]], self.list_of("--threshold", "0.9"))
-        # Twice as many angles, half as wide bins: the same sides.
-        fine = self.list_of("--angles", "360", "--rho-step", "0.5", "--distance", "20", "--max", "4", "--threshold", "0.3")
-        for rho, theta in self.sides:
-            self.assertTrue(any(abs(line[0] - rho) < 1.5 and abs(line[1] - theta) < math.radians(1) for line in fine))
+        # Finer bins share out the votes, and a line takes up more of them.
+        fine = ("--angles", "360", "--rho-step", "0.5", "--distance", "20", "--threshold", "0.3")
+        self.assert_sides(self.list_of(*fine), *fine)
+        # Bins are counted from the centre.
+        for rho, theta, _ in self.list_of("--rho-step", "7"):
+            bins = (rho - 85 * math.cos(theta) - 60 * math.sin(theta)) / 7
+            self.assertAlmostEqual(round(bins), bins)
+
+    def test_lists_the_strongest_line_at_any_distance(self):
+        strongest = self.list_of("--max", "1")
+        self.assertEqual(strongest, self.list_of("--distance", "179"))
+        self.assertEqual(strongest, self.list_of("--angles", "12", "--distance", "11", "--max", "1"))
+        self.assertEqual({0}, {theta for _, theta, _ in self.list_of("--angles", "1", "--distance", "0")})
+        # As far as half a turn away a line would meet itself.
+        for options in (("--distance", "180"), ("--angles", "10"), ("--angles", "1", "--distance", "1")):
+            self.refuse(2, ["--distance", "--angles", options[1]], "discs.v1.png", *options)
+
+    def test_lists_nothing_where_nothing_is(self):
+        write_png(self.path("discs.v1.png"), [[200] * 40] * 30)
+        self.assertEqual([], self.list_of("--threshold", "0"))
+        self.assertEqual([[(200, 200, 200)] * 40] * 30, read_png(self.path("discs.v1-lines-overlay.png")))
 
     def test_writes_list_and_overlay(self):
-        lines = self.list_of("--max", "4", "--threshold", "0.3")
-        report = self.succeed("discs.v1.png", "--max", "4", "--threshold", "0.3", "--format", "json")
-        self.assertIn("lines       4 listed, at most 4\n", report)
+        lines = self.list_of()
+        report = self.succeed("discs.v1.png", "--format", "json")
+        self.assertIn("lines       4 listed, at most 50\n", report)
         self.assertRegex(report, r"time +read [\d.]+ ms, gradient .*, edges [\d.]+ ms, lines [\d.]+ ms, write")
         with open(self.path("discs.v1-lines.json")) as file:
             self.assertEqual(lines, [(line["rho"], line["theta"], line["votes"]) for line in json.load(file)])
@@ -57,13 +77,19 @@ class LinesProgramTest(ProgramTestCase):
             self.assertEqual(base, self.list_of(*way, folder="other"), way)
 
     def test_failures_leave_nothing(self):
-        os.makedirs(self.path("taken", "discs.v1-lines-overlay.png"))
-        self.refuse(1, ["overlay.png", "directory"], "discs.v1.png", "-o", "taken")
-        self.refuse(1, ["'missing.png'"], "missing.png")
+        with open(self.path("text.png"), "w") as file:
+            file.write("no picture")
+        self.refuse(1, ["'text.png'"], "text.png", "-o", "new")
+        self.refuse(1, ["'missing.png'"], "missing.png", "-o", "new")
+        for name in ("discs.v1-lines.csv", "discs.v1-lines-overlay.png"):
+            os.makedirs(self.path("taken" + name[-3:], name))
+            self.refuse(1, [name, "directory"], "discs.v1.png", "-o", "taken" + name[-3:])
         for option, value in (("--threshold", "2"), ("--threshold", "nan"), ("--angles", "0"), ("--angles", "1.5"),
                               ("--rho-step", "0"), ("--distance", "-1"), ("--max", "-1"), ("--format", "xml")):
             self.refuse(2, [option, value], "discs.v1.png", option, value)
         self.refuse(2, ["--low", "--high"], "discs.v1.png", "--low", "9", "--high", "3")
+        many = ("--rho-step", "0.01", "--angles", "36000", "--distance", "10000")  # 5 GB of votes
+        self.refuse(2, many, "discs.v1.png", *many)
 
 
 if __name__ == "__main__":
