@@ -38,6 +38,8 @@ typedef std::pair<boost::shared_ptr<attr::PlanIndexedHoughLines2dPpties>, boost:
 /// rho and along theta, and whose votes reach the threshold. Where the angles cover 0 to pi or more, the accumulator
 /// goes on for 2 * PeakDist rows with the first ones, mirrored, since theta + pi is the same line with -rho: a line near
 /// angle 0 is listed once. Over a smaller range the bins beside the first and the last row are none.
+/// A PeakDist of as many bins as there are angles, or more, sees each bin again in the rows that go on, as high as itself:
+/// then no line is left.
 ///
 /// @param inGreyImg  one plane, any of the eleven types: edges as a rule.
 /// @param inOptHoughLinesImgParams  bins and voters, see houghLines2dImg; null or not given: its defaults.

@@ -1,0 +1,192 @@
+// The votes of gathered pixels of one line, in the row of one angle. Included by the kernel, inside its set.
+
+#include "frame/simd/Simd.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+namespace {
+
+typedef Lanes<float>::type Floats;
+typedef Lanes<int>::type Ints;
+
+/// Nearest whole number, halves away from 0. What is added lies just below one half: with that the sum is never rounded
+/// up to a whole number that v is not nearest to, and still is for halves.
+inline Ints nearest(Floats v)
+{
+    const Ints sign = reinterpret_cast<Ints>(v) & std::numeric_limits<int>::min();
+    const Floats half = reinterpret_cast<Floats>(reinterpret_cast<Ints>(Floats{} + 0.49999997f) | sign);
+    return __builtin_convertvector(v + half, Ints);
+}
+
+/// What a voter adds to its column and to the next one. Sums of whole numbers wrap, which signed ones may not.
+template<class Accum>
+using Share = typename std::conditional<std::is_same<Accum, float>::value, float, unsigned int>::type;
+template<class Accum>
+struct Shares
+{
+    typedef Share<Accum> type __attribute__((vector_size(2 * sizeof(Share<Accum>))));
+};
+
+/// Voters of a line that are looked at together.
+constexpr unsigned long kMaxVotes = 512;
+
+template<class Accum>
+struct Votes
+{
+    alignas(64) int column[kMaxVotes];
+    alignas(64) typename Shares<Accum>::type shares[kMaxVotes];
+};
+
+/// What is known of the weights of voters.
+enum WeightKind
+{
+    eOne,    // all are 1 and the accumulator holds whole numbers, as of binary images
+    eLight,  // their shares can be rounded in 32 bits
+    eHeavy
+};
+
+template<class Accum>
+WeightKind kindOf(const float* weights, unsigned long n)
+{
+    float heaviest = 0.0f;
+    bool ones = true;
+    for (unsigned long i = 0; i < n; ++i) {
+        heaviest = std::max(heaviest, std::fabs(weights[i]));
+        ones &= weights[i] == 1.0f;
+    }
+    if (std::is_same<Accum, float>::value)
+        return heaviest < std::numeric_limits<float>::infinity() ? eLight : eHeavy;
+    return ones ? eOne : heaviest < 2147483648.0f ? eLight : eHeavy;
+}
+
+template<WeightKind Kind, class Accum>
+void computeVotes(const float* x, const float* weight, unsigned long n, float cosine, float offset, int centre,
+                  Votes<Accum>& votes)
+{
+    typedef typename Lanes<Share<Accum> >::type ShareLanes;
+    const ShareLanes one = ShareLanes{} + 1;
+    for (unsigned long i = 0; i < n; i += Lanes<float>::count) {
+        const Floats p = load(x + i) * cosine + offset;
+        const Floats floor = floorOf(p), frac = p - floor, rest = 1.0f - frac;
+        store(votes.column + i, __builtin_convertvector(floor, Ints) + centre);
+        Share<Accum>* const to = reinterpret_cast<Share<Accum>*>(votes.shares + i);
+        if constexpr (Kind == eOne) {
+            storePairs(to, rest >= 0.5f ? one : ShareLanes{}, frac >= 0.5f ? one : ShareLanes{});
+        } else {
+            const Floats w = load(weight + i), first = rest * w, second = frac * w;
+            if constexpr (std::is_same<Accum, float>::value)
+                storePairs(to, first, second);
+            else
+                storePairs(to, reinterpret_cast<ShareLanes>(nearest(first)), reinterpret_cast<ShareLanes>(nearest(second)));
+        }
+    }
+}
+
+/// Adds what one voter has to two bins at once.
+template<class Accum>
+void addVote(Share<Accum>* row, const Votes<Accum>& votes, unsigned long i)
+{
+    typename Shares<Accum>::type bins;
+    std::memcpy(&bins, row + votes.column[i], sizeof bins);
+    bins += votes.shares[i];
+    std::memcpy(row + votes.column[i], &bins, sizeof bins);
+}
+
+/// Sums of whole numbers may be formed in any order. Neighbours share bins, and a bin that was just stored is slow to load:
+/// so voters come from places far apart, in turn.
+template<class Accum>
+void addVotesInAnyOrder(Share<Accum>* __restrict row, Votes<Accum>& votes, unsigned long n)
+{
+    constexpr unsigned long nbPlaces = 16;
+    static_assert(kMaxVotes % nbPlaces == 0, "room for voters that add nothing");
+    const unsigned long step = (n + nbPlaces - 1) / nbPlaces;
+    for (unsigned long i = n; i < nbPlaces * step; ++i) {  // who adds nothing
+        votes.column[i] = votes.column[i - n];
+        votes.shares[i] = typename Shares<Accum>::type{};
+    }
+    for (unsigned long from = 0; from < step; ++from)
+#pragma GCC unroll 16
+        for (unsigned long place = 0; place < nbPlaces; ++place)
+            addVote(row, votes, from + place * step);
+}
+
+/// Sums of floats are formed in the voters' order.
+inline void addVotesInOrder(float* __restrict row, const Votes<float>& votes, unsigned long n)
+{
+    for (unsigned long i = 0; i < n; ++i) {
+        float* const bins = row + votes.column[i];
+        bins[0] += votes.shares[i][0];
+        bins[1] += votes.shares[i][1];
+    }
+}
+
+/// The same for angles at which neighbours share their column: its sums stay in registers until the next column.
+template<class Accum>
+void addVotesByColumn(Share<Accum>* __restrict row, const Votes<Accum>& votes, unsigned long n)
+{
+    for (unsigned long i = 0; i < n;) {
+        const int column = votes.column[i];
+        typename Shares<Accum>::type bins;
+        std::memcpy(&bins, row + column, sizeof bins);
+        for (; i < n && votes.column[i] == column; ++i)
+            bins += votes.shares[i];
+        std::memcpy(row + column, &bins, sizeof bins);
+    }
+}
+
+/// One share where its column may be anything.
+template<class Accum>
+void addShare(Accum* row, unsigned long sizeX, double column, float share)
+{
+    if (!(column >= 0.0 && column < static_cast<double>(sizeX)))
+        return;
+    if constexpr (std::is_same<Accum, float>::value) {
+        row[static_cast<unsigned long>(column)] += share;
+    } else {
+        const double rounded = share < 0.0f ? static_cast<double>(share) - 0.5 : static_cast<double>(share) + 0.5;
+        reinterpret_cast<unsigned int*>(row)[static_cast<unsigned long>(column)] +=
+            static_cast<unsigned int>(static_cast<long>(rounded));
+    }
+}
+
+/// The votes of a part of a line into the row of one angle.
+template<class Accum>
+void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, WeightKind kind,
+               float cosine, float offset, double centre)
+{
+    // Positions rise, so all columns lie between those of the first and of the last voter; NaN lies nowhere.
+    const float atFirst = x[0] * cosine + offset, atLast = x[n - 1] * cosine + offset;
+    const float low = std::min(atFirst, atLast), high = std::max(atFirst, atLast);
+    const double exact = 8388608.0;  // floats below have whole numbers
+    const bool inside = centre < exact && static_cast<double>(low) >= -centre
+                        && static_cast<double>(high) < static_cast<double>(sizeX) - 1.0 - centre
+                        && static_cast<double>(high) < exact && kind != eHeavy;
+    if (!inside) {
+        for (unsigned long i = 0; i < n; ++i) {
+            const float p = x[i] * cosine + offset, floor = std::floor(p), frac = p - floor;
+            const double column = static_cast<double>(floor) + centre;
+            addShare(row, sizeX, column, (1.0f - frac) * weight[i]);
+            addShare(row, sizeX, column + (frac != 0.0f ? 1.0 : 0.0), frac * weight[i]);
+        }
+        return;
+    }
+
+    Votes<Accum> votes;
+    Share<Accum>* const bins = reinterpret_cast<Share<Accum>*>(row);
+    const float sharedColumns = 0.03125f;  // bins from one pixel to the next
+    for (unsigned long i = 0; i < n; i += kMaxVotes) {
+        const unsigned long nbVotes = std::min(kMaxVotes, n - i);
+        if (!std::is_same<Accum, float>::value && kind == eOne)
+            computeVotes<eOne>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
+        else
+            computeVotes<eLight>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
+        if (cosine < sharedColumns && cosine > -sharedColumns)
+            addVotesByColumn<Accum>(bins, votes, nbVotes);
+        else if constexpr (std::is_same<Accum, float>::value)
+            addVotesInOrder(bins, votes, nbVotes);
+        else
+            addVotesInAnyOrder(bins, votes, nbVotes);
+    }
+}
+
+}  // namespace
+}}}  // namespace orvik::imaproc::fd
