@@ -177,10 +177,12 @@ TEST_P(HoughLinesKernel, VotesAsDefinedForAnyWidth)
         const ImagePtr plane = sparse(type(), {width, 1 + turn % 7}, 71 + turn);
         expectReference(plane, *many[turn++ % 4]);
     }
-    const GuardedImage tight(type(), {67, 40}, 0);
-    fillRandom(*tight.get(), 72);
-    for (const ParamsPtr& params : many)
-        expectReference(tight.get(), *params);
+    for (const ImageSizes& sizes : {ImageSizes(67, 40), ImageSizes(1100, 2)}) {
+        const GuardedImage tight(type(), sizes, 0);
+        fillRandom(*tight.get(), 72);
+        for (const ParamsPtr& params : many)
+            expectReference(tight.get(), *params);
+    }
     EXPECT_NE(0u, processor::getAlgorithmEntry(HoughLines2dImgLvl3::getTypeName()).lastEfficiency
                       + (set() == core::eIS_Generic ? 1 : 0))
         << "plain code ran instead of the forced set";
