@@ -380,6 +380,38 @@ TEST(Attributes, AreUnsetByNullAndByClearAndThenReadAsTheirDefault)
     EXPECT_FALSE(outputs->getStorage<OutTinyImg>());
 }
 
+/// Doubles the whole numbers whose name begins with E.
+struct Doubling : BaseLeafVisitor
+{
+    void visit(const char*, bool&) override {}
+    void visit(const char*, int&) override {}
+    void visit(const char*, long&) override {}
+    void visit(const char* name, unsigned int& value) override { value *= name[0] == 'E' ? 2 : 1; }
+    void visit(const char*, unsigned long&) override {}
+    void visit(const char*, float& value) override { value *= 2; }
+    void visit(const char*, double&) override {}
+};
+
+TEST(Attributes, TakeWhatAVisitorMakesOfTheirValueOrTheirDefault)
+{
+    Doubling doubling;
+    InOptReach reach;
+    const boost::shared_ptr<Reach> mine = Reach::createNode(1, 2, 3, 4, 5, 6, 0, 0);
+    reach.assign(mine);
+    EXPECT_TRUE(reach.setByVisitor(doubling));
+    EXPECT_EQ(4u, reach.getStorage()->get<Reach::EndX>());
+    EXPECT_EQ(3u, reach.getStorage()->get<Reach::StartY>());
+    EXPECT_EQ(2u, mine->get<Reach::EndX>()) << "the caller's record is the caller's";
+
+    attr::InOptGradStdDev deviation;
+    EXPECT_TRUE(deviation.setByVisitor(doubling));
+    EXPECT_TRUE(deviation.hasValue());
+    EXPECT_EQ(2.0f, deviation.getStorage());
+
+    EXPECT_FALSE(attr::OutMax().setByVisitor(doubling)) << "results are not set";
+    EXPECT_FALSE(InOptTinyImg().setByVisitor(doubling)) << "nor are images";
+}
+
 // --- stages
 
 template<class P>

@@ -15,6 +15,7 @@
 #include <condition_variable>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <thread>
 
@@ -77,24 +78,31 @@ TEST(Threads, GiveTheSameListsWhateverTheirNumberAndTheStrips)
         }
 }
 
-TEST(Threads, WorkAtTheSameTimeOnTheLinesOfOnePlane)
+TEST(Threads, AsManyAsAskedForWorkOnTheLinesOfOnePlane)
 {
-    const WithThreads threads(3);
+    const int nbThreads = 3;
+    const WithThreads threads(nbThreads);
     const WithGrain fine(1);
-    std::mutex mutex;
-    std::condition_variable changed;
-    int nbInside = 0;
-    bool met = false;
-    const OnLine onLine([&](unsigned long) {
-        std::unique_lock<std::mutex> lock(mutex);
-        met = ++nbInside == 2 || met;
-        changed.notify_all();
-        changed.wait_for(lock, std::chrono::seconds(5), [&] { return met; });
-        --nbInside;
-        return success();
-    });
-    executeSyncRun(hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 20))));
-    EXPECT_TRUE(met);
+    for (const bool inBackground : {false, true}) {  // where the caller is not one of them
+        std::mutex mutex;
+        std::condition_variable changed;
+        int nbInside = 0;
+        bool met = false;
+        const OnLine onLine([&](unsigned long) {
+            std::unique_lock<std::mutex> lock(mutex);
+            met = ++nbInside == nbThreads || met;
+            changed.notify_all();
+            changed.wait_for(lock, std::chrono::seconds(5), [&] { return met; });
+            --nbInside;
+            return success();
+        });
+        const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 20)));
+        if (inBackground)
+            waitForOutput<OutPIMarks>(startAsync(hook));
+        else
+            executeSyncRun(hook);
+        EXPECT_TRUE(met) << (inBackground ? "in the background" : "at once");
+    }
 }
 
 TEST(Threads, OneThreadRunsEverythingInOrderOnTheCallersOwn)
@@ -216,8 +224,10 @@ TEST(Background, ARunReturnsAtOnceAndCanBeWaitedFor)
         ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue());
         gate.waitForArrival();
         EXPECT_TRUE(hook->isRunning());
+        EXPECT_FALSE(hook->waitForEnd(1));
         EXPECT_FALSE(hook->hasFailed());
         gate.open();
+        EXPECT_TRUE(hook->waitForEnd(std::numeric_limits<unsigned long>::max()));
         EXPECT_EQ(expectedLines(*image), linesOf(*waitForOutput<OutPIMarks>(hook)));
         EXPECT_FALSE(hook->isRunning());
         EXPECT_EQ("", hook->getErrorMessage());

@@ -4,6 +4,9 @@
 #include "frame/core/Scheduler.h"
 #include "frame/util/FrameMessages.h"
 
+#include <algorithm>
+#include <chrono>
+
 namespace orvik { namespace core {
 
 namespace {
@@ -28,10 +31,11 @@ bool BaseRequestOrigin::isCancellationRequested() const
 
 void BaseRequestOrigin::reportProgress(unsigned long nbDone, unsigned long nbElements) const
 {
-    if (!m_run || !m_reportsProgress || !m_run->progress)
+    if (!m_run || !m_reportsProgress)
         return;
     const std::lock_guard<std::mutex> lock(m_run->progressMutex);
-    m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
+    if (m_run->progress)
+        m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
 }
 
 BaseAction::BaseAction() : m_run(std::make_shared<RunState>()) {}
@@ -155,6 +159,13 @@ void BaseAction::waitForEnd() const
 {
     std::unique_lock<std::mutex> lock(m_run->mutex);
     m_run->ended.wait(lock, [this] { return !m_run->running; });
+}
+
+bool BaseAction::waitForEnd(unsigned long milliseconds) const
+{
+    const unsigned long year = 365ul * 24 * 3600 * 1000;  // the clock's nanoseconds hold some hundreds of them
+    std::unique_lock<std::mutex> lock(m_run->mutex);
+    return m_run->ended.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, year)), [this] { return !m_run->running; });
 }
 
 bool BaseAction::isRunning() const

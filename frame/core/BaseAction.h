@@ -39,6 +39,8 @@ public:
 
     /// Blocks until the run in progress, if any, has ended. Not to be called from a progress callback.
     void waitForEnd() const;
+    /// The same for at most that long. Whether the run has ended.
+    bool waitForEnd(unsigned long milliseconds) const;
     bool isRunning() const;
     /// Whether the last run ended by a failure; its text is `getErrorMessage()`.
     bool hasFailed() const;
@@ -49,7 +51,7 @@ public:
     /// Its outputs then hold unspecified values. Without effect on an action that is not running.
     void requestCancellation();
     /// Called with the fraction, from 0 to 1, of the elements of the current stage that are done: on a working thread,
-    /// never twice at once. What it throws ends the run. Set it before the run.
+    /// never twice at once. What it throws ends the run. Set while a run is on, it hears of what is done from then on.
     void setProgressCallback(const std::function<void(double)>& callback);
 
     virtual bool isComplexAction() const;

@@ -57,10 +57,10 @@ char TaskHandOver::s_place = 0;
 #endif
 
 /// Threads that work together. Made once per number of threads and never destroyed: the threads of oneTBB may outlive
-/// whoever asked for them.
+/// whoever asked for them. No place is kept free for a caller: a run in the background has none that would take it.
 struct Pool
 {
-    explicit Pool(unsigned int nb) : nbThreads(nb), arena(static_cast<int>(nb)) {}
+    explicit Pool(unsigned int nb) : nbThreads(nb), arena(static_cast<int>(nb), 0) {}
     unsigned int nbThreads;
     tbb::task_arena arena;
 };
@@ -91,17 +91,19 @@ Pool& currentPool()
         return *t_pool;
     static std::mutex mutex;
     static std::map<unsigned int, Pool*>* const pools = new std::map<unsigned int, Pool*>;
-    static tbb::global_control* control = nullptr;
-    static unsigned int allowed = g_nbProcessors;
+    static std::unique_ptr<tbb::global_control>& control = *new std::unique_ptr<tbb::global_control>;
+    static unsigned int allowed = 0;
     const unsigned int nbThreads = getNbThreads();
     const std::lock_guard<std::mutex> lock(mutex);
     Pool*& pool = (*pools)[nbThreads];
     if (!pool)
         pool = new Pool(nbThreads);
     if (nbThreads > allowed) {
-        // oneTBB makes no more threads than processors unless told; of two controls the lower one would win.
-        delete control;
-        control = new tbb::global_control(tbb::global_control::max_allowed_parallelism, nbThreads);
+        // oneTBB makes no more threads than processors, the caller's included, unless told; a run in the background
+        // has no caller. Of two controls the lower one would win, so the first goes.
+        control.reset();
+        control.reset(new tbb::global_control(tbb::global_control::max_allowed_parallelism,
+                                              std::max(nbThreads, g_nbProcessors) + 1));
         allowed = nbThreads;
     }
     return *pool;

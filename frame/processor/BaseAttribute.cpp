@@ -33,6 +33,11 @@ BoolResult BaseAttribute::read(BaseIArchive&)
     return success();
 }
 
+bool BaseAttribute::setByVisitor(BaseLeafVisitor&)
+{
+    return false;
+}
+
 BaseDataItemAttribute::~BaseDataItemAttribute() = default;
 BaseInputMandatoryDataItemAttribute::~BaseInputMandatoryDataItemAttribute() = default;
 BaseInputOptionalDataItemAttribute::~BaseInputOptionalDataItemAttribute() = default;

@@ -38,6 +38,11 @@ public:
     virtual BoolResult write(BaseOArchive& archive) const;
     virtual BoolResult read(BaseIArchive& archive);
 
+    /// Shows a parameter to whoever may change it, and takes the result as its value: the leaves of a record, or a number
+    /// or enumerator under the name "value". An attribute without value shows its default, or a new record. False for
+    /// images, strips and results.
+    virtual bool setByVisitor(BaseLeafVisitor& visitor);
+
 protected:
     void setHasValue(bool hasValue);
 
@@ -71,6 +76,15 @@ public:
     bool isStored() const override { return !isOutput(); }
     BoolResult write(BaseOArchive& archive) const override;
     BoolResult read(BaseIArchive& archive) override;
+    bool setByVisitor(BaseLeafVisitor& visitor) override
+    {
+        if (isOutput())
+            return false;
+        T value = m_value;
+        visitLeaf(visitor, "value", value);
+        initBase(value);
+        return true;
+    }
 
 private:
     T m_value = T();
@@ -136,6 +150,17 @@ public:
         if (result.getValue())
             init(value);
         return result;
+    }
+    bool setByVisitor(BaseLeafVisitor& visitor) override
+    {
+        if (!isStored())
+            return false;
+        const boost::shared_ptr<Entry> value = Entry::createNode();
+        if (m_value)
+            *value = *m_value;
+        value->visitLeaves(visitor);
+        init(value);
+        return true;
     }
 
 private:
