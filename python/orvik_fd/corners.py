@@ -1,0 +1,143 @@
+"""Corners."""
+
+from __future__ import annotations
+
+from typing import Optional
+
+import numpy
+
+from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground, named, shortForms
+from .enumerations import eCornerResponseType, memberOf
+from .extrema import ListOfEach
+from .images import Array
+
+#: No threshold: what every number reaches.
+_LOWEST = float(numpy.finfo(numpy.float32).min)
+
+
+def _harrisCorner2dImg(
+    inImg: Array,
+    inOptGradStdDev: Optional[float] = None,
+    outImg: Optional[Array] = None,
+    *,
+    nbStdDev: Optional[float] = None,
+    cornerResponseType: Optional[eCornerResponseType] = None,
+    harrisK: Optional[float] = None,
+    progress: Optional[Progress] = None,
+) -> Run[Array, Array]:
+    """Measures at each pixel of each plane how much the image changes in every direction, as it does at corners.
+
+    With the structure tensor (xx, xy; xy, yy), the products of the Gaussian gradient smoothed by the same Gaussian: the
+    Harris measure r = xx * yy - xy^2 - harrisK * (xx + yy)^2, of which the result is sqrt(r), or -sqrt(-r) where r is
+    below 0; or the smaller eigenvalue. After C. Harris, M. Stephens, "A combined corner and edge detector", Alvey Vision
+    Conference, 1988, and J. Shi, C. Tomasi, "Good features to track", IEEE CVPR, 1994.
+
+    Arguments:
+        inImg: of shape (y, x) to (t, c, z, y, x), any dtype that images have; every plane by itself. Outside a plane its
+            edge sample is repeated, and so are the products of its gradients.
+        inOptGradStdDev: standard deviation of gradient and smoothing, in pixels, finite and above 0. Default: 1.
+        outImg: an array of float32 of that shape that the result is written to. Default: a new one.
+        nbStdDev: standard deviations that the kernels cover on each side, finite and above 0. Default: 4.
+        cornerResponseType: eCRT_Harris or eCRT_MinEigenvalue. Default: eCRT_Harris.
+        harrisK: the constant of the Harris measure; the eigenvalue does not read it. Default: 0.04.
+        progress: called with the fraction of the current stage that is done, or a bar of tqdm.
+
+    Gives an array of float32 of that shape, in units of the squared sample per squared pixel: above 0 at corners, below 0
+    at edges.
+
+    Raises Error for a deviation or coverage that makes no kernel and for shapes that differ; TypeError and ValueError for
+    arguments that no image, number or type can be made of.
+    """
+    run: Run[Array, Array] = Run("fd::HarrisCorner2dImgLvl1", progress)
+    run.set("InImg", inImg=inImg)
+    _setMeasure(run, inOptGradStdDev, nbStdDev, cornerResponseType, harrisK)
+    run.give("OutImg", outImg=outImg)
+    return run.returning("OutImg")
+
+
+@shortForms(
+    ("inImg", "maxNbCorners", "featuresDist"),
+    ("inImg", "inOptGradStdDev", "maxNbCorners", "featuresDist"),
+    unless=("featuresDistX", "featuresDistY"),
+)
+def _harrisCorner2d(
+    inImg: Array,
+    inOptGradStdDev: Optional[float] = None,
+    maxNbCorners: Optional[int] = None,
+    threshold: Optional[float] = None,
+    featuresDistX: Optional[int] = None,
+    featuresDistY: Optional[int] = None,
+    *,
+    featuresDist: Optional[int] = None,
+    nbStdDev: Optional[float] = None,
+    cornerResponseType: Optional[eCornerResponseType] = None,
+    harrisK: Optional[float] = None,
+    progress: Optional[Progress] = None,
+) -> Run[Array, ListOfEach]:
+    """Lists the corners of a plane: the local maxima of its corner response (see harrisCorner2dImg), the strongest first.
+
+    A pixel is a corner when no response in the rectangle of 2 * featuresDistX + 1 columns and 2 * featuresDistY + 1 lines
+    about it is larger; of equal ones the first in scan order stays. Two short forms are called with positional arguments:
+    harrisCorner2d(inImg, maxNbCorners, featuresDist) and
+    harrisCorner2d(inImg, inOptGradStdDev, maxNbCorners, featuresDist).
+
+    Arguments:
+        inImg: one plane, of shape (y, x), any dtype that images have.
+        inOptGradStdDev, nbStdDev, cornerResponseType, harrisK: as for harrisCorner2dImg, with its defaults.
+        maxNbCorners: most corners that are listed; 0 lists none. Always to be given.
+        threshold: least response that is listed, in the unit of harrisCorner2dImg. Default: none, so that on an image with
+            few corners faint ones and such below 0 are listed.
+        featuresDistX, featuresDistY: half-sizes of the rectangle in pixels, 0 to 2147483647; 0 looks at no neighbours on
+            that axis. They may exceed the image.
+        featuresDist: both of them. This or the two are always to be given.
+        progress: called with the fraction of the current stage that is done, or a bar of tqdm.
+
+    Gives a structured array with fields X, Y (column and line, whole numbers at the centres of pixels) and Value, the
+    response.
+
+    Raises Error for an image of several planes (use the multiSlice_ form), a deviation or coverage that makes no kernel,
+    or a distance that is too large; TypeError and ValueError for arguments that no image, number or type can be made of.
+    """
+    if maxNbCorners is None:
+        raise TypeError("harrisCorner2d() needs the argument maxNbCorners")
+    nameX, distX = ("featuresDistX", featuresDistX) if featuresDist is None else ("featuresDist", featuresDist)
+    nameY, distY = ("featuresDistY", featuresDistY) if featuresDist is None else ("featuresDist", featuresDist)
+    if featuresDist is not None and (featuresDistX is not None or featuresDistY is not None):
+        raise TypeError("harrisCorner2d() takes featuresDist or featuresDistX and featuresDistY, not both")
+    if distX is None or distY is None:
+        raise TypeError("harrisCorner2d() needs the argument featuresDist, or featuresDistX and featuresDistY")
+    run: Run[Array, ListOfEach] = Run("fd::HarrisCorner2dLvl1", progress)
+    run.set("InImg", inImg=inImg)
+    _setMeasure(run, inOptGradStdDev, nbStdDev, cornerResponseType, harrisK)
+    run.set(
+        "InLocalExtremaConfig",
+        threshold=_LOWEST if threshold is None else threshold,
+        maxNbExtrema=named("maxNbCorners", maxNbCorners),
+    )
+    run.set("InFeaturesDistX", featuresDist=named(nameX, distX))
+    run.set("InFeaturesDistY", featuresDist=named(nameY, distY))
+    return run.returning("OutPIPixels2d")
+
+
+def _setMeasure(
+    run: Run[Array, Array] | Run[Array, ListOfEach],
+    inOptGradStdDev: Optional[float],
+    nbStdDev: Optional[float],
+    cornerResponseType: Optional[eCornerResponseType],
+    harrisK: Optional[float],
+) -> None:
+    run.set("InOptGradStdDev", inOptGradStdDev=inOptGradStdDev)
+    run.set("InOptGradientGaussianCoverage", nbStdDev=nbStdDev)
+    run.set(
+        "InOptCornerDetectionParams2d",
+        harrisK=harrisK,
+        **memberOf(eCornerResponseType, cornerResponseType=cornerResponseType),
+    )
+
+
+harrisCorner2dImg = foreground(_harrisCorner2dImg)
+harrisCorner2dImg_async = background(_harrisCorner2dImg)
+harrisCorner2d = foreground(_harrisCorner2d)
+harrisCorner2d_async = background(_harrisCorner2d)
+multiSlice_harrisCorner2d = everyPlane(_harrisCorner2d)
+multiSlice_harrisCorner2d_async = everyPlaneBackground(_harrisCorner2d)

@@ -1,0 +1,55 @@
+"""Edges."""
+
+from __future__ import annotations
+
+from typing import Optional
+
+from .calls import Progress, Run, background, foreground
+from .enumerations import eProcessingOptimizationPolicy, memberOf
+from .images import Array
+
+
+def _cannyEdges2dImg(
+    inGxImg2d: Array,
+    inGyImg2d: Array,
+    inOptimizationPolicy: Optional[eProcessingOptimizationPolicy] = None,
+    outImg: Optional[Array] = None,
+    *,
+    lowThreshold: float,
+    highThreshold: float,
+    progress: Optional[Progress] = None,
+) -> Run[Array, Array]:
+    """Finds edges in planes, from gradients such as those of gaussianGradient2dImg.
+
+    A pixel is a candidate when the magnitude of its gradient is above the low threshold and not less than that of its
+    neighbours along the gradient, taken in four sectors of 45 degrees. Candidates above the high threshold are edges,
+    and so are those that hang together with one through candidates, in the neighbourhood of eight. After J. Canny, "A
+    computational approach to edge detection", IEEE Trans. PAMI 8(6), 1986.
+
+    Arguments:
+        inGxImg2d, inGyImg2d: gradient along x and y, of shape (y, x) to (t, c, z, y, x), of equal shape and dtype, any
+            dtype that images have; every plane by itself. Reads 0 outside the image.
+        inOptimizationPolicy: ePOP_Labels finds what hangs together by labelling: passes independent of the picture, two
+            more images, at most 65535 components. Default: ePOP_Iterative, in place.
+        outImg: an array of that shape, not overlapping the gradients, that the result is written to. Default: a new one,
+            of bool. Arrays of bool or uint8 need no working image.
+        lowThreshold, highThreshold: in the unit of the gradients. Neither is checked against the other: with the low one
+            above the high one every candidate is an edge. A negative one acts as its absolute value.
+        progress: called with the fraction of the current stage that is done, or a bar of tqdm.
+
+    Gives an array of that shape: True (or 1) on edges.
+
+    Raises Error when shapes or dtypes differ, with both in its text; TypeError and ValueError for arguments that no image
+    or threshold can be made of.
+    """
+    run: Run[Array, Array] = Run("fd::CannyEdges2dImgLvl1", progress)
+    run.set("InGxGreyImg2d", inGxImg2d=inGxImg2d)
+    run.set("InGyGreyImg2d", inGyImg2d=inGyImg2d)
+    run.set("InCannyThresholds", lowThreshold=lowThreshold, highThreshold=highThreshold)
+    run.set("InOptOptimizationPolicy", **memberOf(eProcessingOptimizationPolicy, inOptimizationPolicy=inOptimizationPolicy))
+    run.give("OutBinImg", outImg=outImg)
+    return run.returning("OutBinImg")
+
+
+cannyEdges2dImg = foreground(_cannyEdges2dImg)
+cannyEdges2dImg_async = background(_cannyEdges2dImg)

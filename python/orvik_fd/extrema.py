@@ -1,0 +1,64 @@
+"""Local extrema."""
+
+from __future__ import annotations
+
+from typing import Dict, Optional, Tuple
+
+from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground
+from .enumerations import eLocalExtremumType, memberOf
+from .images import Array
+
+#: From (z, c, t) to the list of that plane.
+ListOfEach = Dict[Tuple[int, int, int], Array]
+
+
+def _extractLocalExtrema2d(
+    inImg: Array,
+    inFeaturesDistX: int,
+    inFeaturesDistY: int,
+    *,
+    localExtremumType: Optional[eLocalExtremumType] = None,
+    threshold: Optional[float] = None,
+    maxNbExtrema: Optional[int] = None,
+    progress: Optional[Progress] = None,
+) -> Run[Array, ListOfEach]:
+    """Lists the local extrema of a plane.
+
+    A pixel is listed when no pixel of the rectangle of 2 * inFeaturesDistX + 1 columns and 2 * inFeaturesDistY + 1 lines
+    about it is more extreme, and when its value passes the threshold. Pixels outside the image hinder nothing.
+
+    Arguments:
+        inImg: one plane, of shape (y, x), any dtype that images have.
+        inFeaturesDistX, inFeaturesDistY: half-sizes of the rectangle in pixels, 0 to 2147483647; 0 looks at no
+            neighbours on that axis. They may exceed the image.
+        localExtremumType: eLET_Maxima and eLET_Minima list the first pixel of a plateau that fits into one rectangle, the
+            strict types none of it. Default: eLET_Maxima.
+        threshold: what a maximum must reach, a minimum must not exceed; values are compared as 32-bit floats. Default:
+            the lowest finite float, which every maximum reaches and no minimum passes: with minima give one.
+        maxNbExtrema: at most that many are listed, the most extreme ones. Default: all.
+        progress: called with the fraction of the current stage that is done, or a bar of tqdm.
+
+    Gives a structured array with fields X, Y (column and line, whole numbers at the centres of pixels) and Value, the most
+    extreme ones first; equal values stand in no particular order, which is the same in every run. Pixels with the lowest
+    finite value of the dtype (the highest for minima) and NaN are never listed.
+
+    Raises Error for an image of several planes (use the multiSlice_ form) or a distance that is too large; TypeError and
+    ValueError for arguments that no image, number or type can be made of.
+    """
+    run: Run[Array, ListOfEach] = Run("fd::ExtractLocalExtrema2dLvl1", progress)
+    run.set("InImg", inImg=inImg)
+    run.set("InFeaturesDistX", inFeaturesDistX=inFeaturesDistX)
+    run.set("InFeaturesDistY", inFeaturesDistY=inFeaturesDistY)
+    run.set(
+        "InOptLocalExtremaConfig",
+        threshold=threshold,
+        maxNbExtrema=maxNbExtrema,
+        **memberOf(eLocalExtremumType, localExtremumType=localExtremumType),
+    )
+    return run.returning("OutPIPixels2d")
+
+
+extractLocalExtrema2d = foreground(_extractLocalExtrema2d)
+extractLocalExtrema2d_async = background(_extractLocalExtrema2d)
+multiSlice_extractLocalExtrema2d = everyPlane(_extractLocalExtrema2d)
+multiSlice_extractLocalExtrema2d_async = everyPlaneBackground(_extractLocalExtrema2d)

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include "frame/processor/BaseProcessor.h"
+
+#include <utility>
+#include <vector>
+
+namespace orvik { namespace python {
+
+/// One call of a function: a processor of the library, found by the name of its class, with its arguments, which is run
+/// once, at once or in the background.
+class Run
+{
+public:
+    /// @param progress  None, or called with the fraction that is done, on a thread of the library.
+    Run(const std::string& className, const pybind11::object& progress);
+
+    /// Gives an input its value: an array by the only argument, or a parameter as setParameter has it. None gives nothing.
+    void set(const std::string& attribute, const pybind11::kwargs& arguments);
+    /// Gives an array that a result is written to, by the only argument. None lets the library make one.
+    void give(const std::string& attribute, const pybind11::kwargs& argument);
+    /// The attributes that are the result: one, or a tuple of them.
+    void returns(const pybind11::args& attributes);
+
+    /// Runs to the end and gives the result. Signals are served; what a handler raises cancels the run.
+    /// @param everyPlane  lists of features of every plane, not of the only one.
+    pybind11::object execute(bool everyPlane);
+    /// Starts a run in the background.
+    void start(bool everyPlane);
+    /// Waits for the end, at most that many seconds, without limit when there is no number. Signals as by execute.
+    bool wait(const pybind11::object& seconds);
+    bool isDone() const;
+    void cancel();
+    /// The result of a run that has ended. @throws what ended it.
+    pybind11::object getResult() const;
+
+    const std::string& getClassName() const { return m_className; }
+
+    /// Cancels the runs that are on and waits for their end: before the interpreter goes.
+    static void endAll();
+
+private:
+    processor::BaseAttribute& attribute(const std::string& name) const;
+    void prepare(bool everyPlane);
+    void watchProgress();
+    bool waitMilliseconds(unsigned long milliseconds);
+    pybind11::object read(const std::string& name) const;
+    pybind11::object readLists(BasePlanIndexedColl& coll) const;
+
+    std::string m_className;
+    boost::shared_ptr<processor::BaseProcessor> m_processor;
+    pybind11::object m_progress;
+    std::vector<std::pair<std::string, pybind11::object> > m_given;
+    std::vector<std::string> m_results;
+    pybind11::ssize_t m_nbAxes = 2;
+    unsigned long m_nbSamples = 0;
+    bool m_everyPlane = false;
+};
+
+}}  // namespace orvik::python

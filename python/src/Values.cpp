@@ -1,0 +1,194 @@
+#include "Values.h"
+
+#include "frame/util/BaseException.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <map>
+
+namespace py = pybind11;
+
+namespace orvik { namespace python {
+
+namespace {
+
+std::string textOf(const py::handle& object)
+{
+    return py::repr(object);
+}
+
+template<class T>
+T toNumber(const py::handle& object, const std::string& name)
+{
+    static_assert(std::is_arithmetic<T>::value, "numbers");
+    if constexpr (std::is_floating_point<T>::value) {
+        const double number = PyFloat_AsDouble(object.ptr());
+        if (number == -1.0 && PyErr_Occurred()) {
+            PyErr_Clear();
+            throw py::type_error(name + ": a number is expected, not " + textOf(object));
+        }
+        if (std::isfinite(number) && std::abs(number) > std::numeric_limits<T>::max())
+            throw py::value_error(name + ": " + textOf(object) + " is beyond what a 32-bit float holds");
+        return static_cast<T>(number);
+    } else {
+        const py::object whole = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
+        if (!whole) {
+            PyErr_Clear();
+            throw py::type_error(name + ": a whole number is expected, not " + textOf(object));
+        }
+        if (std::is_unsigned<T>::value && whole < py::int_(0))
+            throw py::value_error(name + ": " + textOf(object) + " is negative");
+        const T lowest = std::numeric_limits<T>::min(), highest = std::numeric_limits<T>::max();
+        if (whole < py::int_(lowest) || whole > py::int_(highest))
+            throw py::value_error(name + ": " + textOf(object) + " is outside " + std::to_string(lowest) + " to "
+                                  + std::to_string(highest));
+        return whole.cast<T>();
+    }
+}
+
+/// Puts arguments into the leaves that they are named after.
+class ArgumentReader : public BaseLeafVisitor
+{
+public:
+    explicit ArgumentReader(const py::kwargs& arguments) : m_arguments(arguments) {}
+
+    void visit(const char* name, bool& value) override { put(name, value); }
+    void visit(const char* name, int& value) override { put(name, value); }
+    void visit(const char* name, long& value) override { put(name, value); }
+    void visit(const char* name, unsigned int& value) override { put(name, value); }
+    void visit(const char* name, unsigned long& value) override { put(name, value); }
+    void visit(const char* name, float& value) override { put(name, value); }
+    void visit(const char* name, double& value) override { put(name, value); }
+
+    std::size_t getNbPut() const { return m_nbPut; }
+
+private:
+    template<class T>
+    void put(const char* leafName, T& value)
+    {
+        const bool onlyOne = std::strcmp(leafName, "value") == 0;
+        std::string name(leafName);
+        name[0] = static_cast<char>(std::tolower(name[0]));
+        if (onlyOne)
+            name = (*m_arguments.begin()).first.cast<std::string>();
+        if (!m_arguments.contains(name.c_str()))
+            return;
+        ++m_nbPut;
+        const py::object argument = m_arguments[name.c_str()];
+        if (py::isinstance<py::tuple>(argument))
+            value = toNumber<T>(py::tuple(argument)[1], py::tuple(argument)[0].cast<std::string>());
+        else if (!argument.is_none())
+            value = toNumber<T>(argument, name);
+    }
+
+    const py::kwargs& m_arguments;
+    std::size_t m_nbPut = 0;
+};
+
+/// The layout of a record as a row of an array.
+struct RowLayout
+{
+    py::list names, formats, offsets;
+    py::ssize_t size = 0;
+};
+
+class LayoutReader : public BaseLeafVisitor
+{
+public:
+    explicit LayoutReader(RowLayout& layout) : m_layout(layout) {}
+
+    void visit(const char* name, bool& value) override { add(name, "?", sizeof value); }
+    void visit(const char* name, int& value) override { add(name, "i4", sizeof value); }
+    void visit(const char* name, long& value) override { add(name, "i8", sizeof value); }
+    void visit(const char* name, unsigned int& value) override { add(name, "u4", sizeof value); }
+    void visit(const char* name, unsigned long& value) override { add(name, "u8", sizeof value); }
+    void visit(const char* name, float& value) override { add(name, "f4", sizeof value); }
+    void visit(const char* name, double& value) override { add(name, "f8", sizeof value); }
+
+private:
+    void add(const char* name, const char* format, std::size_t size)
+    {
+        m_layout.names.append(name);
+        m_layout.formats.append(format);
+        m_layout.offsets.append(m_layout.size);
+        m_layout.size += static_cast<py::ssize_t>(size);
+    }
+
+    RowLayout& m_layout;
+};
+
+/// Writes the leaves of records one after the other, as RowLayout has them.
+class RowWriter : public BaseLeafVisitor
+{
+public:
+    explicit RowWriter(char* place) : m_place(place) {}
+
+    void visit(const char*, bool& value) override { write(value); }
+    void visit(const char*, int& value) override { write(value); }
+    void visit(const char*, long& value) override { write(value); }
+    void visit(const char*, unsigned int& value) override { write(value); }
+    void visit(const char*, unsigned long& value) override { write(value); }
+    void visit(const char*, float& value) override { write(value); }
+    void visit(const char*, double& value) override { write(value); }
+
+private:
+    template<class T>
+    void write(const T& value)
+    {
+        std::memcpy(m_place, &value, sizeof value);
+        m_place += sizeof value;
+    }
+
+    char* m_place;
+};
+
+/// What a row of a list is, found once for each kind of list. `coll` is an empty or filled list of that kind.
+py::dtype rowType(const char* listName, BaseDataItemNodeColl& coll)
+{
+    // Never destroyed: at the end of the process the interpreter is gone before statics are.
+    static std::map<std::string, py::dtype>& known = *new std::map<std::string, py::dtype>;
+    const auto found = known.find(listName);
+    if (found != known.end())
+        return found->second;
+    RowLayout layout;
+    LayoutReader reader(layout);
+    const bool isEmpty = coll.size() == 0;
+    BaseDataItemNode& row = isEmpty ? coll.appendNode() : const_cast<BaseDataItemNode&>(coll.getNode(0));
+    row.visitLeaves(reader);
+    if (isEmpty)
+        coll.clear();
+    return known.emplace(listName, py::dtype(layout.names, layout.formats, layout.offsets, layout.size)).first->second;
+}
+
+}  // namespace
+
+void setParameter(processor::BaseAttribute& attribute, const py::kwargs& arguments)
+{
+    bool isGiven = false;
+    for (const auto& argument : arguments) {
+        if (argument.second.is_none() && attribute.isMandatory())
+            throw py::type_error(argument.first.cast<std::string>() + ": a number is expected, not None");
+        isGiven = isGiven || !argument.second.is_none();
+    }
+    if (!isGiven)
+        return;
+    ArgumentReader reader(arguments);
+    if (!attribute.setByVisitor(reader) || reader.getNbPut() != arguments.size())
+        throw py::type_error(attribute.getObjectName() + " does not take " + textOf(arguments));
+}
+
+py::array toStructuredArray(BaseDataItemNode& list)
+{
+    BaseDataItemNodeColl& coll = *list.accessList();
+    const std::size_t size = coll.size();
+    py::array rows(rowType(list.getNodeName(), coll), std::vector<py::ssize_t>{static_cast<py::ssize_t>(size)});
+    RowWriter writer(static_cast<char*>(rows.mutable_data()));
+    const py::gil_scoped_release unlocked;
+    for (std::size_t i = 0; i < size; ++i)
+        const_cast<BaseDataItemNode&>(coll.getNode(i)).visitLeaves(writer);
+    return rows;
+}
+
+}}  // namespace orvik::python

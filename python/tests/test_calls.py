@@ -1,0 +1,267 @@
+"""Calls: at once, in the background, cancelled, from several threads; arguments that are wrong."""
+
+import inspect
+import os
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+import numpy
+import orvik_fd
+import pytest
+
+
+@pytest.fixture
+def large(rng):
+    return rng.random((1200, 1200)).astype(numpy.float32)
+
+
+def longCall(large, **more):
+    """Some seconds of work in many elements: a hundred planes, wide kernels."""
+    return orvik_fd.harrisCorner2dImg_async(numpy.broadcast_to(large, (100,) + large.shape), 8.0, **more)
+
+
+def test_aHandleWaitsAndGivesTheResult(large):
+    expected = orvik_fd.harrisCorner2dImg(large, 2)
+    handle = orvik_fd.harrisCorner2dImg_async(large, 2)
+    assert handle.wait() and handle.done()
+    assert (handle.result() == expected).all()
+    assert handle.result() is handle.result()
+    assert "ended" in repr(handle)
+    handle.cancel()
+    assert (handle.result(timeout=0) == expected).all()
+
+
+def test_aLongCallIsCancelled(large):
+    handle = longCall(large)
+    assert not handle.done() and not handle.wait(0.05) and not handle.wait(0)
+    with pytest.raises(TimeoutError, match="harrisCorner2dImg_async has not ended within 0.01 seconds"):
+        handle.result(timeout=0.01)
+    assert "running" in repr(handle)
+    handle.cancel()
+    for _ in range(2):
+        with pytest.raises(orvik_fd.CancelledError, match="The run was cancelled on request"):
+            handle.result()
+    assert handle.done() and handle.wait()
+
+
+def test_aClosedHandleSaysSo(large):
+    with longCall(large) as handle:
+        pass
+    handle.close()
+    assert "closed" in repr(handle)
+    for use in (handle.wait, handle.done, handle.result, handle.cancel):
+        with pytest.raises(ValueError, match="the handle of harrisCorner2dImg_async is closed"):
+            use()
+
+
+def test_aFailedHandleTellsTheReasonEachTime(small):
+    handle = orvik_fd.cannyEdges2dImg_async(small, small[:7], lowThreshold=1, highThreshold=2)
+    assert handle.wait()
+    texts = set()
+    for _ in range(2):
+        with pytest.raises(orvik_fd.Error, match="InGxGreyImg2d .56 x 40.*InGyGreyImg2d .56 x 7") as raised:
+            handle.result()
+        assert isinstance(raised.value, ValueError)
+        texts.add(str(raised.value))
+    with pytest.raises(orvik_fd.Error) as atOnce:
+        orvik_fd.cannyEdges2dImg(small, small[:7], lowThreshold=1, highThreshold=2)
+    assert len(texts) == 1 and "56 x 7" in str(atOnce.value)
+
+
+def test_aDroppedHandleGoesOn(large):
+    out = numpy.zeros((300, 300), numpy.float32)
+    orvik_fd.harrisCorner2dImg_async(large[:300, :300], 2, out)
+    expected = orvik_fd.harrisCorner2dImg(large[:300, :300], 2)
+    for _ in range(500):
+        if (out == expected).all():
+            break
+        time.sleep(0.01)
+    assert (out == expected).all()
+
+
+def test_otherThreadsGoOnMeanwhile(large):
+    ticks = []
+    stop = threading.Event()
+
+    def tick():
+        while not stop.is_set():
+            ticks.append(time.monotonic())
+            time.sleep(0.001)
+
+    ticker = threading.Thread(target=tick)
+    ticker.start()
+    begin = time.monotonic()
+    for _ in range(3):
+        orvik_fd.harrisCorner2dImg(large, 3)
+    orvik_fd.extractLocalExtrema2d(large, 1, 1)
+    end = time.monotonic()
+    stop.set()
+    ticker.join()
+    during = [t for t in ticks if begin <= t <= end]
+    assert len(during) >= 5
+    # Without the lock's release no tick would fall into a call.
+    longest = max(b - a for a, b in zip([begin] + during, during + [end]))
+    assert longest < (end - begin) / 2
+
+
+def test_threadsCallAtOnce(rng):
+    pictures = [rng.integers(0, 255, (97 + i, 120)).astype(numpy.uint8) for i in range(6)]
+    expected = [orvik_fd.harrisCorner2d(p, 50, 3) for p in pictures]
+    wrong = []
+
+    def work(i):
+        for _ in range(20):
+            found = orvik_fd.harrisCorner2d(pictures[i], 50, 3)
+            later = orvik_fd.harrisCorner2d_async(pictures[i], 50, 3).result()
+            if not ((found == expected[i]).all() and (later == expected[i]).all()):
+                wrong.append(i)
+
+    threads = [threading.Thread(target=work, args=(i,)) for i in range(6)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert wrong == []
+
+
+@pytest.mark.parametrize("call", [
+    "orvik_fd.harrisCorner2dImg(planes, 8.0)",
+    "orvik_fd.harrisCorner2dImg_async(planes, 8.0).result()",
+    "orvik_fd.harrisCorner2dImg(planes, 8.0, progress=lambda fraction: None)",
+    # Few samples, so that the caller's own thread works.
+    "orvik_fd.houghLines2dImg(numpy.ones((200, 200), bool), nbThetaBins=60000)",
+])
+def test_ctrlCCancels(call):
+    program = f"""
+import numpy, orvik_fd, sys, time
+orvik_fd.setNbThreads(1)
+planes = numpy.broadcast_to(numpy.random.default_rng(1).random((1200, 1200)).astype(numpy.float32), (300, 1200, 1200))
+print("ready", flush=True)
+begin = time.monotonic()
+try:
+    {call}
+    print("ended")
+except KeyboardInterrupt:
+    print("interrupted", time.monotonic() - begin)
+"""
+    process = subprocess.Popen([sys.executable, "-c", program], stdout=subprocess.PIPE, text=True)
+    assert process.stdout.readline() == "ready\n"
+    time.sleep(0.7)
+    process.send_signal(signal.SIGINT)
+    answer = process.stdout.read().split()
+    assert process.wait(60) == 0
+    assert answer[0] == "interrupted", "the call took no more than a second, or does not look for signals"
+
+
+def test_theEndOfTheProgramDoesNotWaitForWork():
+    program = """
+import numpy, orvik_fd
+planes = numpy.zeros((300, 1200, 1200), numpy.float32)
+seen = []
+handle = orvik_fd.harrisCorner2dImg_async(planes, 8.0, progress=seen.append)
+"""
+    begin = time.monotonic()
+    assert subprocess.run([sys.executable, "-c", program], timeout=120).returncode == 0
+    assert time.monotonic() - begin < 20, "the whole work takes minutes"
+
+
+def test_progressIsTold(large):
+    fractions = []
+    orvik_fd.harrisCorner2dImg(numpy.broadcast_to(large[:200, :200], (10, 200, 200)), 2, progress=fractions.append)
+    assert fractions == sorted(fractions) and fractions[-1] == 1.0 and len(fractions) == 10
+    fractions.clear()
+    orvik_fd.harrisCorner2dImg_async(large[:20, :20], 2, progress=fractions.append).result()
+    assert fractions and fractions[-1] == 1.0
+
+
+def test_progressGoesToABarOfTqdm(large):
+    tqdm = pytest.importorskip("tqdm", reason="tqdm is not installed: python3-tqdm").tqdm
+    with open(os.devnull, "w") as nowhere:
+        for total in (None, 50):
+            with tqdm(total=total, file=nowhere) as bar:
+                orvik_fd.harrisCorner2dImg(numpy.broadcast_to(large[:200, :200], (10, 200, 200)), 2, progress=bar)
+                assert bar.n == pytest.approx(bar.total)
+    with pytest.raises(TypeError, match="progress: .*not int"):
+        orvik_fd.harrisCorner2dImg(large, progress=3)
+
+
+def test_anExceptionOfTheCallbackEndsTheCall(large):
+    def refuse(fraction):
+        raise LookupError(f"enough at {fraction}")
+
+    planes = numpy.broadcast_to(large[:200, :200], (10, 200, 200))
+    with pytest.raises(LookupError, match="enough at 0.1"):
+        orvik_fd.harrisCorner2dImg(planes, 2, progress=refuse)
+    handle = orvik_fd.harrisCorner2dImg_async(planes, 2, progress=refuse)
+    with pytest.raises(LookupError, match="enough at 0.1"):
+        handle.result()
+
+
+def test_aCallbackMayCall(large):
+    counts = []
+
+    def nested(fraction):
+        counts.append(len(orvik_fd.extractLocalExtrema2d(large[:500, :500], 3, 3, maxNbExtrema=5)))
+
+    for nbThreads in (1, 2):
+        orvik_fd.setNbThreads(nbThreads)
+        orvik_fd.harrisCorner2dImg(large[:100, :100], 2, progress=nested)
+    assert counts and set(counts) == {5}
+
+
+@pytest.mark.parametrize("call, error, text", [
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, -1, 1), ValueError, "inFeaturesDistX: -1 is negative"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 2**32), ValueError, "inFeaturesDistY: 4294967296 is outside 0 to"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 2**31), orvik_fd.Error, "2147483648"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1.0, 1), TypeError, "inFeaturesDistX: a whole number"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, "1", 1), TypeError, "inFeaturesDistX: a whole number"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, maxNbExtrema=-5), ValueError, "maxNbExtrema: -5 is negative"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, maxNbExtrema=2**64), ValueError, "maxNbExtrema: .* outside"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, threshold="x"), TypeError, "threshold: a number"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, localExtremumType=4), ValueError, "localExtremumType: 4 .*eLET_Minima"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, localExtremumType=orvik_fd.eCornerResponseType.eCRT_Harris),
+     TypeError, "localExtremumType: .*eLocalExtremumType"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, maximum=5), TypeError, "extractLocalExtrema2d.* 'maximum'"),
+    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1), TypeError, "'inFeaturesDistY'"),
+    (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=1), TypeError, "'highThreshold'"),
+    (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=None, highThreshold=1), TypeError, "lowThreshold"),
+    (lambda a: orvik_fd.cannyEdges2dImg(a, a, 7, lowThreshold=1, highThreshold=2), ValueError, "inOptimizationPolicy: 7"),
+    (lambda a: orvik_fd.harrisCorner2d(a, featuresDist=3), TypeError, "maxNbCorners"),
+    (lambda a: orvik_fd.harrisCorner2d(a, maxNbCorners=3), TypeError, "featuresDist"),
+    (lambda a: orvik_fd.harrisCorner2d(a, maxNbCorners=3, featuresDist=3, featuresDistX=3), TypeError, "not both"),
+    (lambda a: orvik_fd.harrisCorner2d(a, -3, 3), ValueError, "maxNbCorners: -3 is negative"),
+    (lambda a: orvik_fd.harrisCorner2d(a, 3, -3), ValueError, "featuresDist: -3 is negative"),
+    (lambda a: orvik_fd.harrisCorner2d(a, 0.0, 3, 3), orvik_fd.Error, "InOptGradStdDev"),
+    (lambda a: orvik_fd.harrisCorner2dImg(a, 1e300), ValueError, "inOptGradStdDev: 1e.300 is beyond"),
+    (lambda a: orvik_fd.gaussianGradient2dImg(a), TypeError, "stdDev"),
+    (lambda a: orvik_fd.gaussianGradient2dImg(a, 1, coverage="wide"), TypeError, "coverage: a number"),
+    (lambda a: orvik_fd.houghLines2dImg(a, nbThetaBins=0), orvik_fd.Error, "0 along theta"),
+    (lambda a: orvik_fd.houghLines2dImg(a, nbThetaBins=2**31 - 1, rhoStep=1e-6), MemoryError, "there is no memory"),
+    (lambda a: orvik_fd.houghLines2d(a, peakDist=-1), ValueError, "peakDist: -1 is negative"),
+    (lambda a: orvik_fd.maxL2Norm2Msr(a, a.astype(numpy.int8)), orvik_fd.Error, "buffer type"),
+])
+def test_wrongArgumentsAreRefusedByName(small, call, error, text):
+    with pytest.raises(error, match=text):
+        call(small)
+
+
+def test_numbersOfNumPyAreNumbers(small):
+    found = orvik_fd.extractLocalExtrema2d(small, numpy.uint8(2), numpy.int64(2), threshold=numpy.float32(100))
+    assert (found == orvik_fd.extractLocalExtrema2d(small, 2, 2, threshold=100)).all()
+
+
+def test_helpTellsWhatAFunctionDoes():
+    functions = [getattr(orvik_fd, name) for name in orvik_fd.__all__]
+    functions = [f for f in functions if inspect.isfunction(f)]
+    assert len(functions) > 20
+    for function in functions:
+        text = inspect.getdoc(function)
+        assert len(text) > 20, function.__name__
+        for name, parameter in inspect.signature(function).parameters.items():
+            assert name in text, f"{function.__name__} does not tell of {name}"
+            assert parameter.annotation is not inspect.Parameter.empty
+    assert "Handle" in orvik_fd.cannyEdges2dImg_async.__doc__
+    assert str(inspect.signature(orvik_fd.cannyEdges2dImg)).startswith("(inGxImg2d: 'Array', inGyImg2d: 'Array', inOpt")
