@@ -8,6 +8,7 @@ import inspect
 from typing import Any, Callable, Generic, Optional, ParamSpec, Tuple, TypeVar, Union
 
 from . import _core
+from ._core import Run as Run
 
 P = ParamSpec("P")
 One = TypeVar("One")  #: what a function gives
@@ -21,15 +22,9 @@ Progress = Union[Callable[[float], Any], Any]
 atexit.register(_core.endAll)
 
 
-class Run(_core.Run, Generic[One, Every]):
-    """A call with its arguments, not yet run."""
-
-    def __init__(self, className: str, progress: Optional[Progress] = None):
-        super().__init__("orvik::imaproc::" + className, _callbackOf(progress))
-
-    def returning(self, *attributes: str) -> "Run[One, Every]":
-        self.returns(*attributes)
-        return self
+def newRun(className: str, progress: Optional[Progress]) -> Run[Any, Any]:
+    """A call of that class, not yet run."""
+    return Run(className, None if progress is None else _callbackOf(progress))
 
 
 class Handle(Generic[T]):
@@ -158,7 +153,7 @@ def named(name: str, value: Any) -> Any:
 
 
 def _callbackOf(progress: Any) -> Any:
-    if progress is None or callable(progress):
+    if callable(progress):
         return progress
     if hasattr(progress, "update") and hasattr(progress, "n"):
         if progress.total is None:

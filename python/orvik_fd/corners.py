@@ -6,7 +6,7 @@ from typing import Optional
 
 import numpy
 
-from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground, named, shortForms
+from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground, named, newRun, shortForms
 from .enumerations import eCornerResponseType, memberOf
 from .extrema import ListOfEach
 from .images import Array
@@ -48,7 +48,7 @@ def _harrisCorner2dImg(
     Raises Error for a deviation or coverage that makes no kernel and for shapes that differ; TypeError and ValueError for
     arguments that no image, number or type can be made of.
     """
-    run: Run[Array, Array] = Run("fd::HarrisCorner2dImgLvl1", progress)
+    run: Run[Array, Array] = newRun("fd::HarrisCorner2dImgLvl1", progress)
     run.set("InImg", inImg=inImg)
     _setMeasure(run, inOptGradStdDev, nbStdDev, cornerResponseType, harrisK)
     run.give("OutImg", outImg=outImg)
@@ -106,7 +106,7 @@ def _harrisCorner2d(
         raise TypeError("harrisCorner2d() takes featuresDist or featuresDistX and featuresDistY, not both")
     if distX is None or distY is None:
         raise TypeError("harrisCorner2d() needs the argument featuresDist, or featuresDistX and featuresDistY")
-    run: Run[Array, ListOfEach] = Run("fd::HarrisCorner2dLvl1", progress)
+    run: Run[Array, ListOfEach] = newRun("fd::HarrisCorner2dLvl1", progress)
     run.set("InImg", inImg=inImg)
     _setMeasure(run, inOptGradStdDev, nbStdDev, cornerResponseType, harrisK)
     run.set(

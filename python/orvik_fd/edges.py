@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from typing import Optional
 
-from .calls import Progress, Run, background, foreground
+from .calls import Progress, Run, background, foreground, newRun
 from .enumerations import eProcessingOptimizationPolicy, memberOf
 from .images import Array
 
@@ -42,7 +42,7 @@ def _cannyEdges2dImg(
     Raises Error when shapes or dtypes differ, with both in its text; TypeError and ValueError for arguments that no image
     or threshold can be made of.
     """
-    run: Run[Array, Array] = Run("fd::CannyEdges2dImgLvl1", progress)
+    run: Run[Array, Array] = newRun("fd::CannyEdges2dImgLvl1", progress)
     run.set("InGxGreyImg2d", inGxImg2d=inGxImg2d)
     run.set("InGyGreyImg2d", inGyImg2d=inGyImg2d)
     run.set("InCannyThresholds", lowThreshold=lowThreshold, highThreshold=highThreshold)

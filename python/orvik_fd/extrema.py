@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from typing import Dict, Optional, Tuple
 
-from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground
+from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground, newRun
 from .enumerations import eLocalExtremumType, memberOf
 from .images import Array
 
@@ -45,7 +45,7 @@ def _extractLocalExtrema2d(
     Raises Error for an image of several planes (use the multiSlice_ form) or a distance that is too large; TypeError and
     ValueError for arguments that no image, number or type can be made of.
     """
-    run: Run[Array, ListOfEach] = Run("fd::ExtractLocalExtrema2dLvl1", progress)
+    run: Run[Array, ListOfEach] = newRun("fd::ExtractLocalExtrema2dLvl1", progress)
     run.set("InImg", inImg=inImg)
     run.set("InFeaturesDistX", inFeaturesDistX=inFeaturesDistX)
     run.set("InFeaturesDistY", inFeaturesDistY=inFeaturesDistY)

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from typing import Optional, Tuple
 
-from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground
+from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground, newRun
 from .enumerations import eHoughLinesThresholdType, memberOf
 from .extrema import ListOfEach
 from .images import Array
@@ -42,7 +42,7 @@ def _houghLines2dImg(
     Raises Error for a result without bins or with too many; MemoryError with its size when there is no memory for it;
     TypeError and ValueError for arguments that no image or number can be made of.
     """
-    run: Run[Array, Array] = Run("fd::HoughLines2dImgLvl1", progress)
+    run: Run[Array, Array] = newRun("fd::HoughLines2dImgLvl1", progress)
     run.set("InGreyImg2d", inGreyImg=inGreyImg)
     _setBins(run, rhoStep, thetaMin, thetaMax, nbThetaBins, pixelThreshold)
     return run.returning("OutImg")
@@ -84,7 +84,7 @@ def _houghLines2d(
     MemoryError with their size when there is no memory for them; TypeError and ValueError for arguments that no image,
     number or type can be made of.
     """
-    run: Run[Tuple[Array, Array], Tuple[ListOfEach, Array]] = Run("fd::HoughLines2dLvl1", progress)
+    run: Run[Tuple[Array, Array], Tuple[ListOfEach, Array]] = newRun("fd::HoughLines2dLvl1", progress)
     run.set("InGreyImg2d", inGreyImg=inGreyImg)
     _setBins(run, rhoStep, thetaMin, thetaMax, nbThetaBins, pixelThreshold)
     run.set(

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from typing import Optional, Tuple
 
-from .calls import Progress, Run, background, foreground, named
+from .calls import Progress, Run, background, foreground, named, newRun
 from .images import Array
 
 #: The gradient along x and along y; None for one that was not asked for.
@@ -51,7 +51,7 @@ def _gaussianGradient2dImg(
         raise TypeError("gaussianGradient2dImg() takes stdDev or stdDevX and stdDevY, not both")
     if deviationX is None:
         raise TypeError("gaussianGradient2dImg() needs the argument stdDevX or stdDev")
-    run: Run[Gradients, Gradients] = Run("filter::GaussianGradient2dImgLvl1", progress)
+    run: Run[Gradients, Gradients] = newRun("filter::GaussianGradient2dImgLvl1", progress)
     run.set("InImg", in_=in_)
     run.set("InStdDevX", stdDev=named(nameX, deviationX))
     run.set("InStdDevY", stdDev=named(nameY, deviationY))
@@ -76,7 +76,7 @@ def _maxL2Norm2Msr(in1: Array, in2: Array, *, progress: Optional[Progress] = Non
     Raises Error when shapes or dtypes differ, with both in its text; TypeError and ValueError for arguments that no image
     can be made of.
     """
-    run: Run[float, float] = Run("fd::MaxL2Norm2MsrLvl1", progress)
+    run: Run[float, float] = newRun("fd::MaxL2Norm2MsrLvl1", progress)
     run.set("InImg1", in1=in1)
     run.set("InImg2", in2=in2)
     return run.returning("OutMax")

@@ -111,6 +111,15 @@ bool stridesOf(const py::array& array, image::ImageStrides& strides)
     return true;
 }
 
+const py::dtype& dtypeOf(eImageBufferType type)
+{
+    // Never destroyed: at the end of the process the interpreter is gone before statics are.
+    static const std::vector<py::dtype>& dtypes = *new std::vector<py::dtype>{
+        py::dtype("V1"), py::dtype("i1"), py::dtype("u1"), py::dtype("i2"), py::dtype("u2"), py::dtype("i4"),
+        py::dtype("u4"), py::dtype("f4"), py::dtype("?"), py::dtype("u2"), py::dtype("u4"), py::dtype("u1")};
+    return dtypes[type];
+}
+
 }  // namespace
 
 boost::shared_ptr<const image::BaseImage> readArray(const py::object& object, const std::string& name, py::ssize_t& nbAxes)
@@ -153,9 +162,8 @@ boost::shared_ptr<image::BaseImage> writeArray(const py::object& object, const s
 
 py::array toArray(const boost::shared_ptr<image::BaseImage>& image, py::ssize_t nbAxes)
 {
-    const char* const dtypes[] = {"", "i1", "u1", "i2", "u2", "i4", "u4", "f4", "?", "u2", "u4", "u1"};
     const eImageBufferType type = image->getBufferType();
-    const py::dtype dtype(dtypes[type]);
+    const py::dtype& dtype = dtypeOf(type);
     const image::ImageSizes& sizes = image->getGeometry().getSizes();
     const image::ImageStrides& strides = image->getStrides();
     const std::array<unsigned long, g_maxAxes> allSizes = {sizes.x, sizes.y, sizes.z, sizes.c, sizes.t};

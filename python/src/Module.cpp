@@ -52,10 +52,12 @@ PYBIND11_MODULE(_core, module)
 
     py::class_<Run>(module, "Run")
         .def(py::init<const std::string&, const py::object&>())
-        .def_property_readonly("className", &Run::getClassName)
         .def("set", &Run::set)
         .def("give", &Run::give)
-        .def("returns", &Run::returns)
+        .def("returning", [](py::object self, const py::args& attributes) {
+            self.cast<Run&>().returns(attributes);
+            return self;
+        })
         .def("execute", &Run::execute)
         .def("start", &Run::start)
         .def("wait", &Run::wait)

@@ -77,7 +77,8 @@ py::object onlyArgument(const std::string& attribute, const py::kwargs& argument
 }  // namespace
 
 Run::Run(const std::string& className, const py::object& progress)
-    : m_className(className), m_processor(processor::ProcessorFactory::getInstance().createProcessor(className)),
+    : m_className(className),
+      m_processor(processor::ProcessorFactory::getInstance().createProcessor("orvik::imaproc::" + className)),
       m_progress(progress)
 {
     if (!m_processor)

@@ -14,6 +14,7 @@ namespace orvik { namespace python {
 class Run
 {
 public:
+    /// @param className  within the library's namespace of image processing: "fd::CannyEdges2dImgLvl1".
     /// @param progress  None, or called with the fraction that is done, on a thread of the library.
     Run(const std::string& className, const pybind11::object& progress);
 
@@ -35,8 +36,6 @@ public:
     void cancel();
     /// The result of a run that has ended. @throws what ended it.
     pybind11::object getResult() const;
-
-    const std::string& getClassName() const { return m_className; }
 
     /// Cancels the runs that are on and waits for their end: before the interpreter goes.
     static void endAll();
