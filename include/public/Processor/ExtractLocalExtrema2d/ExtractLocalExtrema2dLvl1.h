@@ -47,12 +47,12 @@ class ExtractLocalExtrema2dLvl1;
 /// form) or a distance that is too large; the text names the attribute and both values.
 /// Cost: a few passes over the image, and some more with the logarithm of inFeaturesDistX; memory for
 /// 3 * inFeaturesDistY lines per thread, and for the list. The same list for any strips, threads and instruction set.
-ORVIK_API boost::shared_ptr<attr::Pixels2d> extractLocalExtrema2d(const boost::shared_ptr<const image::BaseImage>& inImg,
-                                                                  unsigned int inFeaturesDistX,
-                                                                  unsigned int inFeaturesDistY);
 ORVIK_API boost::shared_ptr<attr::Pixels2d> extractLocalExtrema2d(
     const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
     const boost::shared_ptr<const attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
+ORVIK_API boost::shared_ptr<attr::Pixels2d> extractLocalExtrema2d(const boost::shared_ptr<const image::BaseImage>& inImg,
+                                                                  unsigned int inFeaturesDistX,
+                                                                  unsigned int inFeaturesDistY);
 
 /// The same in the background; the list is had by getAsyncProcessorOutput.
 ORVIK_API boost::shared_ptr<ExtractLocalExtrema2dLvl1> extractLocalExtrema2d_async(

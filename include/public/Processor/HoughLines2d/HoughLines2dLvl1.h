@@ -55,11 +55,11 @@ typedef std::pair<boost::shared_ptr<attr::PlanIndexedHoughLines2dPpties>, boost:
 /// std::bad_alloc with the size that there is no memory for.
 /// Cost: that of houghLines2dImg, and some passes over the accumulator. The same lines for any strips, threads and
 /// instruction set where the image is not of floats; sums of floats depend on the order of strips with several threads.
-ORVIK_API HoughLines2dResult houghLines2d(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
 ORVIK_API HoughLines2dResult houghLines2d(
     const boost::shared_ptr<const image::BaseImage>& inGreyImg,
     const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
     const boost::shared_ptr<const attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
+ORVIK_API HoughLines2dResult houghLines2d(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
 
 /// The same in the background; lines and accumulator are had by getAsyncProcessorOutput.
 ORVIK_API boost::shared_ptr<HoughLines2dLvl1> houghLines2d_async(const boost::shared_ptr<const image::BaseImage>& inGreyImg);

@@ -46,10 +46,10 @@ class HoughLines2dImgLvl1;
 /// for.
 /// Cost: voters * NbThetaBins; memory for the accumulator, and for 2048 voters per thread. Whole numbers are the same for
 /// any strips, threads and instruction set; sums of floats are for one thread, and depend on the order of strips otherwise.
-ORVIK_API boost::shared_ptr<image::BaseImage> houghLines2dImg(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
 ORVIK_API boost::shared_ptr<image::BaseImage> houghLines2dImg(
     const boost::shared_ptr<const image::BaseImage>& inGreyImg,
     const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
+ORVIK_API boost::shared_ptr<image::BaseImage> houghLines2dImg(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
 
 /// The same in the background; the accumulator is had by getAsyncProcessorOutput.
 ORVIK_API boost::shared_ptr<HoughLines2dImgLvl1> houghLines2dImg_async(
