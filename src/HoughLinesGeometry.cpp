@@ -31,7 +31,9 @@ bool isCyclic(const HoughLinesImgParams& params)
 unsigned long accumulatorSizeY(const HoughLinesImgParams& params, const HoughLinesExtractionParams& extraction)
 {
     const unsigned long nbThetaBins = params.get<HoughLinesImgParams::NbThetaBins>();
-    return isCyclic(params) ? nbThetaBins + 2ul * extraction.get<HoughLinesExtractionParams::PeakDist>() : nbThetaBins;
+    if (!isCyclic(params) || nbThetaBins == 0)  // of no rows none can go on
+        return nbThetaBins;
+    return nbThetaBins + 2ul * extraction.get<HoughLinesExtractionParams::PeakDist>();
 }
 
 namespace {

@@ -299,6 +299,9 @@ TEST(HoughLines, RefuseWhatDoesNotFitInWords)
               thrownText<Refusal>([&] {
                   houghLines2d(plane, nullptr, HoughLinesExtractionParams::createNode(1, 0.5, 4294967295u));
               }).find("bins along rho and along theta: 8 along rho, 8589934770 along theta"));
+    EXPECT_NE(std::string::npos,
+              thrownText<Refusal>([&] { houghLines2d(plane, HoughLinesImgParams::createNode(1.0, 0.0, 4.0, 0u, 0.0f), nullptr); })
+                  .find("bins along rho and along theta: 8 along rho, 0 along theta"));
     // Where the angles do not go round, the distance has no rows to add, and sees the whole accumulator.
     setSample(*plane, 1, 3, 1);
     EXPECT_EQ(1u, houghLines2d(plane, HoughLinesImgParams::createNode(1.0, 0.0, 3.0, 60u, 0.0f),

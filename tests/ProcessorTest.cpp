@@ -250,11 +250,10 @@ TEST(Run, RefusesByTheRuleWithBothValuesAndTouchesNothing)
     outputs->set<InOptTinyImg>(blank(2, 2, 1, 1, image::eIBT_Int16));
     outputs->set<OutTinyImg>(given);
     EXPECT_EQ("Outputs refuses to run:\n"
-              "failed: both hold:\n"
-              "  failed: both hold:\n"
-              "    failed: size X x Y x Z x C x T of InTinyImg (2 x 2 x 1 x 1 x 1) equals that of OutTinyImg (3 x 2 x 1 x 1 x 1)\n"
-              "    failed: as InOptTinyImg is set holds:\n"
-              "      failed: buffer type of InTinyImg (unsigned 8 bits (type 2)) equals that of InOptTinyImg (signed 16 bits (type 3))\n"
+              "failed: all hold:\n"
+              "  failed: size X x Y x Z x C x T of InTinyImg (2 x 2 x 1 x 1 x 1) equals that of OutTinyImg (3 x 2 x 1 x 1 x 1)\n"
+              "  failed: as InOptTinyImg is set holds:\n"
+              "    failed: buffer type of InTinyImg (unsigned 8 bits (type 2)) equals that of InOptTinyImg (signed 16 bits (type 3))\n"
               "  ok: entries of OutPIMarks are the volumes (0, c, t) of InTinyImg\n",
               runFailure(outputs));
     EXPECT_EQ(0u, outputs->nbStages);

@@ -44,7 +44,7 @@ TEST(Rules, CombineByTheirTruthTables)
     EXPECT_FALSE(Not(yes)->testRule());
     EXPECT_TRUE(Not(no)->testRule());
     EXPECT_TRUE(none()->testRule());
-    EXPECT_EQ("failed: both hold:\n  ok: as no does not hold:\n    ok: yes\n  failed: does not hold:\n    ok: yes\n",
+    EXPECT_EQ("failed: all hold:\n  ok: as no does not hold:\n    ok: yes\n  failed: does not hold:\n    ok: yes\n",
               (If(no, no, yes) && Not(yes))->createRuleEvaluatedString(0));
 }
 

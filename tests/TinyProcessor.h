@@ -9,10 +9,13 @@
 
 #include "frame/imaproc/ImageInitializers.h"
 #include "frame/imaproc/ImageRules.h"
+#include "frame/imaproc/PlanIndexedInitializers.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/KernelRegistrator.h"
 #include "frame/serialization/PlanIndexedColl.h"
+
+#include <boost/smart_ptr/make_shared_array.hpp>
 
 #include <cstring>
 #include <functional>
@@ -201,8 +204,9 @@ class HashLvl1 : public processor::Processor<HashLvl1<Volumes>, processor::BaseA
     }
     void initInitializers(processor::InitializerMap& initializers)
     {
-        addInitializer<OutTinyImg>(initializers, duplicateInOut(this->template attribute<OutTinyImg>(),
-                                                                this->template attribute<InTinyImg>(), image::eIBT_UInt32));
+        this->template addInitializer<OutTinyImg>(
+            initializers, duplicateInOut(this->template attribute<OutTinyImg>(), this->template attribute<InTinyImg>(),
+                                         image::eIBT_UInt32));
     }
 };
 template<bool Volumes>
@@ -275,9 +279,9 @@ class CopyLvl1 : public processor::Processor<CopyLvl1<Lvl3, InStrip, OutStrip>, 
     }
     void initInitializers(processor::InitializerMap& initializers)
     {
-        addInitializer<OutTinyImg>(initializers,
-                                   duplicateInOut(this->template attribute<OutTinyImg>(),
-                                                  this->template attribute<InTinyImg>(), image::eImageBufferType()));
+        this->template addInitializer<OutTinyImg>(
+            initializers, duplicateInOut(this->template attribute<OutTinyImg>(), this->template attribute<InTinyImg>(),
+                                         image::eImageBufferType()));
     }
 };
 template<class Lvl3, class InStrip, class OutStrip>

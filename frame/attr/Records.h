@@ -43,10 +43,9 @@ ORVIK_RECORD(Pixel2d, (double, X)(double, Y)(double, Value));
 ORVIK_RECORD_COLL(Pixels2d, Pixel2d);
 ORVIK_PLAN_INDEXED(PlanIndexedPixels2d, Pixels2d);
 
-
-/// Bins of an accumulator of lines, and which pixels vote. A bin is `RhoStep` pixels wide; a width
-/// below 2^-52, or that is no number, makes an accumulator of the size of width 1, whose bins no vote reaches. `NbThetaBins` angles from `ThetaMin` on
-/// part the range that ends before `ThetaMax`, in radians. A pixel votes with its value when that is above
+/// Bins of an accumulator of lines, and which pixels vote. A bin is `RhoStep` pixels wide; a width below 2^-52, or that is
+/// no number, makes an accumulator of the size of width 1, whose bins no vote reaches. `NbThetaBins` angles from `ThetaMin`
+/// on part the range that ends before `ThetaMax`, in radians. A pixel votes with its value when that is above
 /// `PixelThreshold`.
 ORVIK_RECORD(HoughLinesImgParams, (double, RhoStep)(double, ThetaMin)(double, ThetaMax)(unsigned int, NbThetaBins)
                                   (float, PixelThreshold));

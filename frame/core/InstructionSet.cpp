@@ -1,7 +1,6 @@
 #include "frame/core/InstructionSet.h"
 
-#include <cstdlib>
-#include <cstring>
+#include "frame/core/Environment.h"
 
 namespace orvik { namespace core {
 
@@ -10,10 +9,13 @@ namespace {
 /// The highest set that the environment allows; all of them when the variable is unset or holds no known name.
 eInstructionSet readCeiling()
 {
-    const char* const name = std::getenv("ORVIK_MAX_INSTRUCTION_SET");
-    for (const eInstructionSet set : {eIS_Generic, eIS_Sse2, eIS_Avx, eIS_Avx2})
-        if (name && getInstructionSetName(set) == name)
+    const char* const variable = "ORVIK_MAX_INSTRUCTION_SET";
+    const std::string name = readEnvironment(variable);
+    for (const eInstructionSet set : {eIS_Generic, eIS_Sse2, eIS_Avx, eIS_Avx2, eIS_Avx512})
+        if (getInstructionSetName(set) == name)
             return set;
+    if (!name.empty())
+        warnOfEnvironment(variable, name, "generic, sse2, avx, avx2 or avx512");
     return eIS_Avx512;
 }
 

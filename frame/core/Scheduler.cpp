@@ -1,6 +1,7 @@
 #include "frame/core/Scheduler.h"
 
 #include "frame/core/BaseAction.h"
+#include "frame/core/Environment.h"
 
 #include <boost/weak_ptr.hpp>
 
@@ -8,6 +9,8 @@
 #include <tbb/info.h>
 #include <tbb/task_arena.h>
 #include <tbb/task_group.h>
+
+#include <pthread.h>
 
 #include <algorithm>
 #include <atomic>
@@ -68,6 +71,14 @@ struct Pool
 /// The pool whose thread this is; null outside.
 thread_local Pool* t_pool = nullptr;
 
+/// Whether this process was made by fork from one that had the library loaded: of its threads there is only the one that
+/// forked, and oneTBB would wait for the others for ever.
+std::atomic<bool> g_forked(false);
+const bool g_forkWatched = pthread_atfork(nullptr, nullptr, [] {
+                               g_forked = true;
+                               t_pool = nullptr;
+                           }) == 0;
+
 std::atomic<unsigned int> g_requestedThreads(0);
 std::atomic<unsigned long> g_stripGrain(0);
 
@@ -78,9 +89,14 @@ const unsigned int g_nbProcessors = static_cast<unsigned int>(tbb::info::default
 unsigned int defaultNbThreads()
 {
     static const unsigned int nb = [] {
-        const char* const text = std::getenv("ORVIK_NUM_THREADS");
-        const long asked = text ? std::strtol(text, nullptr, 10) : 0;
-        return static_cast<unsigned int>(asked > 0 && asked <= 1024 ? asked : g_nbProcessors);
+        const char* const variable = "ORVIK_NUM_THREADS";
+        const std::string text = readEnvironment(variable);
+        char* end = nullptr;
+        const long asked = std::strtol(text.c_str(), &end, 10);
+        const bool isNumber = *end == '\0' && asked >= 0 && asked <= 1024;  // 0 or nothing stands for the processors
+        if (!isNumber)
+            warnOfEnvironment(variable, text, "1 to 1024");
+        return static_cast<unsigned int>(isNumber && asked > 0 ? asked : g_nbProcessors);
     }();
     return nb;
 }
@@ -265,6 +281,8 @@ BackgroundRuns& backgroundRuns()
 
 void endBackgroundRuns()
 {
+    if (g_forked)
+        return;  // they run in the other process
     std::vector<boost::shared_ptr<BaseAction> > actions;
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
@@ -308,7 +326,7 @@ const char* getCancelledText()
 
 BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& origin)
 {
-    const unsigned int nbThreads = t_pool ? t_pool->nbThreads : getNbThreads();
+    const unsigned int nbThreads = g_forked ? 1 : t_pool ? t_pool->nbThreads : getNbThreads();
     const unsigned long nbActions = provider.start(nbThreads);
     StageRun stage(provider, origin, nbActions);
     const unsigned long nbWorkers = std::min<unsigned long>(nbThreads, nbActions);
@@ -349,6 +367,10 @@ BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& or
 
 void runInBackground(const boost::shared_ptr<BaseAction>& action, void (*work)(boost::shared_ptr<BaseAction> action))
 {
+    if (g_forked) {
+        work(action);
+        return;
+    }
     static const bool registered = std::atexit(&endBackgroundRuns) == 0;
     static_cast<void>(registered);
     Pool& pool = currentPool();
@@ -368,6 +390,8 @@ void runInBackground(const boost::shared_ptr<BaseAction>& action, void (*work)(b
 
 void forgetBackgroundRun(const BaseAction& action)
 {
+    if (g_forked)
+        return;
     const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
     backgroundRuns().actions.erase(&action);
 }

@@ -8,7 +8,8 @@ namespace orvik { namespace core {
 
 /// Threads that a run may use, the caller's own included. 0 asks for the default: the environment variable
 /// ORVIK_NUM_THREADS where it holds a number above 0, else one per processor that this process may use. Takes effect
-/// for runs that start later. With 1 everything runs in order on the calling thread.
+/// for runs that start later. With 1 everything runs in order on the calling thread; so it does in a process that was made
+/// by fork while the library was loaded, which has none of its threads: background runs, too, end there before they return.
 ORVIK_API void setNbThreads(unsigned int nbThreads);
 ORVIK_API unsigned int getNbThreads();
 

@@ -4,7 +4,7 @@
 #include "frame/image/Buffers.h"
 #include "frame/util/ProcessingResult.h"
 
-#include <boost/make_shared.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
 
 namespace orvik { namespace image {
 

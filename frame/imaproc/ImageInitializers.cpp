@@ -1,4 +1,5 @@
 #include "frame/imaproc/ImageInitializers.h"
+#include "frame/imaproc/PlanIndexedInitializers.h"
 
 #include "frame/util/FrameMessages.h"
 

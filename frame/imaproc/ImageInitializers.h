@@ -3,8 +3,6 @@
 #include "frame/imaproc/ImageAttributes.h"
 #include "frame/processor/BaseOutputInitializer.h"
 
-#include <boost/function.hpp>
-
 namespace orvik { namespace imaproc {
 
 /// Whether a new image is kept in one place; this frame runs in one process and knows one way.
@@ -16,12 +14,6 @@ enum eImageInitializerStoragePolicy : unsigned int
 enum ePromoteUnaryType : unsigned int
 {
     ePUT_Real = 4  ///< float 32 for all types: holds fractions, and keeps the sign
-};
-
-enum eFromImagePlanIndexedPolicy : unsigned int
-{
-    eFIPIP_Planes = 0,
-    eFIPIP_Volumes = 1
 };
 
 /// Makes an image from an input image.
@@ -141,48 +133,6 @@ class CustomImageInitializer : public BaseCustomImageInitializer
 {
 };
 
-/// Fills a plan-indexed output: an empty entry for each plane or volume of an input image that has none.
-class ORVIK_API BaseFromImagePlanIndexedInitializer : public processor::BaseOutputInitializer
-{
-public:
-    typedef boost::function<boost::shared_ptr<BaseSerializationObject>()> CreationFunction;
-
-    ~BaseFromImagePlanIndexedInitializer() override;
-    using processor::BaseOutputInitializer::initBase;
-    void initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
-                  const WeakImage& in, const eFromImagePlanIndexedPolicy& policy);
-    processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
-    using processor::BaseOutputInitializer::initAttribute;
-    BoolResult initAttribute() override;
-    virtual BoolResult initAttribute(BasePlanIndexedAttribute& attribute, unsigned long sizeZ, unsigned long sizeC,
-                                     unsigned long sizeT) = 0;
-    std::string createInitializerFormalString() const override;
-    std::string createInitializerEvaluatedString() const override;
-
-protected:
-    static void initPlanIndexed(unsigned long sizeZ, unsigned long sizeC, unsigned long sizeT, BasePlanIndexedColl& coll,
-                                const CreationFunction& creationFunction);
-
-private:
-    WeakImage m_input;
-    eFromImagePlanIndexedPolicy m_policy = eFIPIP_Planes;
-};
-
-template<class A>
-class FromImagePlanIndexedInitializer : public BaseFromImagePlanIndexedInitializer
-{
-public:
-    using BaseFromImagePlanIndexedInitializer::initAttribute;
-    BoolResult initAttribute(BasePlanIndexedAttribute& attribute, unsigned long sizeZ, unsigned long sizeC,
-                             unsigned long sizeT) override
-    {
-        if (!attribute.hasValue())
-            attribute.initEmpty();
-        initPlanIndexed(sizeZ, sizeC, sizeT, *attribute.accessStorage(), &A::Entry::createNode);
-        return success();
-    }
-};
-
 template<class In, class Out>
 processor::InitializerPtr duplicateInOut(const boost::shared_ptr<Out>& out, const boost::shared_ptr<In>& in,
                                          const image::eImageBufferType& type,
@@ -211,33 +161,6 @@ processor::InitializerPtr customOutput(const boost::shared_ptr<Out>& out,
     const boost::shared_ptr<CustomImageInitializer<Out> > initializer = boost::make_shared<CustomImageInitializer<Out> >();
     initializer->init(out, info);
     return initializer;
-}
-
-/// One empty entry per plane (z, c, t).
-template<class A, class In>
-processor::InitializerPtr fromImage(const boost::shared_ptr<A>& out, const boost::shared_ptr<In>& in)
-{
-    const boost::shared_ptr<FromImagePlanIndexedInitializer<A> > initializer =
-        boost::make_shared<FromImagePlanIndexedInitializer<A> >();
-    initializer->initBase(out, in, eFIPIP_Planes);
-    return initializer;
-}
-
-/// One empty entry per volume (c, t).
-template<class A, class In>
-processor::InitializerPtr fromImageButVolume(const boost::shared_ptr<A>& out, const boost::shared_ptr<In>& in)
-{
-    const boost::shared_ptr<FromImagePlanIndexedInitializer<A> > initializer =
-        boost::make_shared<FromImagePlanIndexedInitializer<A> >();
-    initializer->initBase(out, in, eFIPIP_Volumes);
-    return initializer;
-}
-
-/// Enters an initialiser under the name of its output.
-template<class A>
-void addInitializer(processor::InitializerMap& initializers, const processor::InitializerPtr& initializer)
-{
-    initializers[A::getObjectNameStr()] = initializer;
 }
 
 }}  // namespace orvik::imaproc

@@ -170,7 +170,7 @@ const Comparison g_notInSitu = {"memory", "differs from",
                                 [](const BaseAttribute& a) {
                                     return "at " + std::to_string(reinterpret_cast<std::size_t>(imageOf(a).getLine(0)));
                                 }};
-const Comparison g_inSituOrApart = {"memory", "is that of, or apart from that of",
+const Comparison g_inSituOrApart = {"memory", "is, or lies apart from,",
                                     [](const BaseAttribute& a, const BaseAttribute& b) {
                                         return isSame(imageOf(a), imageOf(b)) || !shareMemory(imageOf(a), imageOf(b));
                                     },

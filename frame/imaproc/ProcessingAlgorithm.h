@@ -6,6 +6,14 @@
 
 namespace orvik { namespace processor {
 
+namespace details {
+template<class First, class...>
+struct FirstOf
+{
+    typedef First type;
+};
+}  // namespace details
+
 /// What every Level 3 class repeats, written once. `D` adds to what Processor asks for:
 /// - `typedef ... ParserMode`, RawStripParserMode or LineStripParserMode;
 /// - `template<class Sample, core::eInstructionSet... Sets> BoolResult genericProcessFunction(const ProcessingInfo&)`,
@@ -15,7 +23,7 @@ template<class D, class... A>
 class ProcessingAlgorithm : public Processor<D, BaseProcessingAlgorithm, A...>
 {
 public:
-    typedef typename std::tuple_element<0, std::tuple<A...> >::type KeyStrip;
+    typedef typename details::FirstOf<A...>::type KeyStrip;
 
     static const AlgorithmFunctionSelector& retrieveFunctionSelector() { return entry().selector; }
     static AlgorithmFunctionSelector& accessFunctionSelector() { return entry().selector; }

@@ -30,11 +30,18 @@ public:
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
-        return createRuleEvaluatedStartString(depth) + "both hold:\n" + m_a->createRuleEvaluatedString(depth + 1)
-               + m_b->createRuleEvaluatedString(depth + 1);
+        return createRuleEvaluatedStartString(depth) + "all hold:\n" + createListOf(*this, depth + 1);
     }
 
 private:
+    /// A chain of such rules reads as one list.
+    static std::string createListOf(const BaseRule& rule, unsigned int depth)
+    {
+        const AndRule* const chain = dynamic_cast<const AndRule*>(&rule);
+        return chain ? createListOf(*chain->m_a, depth) + createListOf(*chain->m_b, depth)
+                     : rule.createRuleEvaluatedString(depth);
+    }
+
     RulePtr m_a, m_b;
 };
 

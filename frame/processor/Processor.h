@@ -3,11 +3,22 @@
 #include "frame/processor/AsyncProcessors.h"
 #include "frame/processor/ClassStatics.h"
 
-#include <boost/make_shared.hpp>
-
-#include <tuple>
+#include <boost/smart_ptr/make_shared_object.hpp>
 
 namespace orvik { namespace processor {
+
+namespace details {
+/// Where a processor holds one of its attributes; found by type. Cheaper to compile than a tuple.
+template<class A>
+struct AttributeSlot
+{
+    boost::shared_ptr<A> attribute;
+};
+template<class... A>
+struct AttributeSlots : AttributeSlot<A>...
+{
+};
+}  // namespace details
 
 /// What every processor class repeats, written once. `D` is the class, `B` the base that tells its stages, `A...` its
 /// attributes in declaration order; they may be forward declared where the class is.
@@ -39,7 +50,7 @@ public:
                            RulePtr& rule, const eProcessorRulePolicy& rulePolicy) override
     {
         attributes.clear();
-        (void(attributes.push_back(std::get<boost::shared_ptr<A> >(m_attributes) = boost::make_shared<A>())), ...);
+        (void(attributes.push_back(slot<A>().attribute = boost::make_shared<A>())), ...);
         initializers.clear();
         static_cast<D*>(this)->initInitializers(initializers);
         policy = getDefaultDispatchPolicy();
@@ -105,14 +116,13 @@ public:
     static constexpr unsigned long s_minStripLines = 1;
 
 protected:
-    typedef std::tuple<boost::shared_ptr<A>...> AttributeTuple;
-
     static constexpr unsigned int s_version = 1;
 
     template<class T>
     const boost::shared_ptr<T>& attribute() const
     {
-        return std::get<boost::shared_ptr<T> >(m_attributes);
+        const details::AttributeSlot<T>& slot = m_slots;
+        return slot.attribute;
     }
     /// What an attribute holds.
     template<class T>
@@ -122,8 +132,21 @@ protected:
     }
     RulePtr createRule() const { return RulePtr(); }
     void initInitializers(InitializerMap&) {}
+    /// Enters an initialiser under the name of its output.
+    template<class T>
+    static void addInitializer(InitializerMap& initializers, const InitializerPtr& initializer)
+    {
+        initializers[T::getObjectNameStr()] = initializer;
+    }
 
-    AttributeTuple m_attributes;
+private:
+    template<class T>
+    details::AttributeSlot<T>& slot()
+    {
+        return m_slots;
+    }
+
+    details::AttributeSlots<A...> m_slots;
 };
 
 /// First line of a processor class: its name and the number of its tool tip. The namespace has a `Library` that tells

@@ -4,7 +4,7 @@
 #include "frame/processor/BaseProcessor.h"
 
 #include <boost/function.hpp>
-#include <boost/make_shared.hpp>
+#include <boost/smart_ptr/make_shared_object.hpp>
 
 #include <map>
 

@@ -6,8 +6,6 @@
 #include <boost/preprocessor/seq/for_each.hpp>
 #include <boost/preprocessor/seq/for_each_i.hpp>
 #include <boost/preprocessor/seq/variadic_seq_to_seq.hpp>
-#include <boost/preprocessor/stringize.hpp>
-#include <boost/preprocessor/tuple/elem.hpp>
 
 #include <cstdint>
 #include <string>
@@ -185,29 +183,32 @@ private:
 // Pixel2d::createNode(x, y, value). ORVIK_RECORD_DEFINE compiles its body, in the frame, so that a record outlives the
 // library that asked for it.
 
-#define ORVIK_LEAF_TYPE(r, data, leaf) \
-    struct BOOST_PP_TUPLE_ELEM(2, 1, leaf) : public ::orvik::DataItemLeaf<BOOST_PP_TUPLE_ELEM(2, 0, leaf)> \
+// What a leaf (Type, Leaf) adds to its record.
+#define ORVIK_LEAF_DECLARE(Type, Leaf) \
+public: \
+    struct Leaf : public ::orvik::DataItemLeaf<Type> \
     { \
-        static const char* getName() { return BOOST_PP_STRINGIZE(BOOST_PP_TUPLE_ELEM(2, 1, leaf)); } \
-    };
-#define ORVIK_LEAF_MEMBER(r, data, leaf) BOOST_PP_TUPLE_ELEM(2, 1, leaf) BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf));
-#define ORVIK_LEAF_ACCESS(r, data, leaf) \
-    const BOOST_PP_TUPLE_ELEM(2, 1, leaf)& leafOf(const BOOST_PP_TUPLE_ELEM(2, 1, leaf)*) const \
-    { \
-        return BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf)); \
-    }
-#define ORVIK_LEAF_PARAMETER(r, data, i, leaf) \
-    BOOST_PP_COMMA_IF(i) const BOOST_PP_TUPLE_ELEM(2, 0, leaf) & BOOST_PP_CAT(value, i)
-#define ORVIK_LEAF_ASSIGN(r, data, i, leaf) node->template set<BOOST_PP_TUPLE_ELEM(2, 1, leaf)>(BOOST_PP_CAT(value, i));
-#define ORVIK_LEAF_VISIT(r, data, leaf) \
-    ::orvik::visitLeaf(visitor, BOOST_PP_TUPLE_ELEM(2, 1, leaf)::getName(), \
-                       BOOST_PP_CAT(m_, BOOST_PP_TUPLE_ELEM(2, 1, leaf)).accessValue());
+        static const char* getName() { return #Leaf; } \
+    }; \
+\
+private: \
+    const Leaf& leafOf(const Leaf*) const { return m_##Leaf; } \
+    Leaf m_##Leaf;
+#define ORVIK_LEAF_PARAMETER(Type, Leaf) const Type &value##Leaf
+#define ORVIK_LEAF_ASSIGN(Type, Leaf) node->m_##Leaf.accessValue() = value##Leaf;
+#define ORVIK_LEAF_VISIT(Type, Leaf) visitor(m_##Leaf);
+// The same for each leaf of a sequence, which is given as `leaf`, in its brackets.
+#define ORVIK_EACH_LEAF_DECLARE(r, data, leaf) ORVIK_LEAF_DECLARE leaf
+#define ORVIK_EACH_LEAF_PARAMETER(r, data, i, leaf) BOOST_PP_COMMA_IF(i) ORVIK_LEAF_PARAMETER leaf
+#define ORVIK_EACH_LEAF_ASSIGN(r, data, leaf) ORVIK_LEAF_ASSIGN leaf
+#define ORVIK_EACH_LEAF_VISIT(r, data, leaf) ORVIK_LEAF_VISIT leaf
 
 #define ORVIK_RECORD_FROM_SEQ(Name, leaves) \
     class ORVIK_API Name : public ::orvik::BaseDataItemNode \
     { \
+        BOOST_PP_SEQ_FOR_EACH(ORVIK_EACH_LEAF_DECLARE, _, leaves) \
+\
     public: \
-        BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_TYPE, _, leaves) \
         Name(); \
         Name(const Name&); \
         Name& operator=(const Name&); \
@@ -215,10 +216,10 @@ private:
         static boost::shared_ptr<Name> createNode(); \
         /** Nodes in one piece of memory, which lives as long as one of them does. */ \
         static boost::shared_ptr<Name[]> createNodes(std::size_t nbNodes); \
-        static boost::shared_ptr<Name> createNode(BOOST_PP_SEQ_FOR_EACH_I(ORVIK_LEAF_PARAMETER, _, leaves)) \
+        static boost::shared_ptr<Name> createNode(BOOST_PP_SEQ_FOR_EACH_I(ORVIK_EACH_LEAF_PARAMETER, _, leaves)) \
         { \
             const boost::shared_ptr<Name> node = createNode(); \
-            BOOST_PP_SEQ_FOR_EACH_I(ORVIK_LEAF_ASSIGN, _, leaves) \
+            BOOST_PP_SEQ_FOR_EACH(ORVIK_EACH_LEAF_ASSIGN, _, leaves) \
             return node; \
         } \
         static const char* getRecordName() { return #Name; } \
@@ -233,14 +234,14 @@ private:
         { \
             const_cast<Leaf&>(leafOf(static_cast<const Leaf*>(nullptr))).accessValue() = std::move(value); \
         } \
-        void visitLeaves(::orvik::BaseLeafVisitor& visitor) override \
-        { \
-            BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_VISIT, _, leaves) \
-        } \
+        void visitLeaves(::orvik::BaseLeafVisitor& visitor) override; \
 \
     private: \
-        BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_ACCESS, _, leaves) \
-        BOOST_PP_SEQ_FOR_EACH(ORVIK_LEAF_MEMBER, _, leaves) \
+        template<class Visitor> \
+        void visitEach(const Visitor& visitor) \
+        { \
+            BOOST_PP_SEQ_FOR_EACH(ORVIK_EACH_LEAF_VISIT, _, leaves) \
+        } \
     }
 #define ORVIK_RECORD(Name, leaves) ORVIK_RECORD_FROM_SEQ(Name, BOOST_PP_VARIADIC_SEQ_TO_SEQ(leaves))
 
@@ -293,6 +294,10 @@ private:
     boost::shared_ptr<Name[]> Name::createNodes(std::size_t nbNodes) \
     { \
         return boost::make_shared<Name[]>(nbNodes); \
+    } \
+    void Name::visitLeaves(::orvik::BaseLeafVisitor& visitor) \
+    { \
+        visitEach([&visitor](auto& leaf) { ::orvik::visitLeaf(visitor, leaf.getName(), leaf.accessValue()); }); \
     }
 
 }  // namespace orvik

@@ -4,8 +4,8 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
-#include "frame/imaproc/ImageInitializers.h"
 #include "frame/imaproc/ImageRules.h"
+#include "frame/imaproc/PlanIndexedInitializers.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 

@@ -6,6 +6,7 @@
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/ImageInitializers.h"
 #include "frame/imaproc/ImageRules.h"
+#include "frame/imaproc/PlanIndexedInitializers.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 #include "siblings/Filtering/GaussianRules.h"

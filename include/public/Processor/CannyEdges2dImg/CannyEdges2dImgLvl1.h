@@ -57,9 +57,9 @@ ORVIK_API boost::shared_ptr<image::BaseImage> cannyEdges2dImg(
 /// @param inOptimizationPolicy  attr::ePOP_Labels finds what hangs together by labelling: passes independent of the
 /// picture, two more images, at most 65535 components (more end the run with a message that says so). Any other value
 /// spreads strong edges in place; the default of the shorter form.
-/// @param outImg  of the size of the gradients, in memory of its own. With one unsigned byte per sample (types 2, 8 and 11) it also holds the
-/// classes in between; other types get 0 and 1 too, through a working image. With attr::ePOP_Labels and such another
-/// type only the strong candidates are written: use types 2, 8 or 11 there.
+/// @param outImg  of the size of the gradients, in memory of its own. With one unsigned byte per sample (types 2, 8 and
+/// 11) it also holds the classes in between; other types get 0 and 1 too, through a working image. With attr::ePOP_Labels
+/// and such another type only the strong candidates are written: use types 2, 8 or 11 there.
 ORVIK_API void cannyEdges2dImg(const boost::shared_ptr<const image::BaseImage>& inGxImg2d,
                                const boost::shared_ptr<const image::BaseImage>& inGyImg2d,
                                const boost::shared_ptr<const attr::CannyThresholds>& inCannyThresholds,

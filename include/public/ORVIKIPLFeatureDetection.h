@@ -1,0 +1,17 @@
+#pragma once
+
+/// All public functions, and what it takes to call them: images, records, run control.
+
+#include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
+#include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
+#include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
+#include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
+#include "Processor/HoughLines2d/HoughLines2dLvl1.h"
+#include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
+
+#include "frame/attr/Records.h"
+#include "frame/core/Scheduler.h"
+#include "frame/image/BaseImage.h"
+#include "frame/serialization/PlanIndexedColl.h"
+#include "frame/util/BaseException.h"
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
