@@ -1,8 +1,9 @@
 """What a call from Python costs beyond the same call from C++, to import the package, and what memory an input takes.
 
-    PYTHONPATH=build/release/python /usr/bin/python3 benchmarks/PythonCalls.py build/release/bin/CallCost
+    PYTHONPATH=build/release/python /usr/bin/python3 benchmarks/PythonCalls.py build/release/lib/libCallCost.so
 """
 
+import ctypes
 import resource
 import statistics
 import subprocess
@@ -33,29 +34,31 @@ calls = {
 }
 
 
-def median(call):
+def fromPython(call, nbCalls):
     taken = []
-    for _ in range(2000):
+    for _ in range(nbCalls):
         begin = time.perf_counter()
         call()
-        taken.append(time.perf_counter() - begin)
-    return statistics.median(taken) * 1e6
+        taken.append((time.perf_counter() - begin) * 1e6)
+    return taken
 
 
-fromPython = {name: [] for name in calls}
-fromC = {name: [] for name in calls}
-for _ in range(ROUNDS):  # in turns, since the machine is not the same all the time
-    answer = subprocess.run([sys.argv[1]], stdout=subprocess.PIPE, check=True, text=True).stdout
-    for line in answer.splitlines():
-        name, microseconds = line.split()
-        fromC[name].append(float(microseconds))
-    for name, call in calls.items():
-        fromPython[name].append(median(call))
-for name in calls:
-    more = [p - c for p, c in zip(fromPython[name], fromC[name])]
-    print(f"{name} of 64 x 64: {statistics.median(fromPython[name]):.1f} us from Python, "
-          f"{statistics.median(fromC[name]):.1f} us from C++, {statistics.median(more):.1f} us more "
-          f"({min(more):.1f} to {max(more):.1f})")
+def fromC(which, nbCalls):
+    taken = numpy.empty(nbCalls)
+    library.measureCalls(which, samples.ctypes.data_as(ctypes.c_void_p), nbCalls,
+                         taken.ctypes.data_as(ctypes.c_void_p))
+    return taken.tolist()
+
+
+library = ctypes.CDLL(sys.argv[1])
+for which, (name, call) in enumerate(calls.items()):
+    python, c = [], []
+    for _ in range(100):  # in turns, since the machine is not the same all the time
+        python += fromPython(call, 40)
+        c += fromC(which, 40)
+    more = statistics.median(python) - statistics.median(c)
+    print(f"{name} of 64 x 64: {statistics.median(python):.1f} us from Python, {statistics.median(c):.1f} us from C++, "
+          f"{more:.1f} us more")
 
 
 def peak():

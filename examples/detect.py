@@ -1,10 +1,11 @@
 """Edges, corners and lines of a picture, in one figure. Cells as notebooks have them; as a program:
 
-    pip install . matplotlib
+    pip install . matplotlib pillow
     python examples/detect.py picture.png figure.png
 """
 
 # %% A picture: grey levels, (y, x)
+import pathlib
 import sys
 from typing import Any
 
@@ -21,7 +22,6 @@ print(source, picture.shape, picture.dtype)
 
 # %% Edges: a gradient smoothed over 1.5 pixels; the steepest tenth of all pixels may begin an edge
 gx, gy = orvik_fd.gaussianGradient2dImg(picture, 1.5)
-assert gx is not None and gy is not None
 magnitude = numpy.hypot(gx, gy)
 high = float(numpy.quantile(magnitude, 0.9))
 edges = orvik_fd.cannyEdges2dImg(gx, gy, lowThreshold=0.4 * high, highThreshold=high)
@@ -60,5 +60,6 @@ for line in lines[:10]:
     axes[1, 0].plot(line["Rho"] * cosine - along * sine, line["Rho"] * sine + along * cosine, "r", linewidth=1)
 axes[1, 0].set(xlim=(-0.5, width - 0.5), ylim=(height - 0.5, -0.5))
 axes[1, 1].set(xlabel="rho bin", ylabel="theta bin")
+pathlib.Path(target).parent.mkdir(parents=True, exist_ok=True)
 figure.savefig(target)
 print("saved", target)

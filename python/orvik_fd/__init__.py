@@ -5,8 +5,8 @@ uint32, float32 or bool, which is the binary type; asLabel and asBinary mark int
 copied where the samples of each line follow one another; results share the memory of the library's images. Lists of
 features are structured arrays.
 
-Every function has a form in the background, ..._async, which gives a Handle; those that list features of one plane have
-another for all planes, multiSlice_.... Ctrl-C cancels what runs.
+Every function but gaussianGradient2dImg has a form in the background, ..._async, which gives a Handle; those that list
+features of one plane have another for all planes, multiSlice_.... Ctrl-C cancels what runs.
 
     import numpy, orvik_fd
     gx, gy = orvik_fd.gaussianGradient2dImg(picture, 1.5)

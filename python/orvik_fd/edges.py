@@ -28,11 +28,13 @@ def _cannyEdges2dImg(
 
     Arguments:
         inGxImg2d, inGyImg2d: gradient along x and y, of shape (y, x) to (t, c, z, y, x), of equal shape and dtype, any
-            dtype that images have; every plane by itself. Reads 0 outside the image.
+            dtype that images have; every plane by itself. Reads 0 outside the image. Magnitudes are compared squared: in
+            double for float32, else in unsigned integers that wrap, of 16 bits for samples of 8 bits and of 32 bits for
+            the others. So gx^2 + gy^2 and the squared thresholds must stay below 65536, or 2^32.
         inOptimizationPolicy: ePOP_Labels finds what hangs together by labelling: passes independent of the picture, two
             more images, at most 65535 components. Default: ePOP_Iterative, in place.
         outImg: an array of that shape, not overlapping the gradients, that the result is written to. Default: a new one,
-            of bool. Arrays of bool or uint8 need no working image.
+            of bool. Arrays of bool or uint8 need no working image; ePOP_Labels takes no others.
         lowThreshold, highThreshold: in the unit of the gradients. Neither is checked against the other: with the low one
             above the high one every candidate is an edge. A negative one acts as its absolute value.
         progress: called with the fraction of the current stage that is done, or a bar of tqdm.
@@ -48,6 +50,9 @@ def _cannyEdges2dImg(
     run.set("InCannyThresholds", lowThreshold=lowThreshold, highThreshold=highThreshold)
     run.set("InOptOptimizationPolicy", **memberOf(eProcessingOptimizationPolicy, inOptimizationPolicy=inOptimizationPolicy))
     run.give("OutBinImg", outImg=outImg)
+    if inOptimizationPolicy == eProcessingOptimizationPolicy.ePOP_Labels and outImg is not None:
+        if outImg.dtype.name not in ("bool", "uint8"):
+            raise ValueError(f"outImg: ePOP_Labels writes to arrays of bool or uint8, not of {outImg.dtype}")
     return run.returning("OutBinImg")
 
 

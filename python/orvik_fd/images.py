@@ -15,11 +15,19 @@ else:
 
 
 class _MarkedArray(numpy.ndarray):
-    """An array whose slices and copies stay marked; what is computed from it does not."""
+    """An array whose slices, copies and changes in place stay marked; what is computed from it does not."""
 
-    sampleKind = ""
+    kind = ""
+    dtypes: Tuple[str, ...] = ()
+
+    @property
+    def sampleKind(self) -> str:
+        """What the samples are, read where an array becomes an image; nothing once they have another type."""
+        return self.kind if self.dtype.name in self.dtypes else ""
 
     def __array_wrap__(self, array: Any, context: Any = None, return_scalar: bool = False) -> Any:
+        if array is self:
+            return self
         plain = numpy.asarray(array)
         return plain[()] if plain.ndim == 0 else plain
 
@@ -30,13 +38,15 @@ Marked = TypeVar("Marked", bound=_MarkedArray)
 class LabelArray(_MarkedArray):
     """An array of labels: see asLabel."""
 
-    sampleKind = "label"
+    kind = "label"
+    dtypes = ("uint8", "uint16", "uint32")
 
 
 class BinaryArray(_MarkedArray):
     """An array of bytes that are 0 or not: see asBinary."""
 
-    sampleKind = "binary"
+    kind = "binary"
+    dtypes = ("uint8", "bool")
 
 
 def asLabel(array: Array) -> LabelArray:
@@ -45,7 +55,7 @@ def asLabel(array: Array) -> LabelArray:
     The result shares the array's memory. Whether samples are labels or numbers decides the sample type of some results:
     votes of 8-bit labels, as an example, are counted in floats.
     """
-    return _mark(array, LabelArray, ("uint8", "uint16", "uint32"))
+    return _mark(array, LabelArray)
 
 
 def asBinary(array: Array) -> BinaryArray:
@@ -53,13 +63,13 @@ def asBinary(array: Array) -> BinaryArray:
 
     The result shares the array's memory; its values stay what they are.
     """
-    return _mark(array, BinaryArray, ("uint8", "bool"))
+    return _mark(array, BinaryArray)
 
 
-def _mark(array: Any, marked: Type[Marked], dtypes: Tuple[str, ...]) -> Marked:
+def _mark(array: Any, marked: Type[Marked]) -> Marked:
     if not isinstance(array, numpy.ndarray):
         raise TypeError(f"array: an array is expected, not {type(array).__name__}")
-    if array.dtype.name not in dtypes or not array.dtype.isnative:
-        raise TypeError(f"array: samples of type {array.dtype} can't be {marked.sampleKind} samples; {', '.join(dtypes)} can")
+    if array.dtype.name not in marked.dtypes or not array.dtype.isnative:
+        raise TypeError(f"array: samples of type {array.dtype} can't be {marked.kind} samples; {', '.join(marked.dtypes)} can")
     view: Marked = array.view(marked)
     return view

@@ -24,15 +24,27 @@ def forceInstructionSets(className: str, sets: Union[eInstructionSet, Iterable[e
     A run on samples for which the class has no such kernel then fails with a message that says so. Not to be called while
     the class runs.
 
-    Raises ValueError for a class that has no kernels, or none of these sets on this machine: the text lists what there is.
+    Raises ValueError for a class that has no kernels, or none of these sets on this machine, with what there is in its
+    text; TypeError for what is no name or set.
     """
-    given = [sets] if isinstance(sets, int) else list(sets)
-    _core.forceInstructionSets(className, [memberOf(eInstructionSet, sets=one)["sets"] for one in given])
+    try:
+        given = [sets] if isinstance(sets, int) else list(sets)
+    except TypeError:
+        raise TypeError(f"sets: members of eInstructionSet are expected, not {sets!r}") from None
+    if None in given:
+        raise TypeError("sets: members of eInstructionSet are expected, not None")
+    _core.forceInstructionSets(_name(className), [memberOf(eInstructionSet, sets=one)["sets"] for one in given])
 
 
 def releaseForcedInstructionSets(className: str) -> None:
     """Lets later runs of the Level 3 class className use its fastest kernels again."""
-    _core.releaseForcedInstructionSets(className)
+    _core.releaseForcedInstructionSets(_name(className))
+
+
+def _name(className: str) -> str:
+    if not isinstance(className, str):
+        raise TypeError(f"className: a string is expected, not {className!r}")
+    return className
 
 
 def setNbThreads(n: int) -> None:

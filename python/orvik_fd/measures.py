@@ -2,13 +2,13 @@
 
 from __future__ import annotations
 
-from typing import Optional, Tuple
+from typing import Any, Optional, Tuple
 
 from .calls import Progress, Run, background, foreground, named, newRun
 from .images import Array
 
-#: The gradient along x and along y; None for one that was not asked for.
-Gradients = Tuple[Optional[Array], Optional[Array]]
+#: The gradient along x and along y: arrays; None only for one that was not asked for, so that no caller need check.
+Gradients = Tuple[Any, Any]
 
 
 def _gaussianGradient2dImg(

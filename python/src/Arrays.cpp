@@ -53,18 +53,14 @@ eImageBufferType typeOf(const py::array& array, const std::string& name)
         return image::eIBT_Binary;
     if (mark == "label" && kind == 'u' && size <= 4)
         return size == 1 ? image::eIBT_Label8 : size == 2 ? image::eIBT_Label16 : image::eIBT_Label32;
-    if (mark.empty()) {
-        if (kind == 'u' && size <= 4)
-            return size == 1 ? image::eIBT_UInt8 : size == 2 ? image::eIBT_UInt16 : image::eIBT_UInt32;
-        if (kind == 'i' && size <= 4)
-            return size == 1 ? image::eIBT_Int8 : size == 2 ? image::eIBT_Int16 : image::eIBT_Int32;
-        if (kind == 'f' && size == 4)
-            return image::eIBT_Real32;
-        throw py::type_error(name + ": samples of type " + textOf(dtype)
-                             + " are none of int8, uint8, int16, uint16, int32, uint32, float32 and bool");
-    }
-    throw py::type_error(name + ": samples of type " + textOf(dtype) + " can't be " + mark
-                         + (mark == "label" ? " samples; uint8, uint16 and uint32 can" : " samples; uint8 and bool can"));
+    if (kind == 'u' && size <= 4)
+        return size == 1 ? image::eIBT_UInt8 : size == 2 ? image::eIBT_UInt16 : image::eIBT_UInt32;
+    if (kind == 'i' && size <= 4)
+        return size == 1 ? image::eIBT_Int8 : size == 2 ? image::eIBT_Int16 : image::eIBT_Int32;
+    if (kind == 'f' && size == 4)
+        return image::eIBT_Real32;
+    throw py::type_error(name + ": samples of type " + textOf(dtype)
+                         + " are none of int8, uint8, int16, uint16, int32, uint32, float32 and bool");
 }
 
 py::array asArray(const py::object& object, const std::string& name)

@@ -1,5 +1,6 @@
 #include "Kernels.h"
 
+#include "frame/core/InstructionSet.h"
 #include "frame/processor/AlgorithmFunctionSelector.h"
 
 #include <pybind11/pybind11.h>
@@ -34,9 +35,9 @@ processor::AlgorithmEntry& entryOf(const std::string& className)
 
 }  // namespace
 
-std::vector<core::eInstructionSet> instructionSets()
+std::vector<unsigned int> instructionSets()
 {
-    std::vector<core::eInstructionSet> sets;
+    std::vector<unsigned int> sets;
     for (const core::eInstructionSet set :
          {core::eIS_Generic, core::eIS_Sse2, core::eIS_Avx, core::eIS_Fma, core::eIS_Avx2, core::eIS_Avx512})
         if (core::isAvailable(set))
@@ -44,14 +45,15 @@ std::vector<core::eInstructionSet> instructionSets()
     return sets;
 }
 
-void forceInstructionSets(const std::string& className, const std::vector<core::eInstructionSet>& sets)
+void forceInstructionSets(const std::string& className, const std::vector<unsigned int>& sets)
 {
+    const auto set = [&](std::size_t i) { return static_cast<core::eInstructionSet>(sets[i]); };
     processor::AlgorithmEntry& entry = entryOf(className);
     core::InstructionSetsIdentifier forced;
     switch (sets.size()) {
-    case 1: forced.init(sets[0]); break;
-    case 2: forced.init(sets[0], sets[1]); break;
-    case 3: forced.init(sets[0], sets[1], sets[2]); break;
+    case 1: forced.init(set(0)); break;
+    case 2: forced.init(set(0), set(1)); break;
+    case 3: forced.init(set(0), set(1), set(2)); break;
     default: throw py::value_error("sets: 1 to 3 are expected, not " + std::to_string(sets.size()));
     }
     std::set<std::string> known;

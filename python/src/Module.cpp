@@ -3,6 +3,7 @@
 
 #include "Kernels.h"
 #include "Run.h"
+#include "Values.h"
 
 #include "frame/core/Scheduler.h"
 #include "frame/util/BaseException.h"
@@ -14,22 +15,6 @@ namespace py = pybind11;
 namespace orvik { namespace python {
 
 namespace {
-
-std::vector<core::eInstructionSet> toSets(const std::vector<unsigned int>& numbers)
-{
-    std::vector<core::eInstructionSet> sets;
-    for (const unsigned int number : numbers)
-        sets.push_back(static_cast<core::eInstructionSet>(number));
-    return sets;
-}
-
-std::vector<unsigned int> instructionSetNumbers()
-{
-    std::vector<unsigned int> numbers;
-    for (const core::eInstructionSet set : instructionSets())
-        numbers.push_back(set);
-    return numbers;
-}
 
 /// Exceptions of the library become the package's own, with the same text.
 void translate(std::exception_ptr failure)
@@ -62,14 +47,18 @@ PYBIND11_MODULE(_core, module)
         .def("start", &Run::start)
         .def("wait", &Run::wait)
         .def("isDone", &Run::isDone)
+        .def("isOwn", &Run::isOwn)
         .def("cancel", &Run::cancel)
         .def("getResult", &Run::getResult);
 
+    py::class_<Named>(module, "Named").def(py::init([](const std::string& name, const py::object& value) {
+        return Named{name, value};
+    }));
+
     module.def("endAll", &Run::endAll);
-    module.def("instructionSets", &instructionSetNumbers);
-    module.def("forceInstructionSets", [](const std::string& className, const std::vector<unsigned int>& sets) {
-        forceInstructionSets(className, toSets(sets));
-    });
+    module.def("forgetAll", &Run::forgetAll);
+    module.def("instructionSets", &instructionSets);
+    module.def("forceInstructionSets", &forceInstructionSets);
     module.def("releaseForcedInstructionSets", &releaseForcedInstructionSets);
     module.def("setNbThreads", &core::setNbThreads);
     module.def("getNbThreads", &core::getNbThreads);

@@ -45,7 +45,7 @@ void release(void* pointer)
         const std::lock_guard<std::mutex> lock(letGo().mutex);
         letGo().objects.push_back(object);
     }
-    // Where the interpreter's queue is full, a call that is in it gives this object back as well.
+    // Where the interpreter's queue is full, the next call of this gives the object back as well.
     Py_AddPendingCall(&giveBack, nullptr);
 }
 

@@ -1,6 +1,7 @@
 #include "Run.h"
 
 #include "Arrays.h"
+#include "Interpreter.h"
 #include "References.h"
 #include "Values.h"
 
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 namespace py = pybind11;
@@ -30,14 +32,18 @@ const unsigned long g_signalMilliseconds = 50;
 /// A call on fewer samples runs on the caller's thread: to wake another one takes longer than many such calls.
 const unsigned long g_nbSamplesOfSmall = 1ul << 16;
 
-/// Whether this thread is in a progress callback. It is one of those that work, so it must not wait for them.
-thread_local bool t_inProgress = false;
-
-/// The runs that were started. A processor that nobody holds any more is at its end.
+/// The runs that were started and may not have ended. A processor that nobody holds any more is at its end.
 std::vector<boost::weak_ptr<BaseProcessor> >& startedRuns()
 {
     static auto* const runs = new std::vector<boost::weak_ptr<BaseProcessor> >;  // used with the interpreter lock held
     return *runs;
+}
+
+/// Lets go of what a run that has ended needs no more: its callback and its arrays may refer to who holds the run.
+void clearEnded(BaseProcessor& processor)
+{
+    processor.setProgressCallback(nullptr);
+    processor.clearInputData();
 }
 
 void checkSignals()
@@ -56,7 +62,7 @@ public:
         if (std::this_thread::get_id() != m_caller || now - m_last < std::chrono::milliseconds(g_signalMilliseconds))
             return;
         m_last = now;
-        const py::gil_scoped_acquire locked;
+        const Locked locked(Locked::eOfCaller);
         checkSignals();
     }
 
@@ -79,7 +85,8 @@ py::object onlyArgument(const std::string& attribute, const py::kwargs& argument
 Run::Run(const std::string& className, const py::object& progress)
     : m_className(className),
       m_processor(processor::ProcessorFactory::getInstance().createProcessor("orvik::imaproc::" + className)),
-      m_progress(progress)
+      m_progress(progress),
+      m_nbForks(getNbForks())
 {
     if (!m_processor)
         throw py::value_error("no class has the name " + className);
@@ -146,12 +153,10 @@ void Run::watchProgress()
     if (m_progress.is_none())
         return;
     const boost::shared_ptr<void> callback = keepReference(m_progress);
+    m_progress = py::none();
     m_processor->setProgressCallback([callback](double fraction) {
-        const py::gil_scoped_acquire locked;
-        const bool before = t_inProgress;
-        t_inProgress = true;
+        const Locked locked(Locked::eOfLibrary);
         PyObject* const answer = PyObject_CallFunction(static_cast<PyObject*>(callback.get()), "d", fraction);
-        t_inProgress = before;
         if (!answer)
             throw py::error_already_set();
         Py_DECREF(answer);
@@ -160,7 +165,8 @@ void Run::watchProgress()
 
 py::object Run::execute(bool everyPlane)
 {
-    if (!t_inProgress && (m_nbSamples > g_nbSamplesOfSmall || !m_progress.is_none())) {
+    const bool isLong = m_nbSamples > g_nbSamplesOfSmall || !m_progress.is_none();
+    if (isLong && !isInCallback() && getNbForks() == 0) {
         start(everyPlane);
         wait(py::none());
         return getResult();
@@ -171,7 +177,7 @@ py::object Run::execute(bool everyPlane)
     else
         watchProgress();
     {
-        const py::gil_scoped_release unlocked;
+        const Unlocked unlocked;
         processor::executeSyncRun(m_processor);
     }
     return getResult();
@@ -179,56 +185,100 @@ py::object Run::execute(bool everyPlane)
 
 void Run::start(bool everyPlane)
 {
+    if (hasEndBegun()) {
+        { const Unlocked heldUp; }  // unless it is the thread that ends the interpreter
+        throw std::runtime_error("the interpreter ends: no run can be started");
+    }
     prepare(everyPlane);
     watchProgress();
+    m_nbForks = getNbForks();
+    if (m_nbForks != 0) {
+        // There are no threads of the library: it runs to its end here.
+        const Unlocked unlocked;
+        m_processor->run(core::eST_Asynchronous);
+        return;
+    }
     auto& runs = startedRuns();
-    runs.erase(std::remove_if(runs.begin(), runs.end(), [](const auto& run) { return run.expired(); }), runs.end());
+    runs.erase(std::remove_if(runs.begin(), runs.end(),
+                              [](const auto& run) {
+                                  const boost::shared_ptr<BaseProcessor> processor = run.lock();
+                                  if (processor && processor->isRunning())
+                                      return false;
+                                  if (processor)
+                                      clearEnded(*processor);
+                                  return true;
+                              }),
+               runs.end());
     runs.push_back(m_processor);
-    const py::gil_scoped_release unlocked;
-    m_processor->run(core::eST_Asynchronous);
+    m_processor->run(core::eST_Asynchronous);  // with the lock, so that no other start takes it for one that has ended
+}
+
+bool Run::isOwn() const
+{
+    return m_nbForks == getNbForks();
+}
+
+void Run::checkOwn() const
+{
+    if (!isOwn())
+        throw std::runtime_error("this run belongs to the process that started it, of which this one is a fork");
 }
 
 bool Run::waitMilliseconds(unsigned long milliseconds)
 {
-    const py::gil_scoped_release unlocked;
+    const Unlocked unlocked;
     return m_processor->waitForEnd(milliseconds);
+}
+
+bool Run::clearIfEnded(bool ended)
+{
+    if (ended)
+        clearEnded(*m_processor);
+    return ended;
 }
 
 bool Run::wait(const py::object& seconds)
 {
+    checkOwn();
+    if (isInCallback() && m_processor->isRunning())
+        throw std::runtime_error("a progress callback can't wait for a run: it is on one of the threads that work");
     // Longer than clocks can tell is without limit; NaN and what is below 0 do not wait.
-    const double limit = seconds.is_none() ? 1e9 : std::min(seconds.cast<double>(), 1e9);
+    const double limit = seconds.is_none() ? 1e9 : std::min(toDouble(seconds, "timeout"), 1e9);
     const Clock::time_point begin = Clock::now();
     for (;;) {
         const double left = limit - std::chrono::duration<double>(Clock::now() - begin).count();
         const double slice = std::min(left * 1000, static_cast<double>(g_signalMilliseconds));
         if (waitMilliseconds(slice > 0 ? static_cast<unsigned long>(slice) + 1 : 0))
-            return true;
+            return clearIfEnded(true);
         if (!(left > 0))
             return false;
         try {
             checkSignals();
         } catch (py::error_already_set&) {
             m_processor->requestCancellation();
-            const py::gil_scoped_release unlocked;
-            m_processor->waitForEnd();
+            while (!waitMilliseconds(g_signalMilliseconds))
+                checkSignals();
             throw;
         }
     }
 }
 
-bool Run::isDone() const
+bool Run::isDone()
 {
-    return !m_processor->isRunning();
+    checkOwn();
+    return clearIfEnded(!m_processor->isRunning());
 }
 
 void Run::cancel()
 {
+    checkOwn();
     m_processor->requestCancellation();
 }
 
-py::object Run::getResult() const
+py::object Run::getResult()
 {
+    checkOwn();
+    clearIfEnded(true);
     m_processor->rethrowFailure();
     if (m_results.size() == 1)
         return read(m_results[0]);
@@ -272,11 +322,21 @@ void Run::endAll()
     for (const auto& run : startedRuns())
         if (boost::shared_ptr<BaseProcessor> processor = run.lock())
             runs.push_back(std::move(processor));
-    const py::gil_scoped_release unlocked;
-    for (const auto& run : runs)
-        run->requestCancellation();
-    for (const auto& run : runs)
-        run->waitForEnd();
+    beginEnd();
+    {
+        const Unlocked unlocked;
+        for (const auto& run : runs)
+            run->requestCancellation();
+        for (const auto& run : runs)
+            run->waitForEnd();
+    }
+    waitForComing();
+}
+
+void Run::forgetAll()
+{
+    noteFork();
+    startedRuns().clear();
 }
 
 }}  // namespace orvik::python

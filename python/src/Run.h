@@ -30,21 +30,33 @@ public:
     pybind11::object execute(bool everyPlane);
     /// Starts a run in the background.
     void start(bool everyPlane);
-    /// Waits for the end, at most that many seconds, without limit when there is no number. Signals as by execute.
+    /// Waits for the end, at most that many seconds, without limit when there is no number. Signals as by execute; after a
+    /// second one the cancelled run is left alone.
+    /// @throws RuntimeError in a progress callback, unless the run has ended.
     bool wait(const pybind11::object& seconds);
-    bool isDone() const;
+    bool isDone();
     void cancel();
     /// The result of a run that has ended. @throws what ended it.
-    pybind11::object getResult() const;
+    pybind11::object getResult();
 
-    /// Cancels the runs that are on and waits for their end: before the interpreter goes.
+    // All of these, for a run that was started before a fork: RuntimeError in the new process.
+
+    /// Whether the run was started by this process, not by the one that this is a fork of.
+    bool isOwn() const;
+
+    /// Cancels the runs that are on and waits for their end: before the interpreter goes. None can be started any more.
     static void endAll();
+    /// To be called in a process made by fork.
+    static void forgetAll();
 
 private:
     processor::BaseAttribute& attribute(const std::string& name) const;
     void prepare(bool everyPlane);
     void watchProgress();
+    void checkOwn() const;
     bool waitMilliseconds(unsigned long milliseconds);
+    /// Lets go of what a run needs no more once it has ended, which it gives back.
+    bool clearIfEnded(bool ended);
     pybind11::object read(const std::string& name) const;
     pybind11::object readLists(BasePlanIndexedColl& coll) const;
 
@@ -56,6 +68,7 @@ private:
     pybind11::ssize_t m_nbAxes = 2;
     unsigned long m_nbSamples = 0;
     bool m_everyPlane = false;
+    unsigned int m_nbForks;  // at its start
 };
 
 }}  // namespace orvik::python

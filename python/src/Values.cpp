@@ -1,5 +1,7 @@
 #include "Values.h"
 
+#include "Interpreter.h"
+
 #include "frame/util/BaseException.h"
 
 #include <cctype>
@@ -14,7 +16,7 @@ namespace orvik { namespace python {
 
 namespace {
 
-std::string textOf(const py::handle& object)
+std::string reprOf(const py::handle& object)
 {
     return py::repr(object);
 }
@@ -27,22 +29,22 @@ T toNumber(const py::handle& object, const std::string& name)
         const double number = PyFloat_AsDouble(object.ptr());
         if (number == -1.0 && PyErr_Occurred()) {
             PyErr_Clear();
-            throw py::type_error(name + ": a number is expected, not " + textOf(object));
+            throw py::type_error(name + ": a number is expected, not " + reprOf(object));
         }
         if (std::isfinite(number) && std::abs(number) > std::numeric_limits<T>::max())
-            throw py::value_error(name + ": " + textOf(object) + " is beyond what a 32-bit float holds");
+            throw py::value_error(name + ": " + reprOf(object) + " is beyond what a 32-bit float holds");
         return static_cast<T>(number);
     } else {
         const py::object whole = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
         if (!whole) {
             PyErr_Clear();
-            throw py::type_error(name + ": a whole number is expected, not " + textOf(object));
+            throw py::type_error(name + ": a whole number is expected, not " + reprOf(object));
         }
         if (std::is_unsigned<T>::value && whole < py::int_(0))
-            throw py::value_error(name + ": " + textOf(object) + " is negative");
+            throw py::value_error(name + ": " + reprOf(object) + " is negative");
         const T lowest = std::numeric_limits<T>::min(), highest = std::numeric_limits<T>::max();
         if (whole < py::int_(lowest) || whole > py::int_(highest))
-            throw py::value_error(name + ": " + textOf(object) + " is outside " + std::to_string(lowest) + " to "
+            throw py::value_error(name + ": " + reprOf(object) + " is outside " + std::to_string(lowest) + " to "
                                   + std::to_string(highest));
         return whole.cast<T>();
     }
@@ -77,10 +79,12 @@ private:
             return;
         ++m_nbPut;
         const py::object argument = m_arguments[name.c_str()];
-        if (py::isinstance<py::tuple>(argument))
-            value = toNumber<T>(py::tuple(argument)[1], py::tuple(argument)[0].cast<std::string>());
-        else if (!argument.is_none())
+        if (py::isinstance<Named>(argument)) {
+            const Named& named = argument.cast<const Named&>();
+            value = toNumber<T>(named.value, named.name);
+        } else if (!argument.is_none()) {
             value = toNumber<T>(argument, name);
+        }
     }
 
     const py::kwargs& m_arguments;
@@ -164,6 +168,11 @@ py::dtype rowType(const char* listName, BaseDataItemNodeColl& coll)
 
 }  // namespace
 
+double toDouble(const py::handle& object, const std::string& name)
+{
+    return toNumber<double>(object, name);
+}
+
 void setParameter(processor::BaseAttribute& attribute, const py::kwargs& arguments)
 {
     bool isGiven = false;
@@ -176,7 +185,7 @@ void setParameter(processor::BaseAttribute& attribute, const py::kwargs& argumen
         return;
     ArgumentReader reader(arguments);
     if (!attribute.setByVisitor(reader) || reader.getNbPut() != arguments.size())
-        throw py::type_error(attribute.getObjectName() + " does not take " + textOf(arguments));
+        throw py::type_error(attribute.getObjectName() + " does not take " + reprOf(arguments));
 }
 
 py::array toStructuredArray(BaseDataItemNode& list)
@@ -185,7 +194,7 @@ py::array toStructuredArray(BaseDataItemNode& list)
     const std::size_t size = coll.size();
     py::array rows(rowType(list.getNodeName(), coll), std::vector<py::ssize_t>{static_cast<py::ssize_t>(size)});
     RowWriter writer(static_cast<char*>(rows.mutable_data()));
-    const py::gil_scoped_release unlocked;
+    const Unlocked unlocked;
     for (std::size_t i = 0; i < size; ++i)
         const_cast<BaseDataItemNode&>(coll.getNode(i)).visitLeaves(writer);
     return rows;

@@ -6,9 +6,18 @@
 
 namespace orvik { namespace python {
 
+/// A value that comes from an argument of another name than the one that it is given by; messages tell that.
+struct Named
+{
+    std::string name;
+    pybind11::object value;
+};
+
+/// @throws TypeError that names the argument for what is no number.
+double toDouble(const pybind11::handle& object, const std::string& name);
+
 /// Gives a parameter its value from keyword arguments: a record from those that are named after its leaves, with a small
-/// first letter, a number from the only one. Leaves that are None keep what they read as while unset;
-/// a pair of a name and a value comes from an argument of that name.
+/// first letter, a number from the only one. Leaves that are None keep what they read as while unset.
 /// @throws TypeError or ValueError that names the argument when its value does not fit.
 void setParameter(processor::BaseAttribute& attribute, const pybind11::kwargs& arguments);
 

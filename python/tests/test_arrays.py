@@ -129,8 +129,12 @@ def test_marksSayWhatSamplesAre(small):
         orvik_fd.asBinary(small.astype(numpy.uint16))
     with pytest.raises(TypeError, match="list"):
         orvik_fd.asLabel([1])
-    with pytest.raises(TypeError, match="inImg: samples of type int32 can't be label samples"):
-        orvik_fd.extractLocalExtrema2d(labels.astype(numpy.int32), 1, 1)
+    changed = labels.copy()
+    changed += 1
+    assert isinstance(changed, orvik_fd.LabelArray)
+    # Votes of labels of 8 bits are counted in floats; other types are no labels any more.
+    votes = [orvik_fd.houghLines2dImg(array).dtype for array in (changed.astype(numpy.uint8), labels.astype(numpy.int32))]
+    assert votes == [numpy.float32, numpy.int32]
 
 
 class Picture:

@@ -1,12 +1,12 @@
 """Calls: at once, in the background, cancelled, from several threads; arguments that are wrong."""
 
+import gc
 import inspect
 import os
-import signal
-import subprocess
-import sys
 import threading
 import time
+import typing
+import weakref
 
 import numpy
 import orvik_fd
@@ -82,29 +82,34 @@ def test_aDroppedHandleGoesOn(large):
     assert (out == expected).all()
 
 
-def test_otherThreadsGoOnMeanwhile(large):
-    ticks = []
+@pytest.mark.parametrize("call", [
+    lambda large: orvik_fd.harrisCorner2dImg(large, 3),
+    lambda large: orvik_fd.multiSlice_extractLocalExtrema2d(numpy.broadcast_to(large, (20,) + large.shape), 1, 1),
+])
+def test_otherThreadsGoOnMeanwhile(large, call):
+    nbTicks = 0
     stop = threading.Event()
 
     def tick():
+        nonlocal nbTicks
         while not stop.is_set():
-            ticks.append(time.monotonic())
+            nbTicks += 1
             time.sleep(0.001)
 
     ticker = threading.Thread(target=tick)
     ticker.start()
-    begin = time.monotonic()
-    for _ in range(3):
-        orvik_fd.harrisCorner2dImg(large, 3)
-    orvik_fd.extractLocalExtrema2d(large, 1, 1)
-    end = time.monotonic()
-    stop.set()
-    ticker.join()
-    during = [t for t in ticks if begin <= t <= end]
-    assert len(during) >= 5
-    # Without the lock's release no tick would fall into a call.
-    longest = max(b - a for a, b in zip([begin] + during, during + [end]))
-    assert longest < (end - begin) / 2
+    mostInOneCall = 0
+    try:
+        for _ in range(100):  # the machine may be busy with something else for some of them
+            before = nbTicks
+            call(large)
+            mostInOneCall = max(mostInOneCall, nbTicks - before)
+            if mostInOneCall > 3:
+                break
+    finally:
+        stop.set()
+        ticker.join()
+    assert mostInOneCall > 3, "without the lock's release there is at most a tick on the way into a call, one on the way out"
 
 
 def test_threadsCallAtOnce(rng):
@@ -125,47 +130,6 @@ def test_threadsCallAtOnce(rng):
     for thread in threads:
         thread.join()
     assert wrong == []
-
-
-@pytest.mark.parametrize("call", [
-    "orvik_fd.harrisCorner2dImg(planes, 8.0)",
-    "orvik_fd.harrisCorner2dImg_async(planes, 8.0).result()",
-    "orvik_fd.harrisCorner2dImg(planes, 8.0, progress=lambda fraction: None)",
-    # Few samples, so that the caller's own thread works.
-    "orvik_fd.houghLines2dImg(numpy.ones((200, 200), bool), nbThetaBins=60000)",
-])
-def test_ctrlCCancels(call):
-    program = f"""
-import numpy, orvik_fd, sys, time
-orvik_fd.setNbThreads(1)
-planes = numpy.broadcast_to(numpy.random.default_rng(1).random((1200, 1200)).astype(numpy.float32), (300, 1200, 1200))
-print("ready", flush=True)
-begin = time.monotonic()
-try:
-    {call}
-    print("ended")
-except KeyboardInterrupt:
-    print("interrupted", time.monotonic() - begin)
-"""
-    process = subprocess.Popen([sys.executable, "-c", program], stdout=subprocess.PIPE, text=True)
-    assert process.stdout.readline() == "ready\n"
-    time.sleep(0.7)
-    process.send_signal(signal.SIGINT)
-    answer = process.stdout.read().split()
-    assert process.wait(60) == 0
-    assert answer[0] == "interrupted", "the call took no more than a second, or does not look for signals"
-
-
-def test_theEndOfTheProgramDoesNotWaitForWork():
-    program = """
-import numpy, orvik_fd
-planes = numpy.zeros((300, 1200, 1200), numpy.float32)
-seen = []
-handle = orvik_fd.harrisCorner2dImg_async(planes, 8.0, progress=seen.append)
-"""
-    begin = time.monotonic()
-    assert subprocess.run([sys.executable, "-c", program], timeout=120).returncode == 0
-    assert time.monotonic() - begin < 20, "the whole work takes minutes"
 
 
 def test_progressIsTold(large):
@@ -212,6 +176,55 @@ def test_aCallbackMayCall(large):
     assert counts and set(counts) == {5}
 
 
+def test_aCallbackCanNotWait(large):
+    orvik_fd.setNbThreads(2)
+    gate = threading.Event()
+    other = orvik_fd.harrisCorner2dImg_async(large[:20, :20], 2, progress=lambda fraction: gate.wait(60))
+    for use in (other.wait, other.result, other.close, lambda: handle.wait(1)):
+        begun = threading.Event()
+        handle = orvik_fd.harrisCorner2dImg_async(large[:20, :20], 2, progress=lambda fraction: begun.wait() and use())
+        begun.set()
+        with pytest.raises(RuntimeError, match="a progress callback can't wait"):
+            handle.result()
+    gate.set()
+
+
+def test_threadsShareAHandle(large):
+    def everywhere(use):
+        found = []
+        threads = [threading.Thread(target=lambda: found.append(use())) for _ in range(4)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        return found
+
+    for _ in range(50):
+        handle = orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2)
+        results = everywhere(handle.result)
+        assert len(results) == 4 and all(result is results[0] for result in results)
+        assert everywhere(handle.close) == [None] * 4
+
+
+def test_whatHoldsItsHandleIsCollected(large):
+    class Owner:
+        def __init__(self):
+            self.handle = orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2, progress=self.told)
+
+        def told(self, fraction):
+            pass
+
+    waited, unwaited = Owner(), Owner()
+    waited.handle.result()
+    unwaitedRun = weakref.ref(unwaited)
+    waitedRun = weakref.ref(waited)
+    del waited, unwaited
+    time.sleep(0.5)
+    orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2).result()  # the next call gives back what is left of earlier ones
+    gc.collect()
+    assert waitedRun() is None and unwaitedRun() is None
+
+
 @pytest.mark.parametrize("call, error, text", [
     (lambda a: orvik_fd.extractLocalExtrema2d(a, -1, 1), ValueError, "inFeaturesDistX: -1 is negative"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 2**32), ValueError, "inFeaturesDistY: 4294967296 is outside 0 to"),
@@ -228,6 +241,9 @@ def test_aCallbackMayCall(large):
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1), TypeError, "'inFeaturesDistY'"),
     (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=1), TypeError, "'highThreshold'"),
     (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=None, highThreshold=1), TypeError, "lowThreshold"),
+    (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=(1, 2), highThreshold=1), TypeError, "lowThreshold: a number"),
+    (lambda a: orvik_fd.cannyEdges2dImg(a, a, 0, a.astype(numpy.float32), lowThreshold=1, highThreshold=1), ValueError,
+     "outImg: ePOP_Labels .*not of float32"),
     (lambda a: orvik_fd.cannyEdges2dImg(a, a, 7, lowThreshold=1, highThreshold=2), ValueError, "inOptimizationPolicy: 7"),
     (lambda a: orvik_fd.harrisCorner2d(a, featuresDist=3), TypeError, "maxNbCorners"),
     (lambda a: orvik_fd.harrisCorner2d(a, maxNbCorners=3), TypeError, "featuresDist"),
@@ -240,6 +256,8 @@ def test_aCallbackMayCall(large):
     (lambda a: orvik_fd.gaussianGradient2dImg(a, 1, coverage="wide"), TypeError, "coverage: a number"),
     (lambda a: orvik_fd.houghLines2dImg(a, nbThetaBins=0), orvik_fd.Error, "0 along theta"),
     (lambda a: orvik_fd.houghLines2dImg(a, nbThetaBins=2**31 - 1, rhoStep=1e-6), MemoryError, "there is no memory"),
+    (lambda a: orvik_fd.houghLines2d(a, nbThetaBins=0), orvik_fd.Error, "0 along theta"),
+    (lambda a: orvik_fd.houghLines2d_async(a).wait("long"), TypeError, "timeout: a number is expected, not 'long'"),
     (lambda a: orvik_fd.houghLines2d(a, peakDist=-1), ValueError, "peakDist: -1 is negative"),
     (lambda a: orvik_fd.maxL2Norm2Msr(a, a.astype(numpy.int8)), orvik_fd.Error, "buffer type"),
 ])
@@ -264,4 +282,6 @@ def test_helpTellsWhatAFunctionDoes():
             assert name in text, f"{function.__name__} does not tell of {name}"
             assert parameter.annotation is not inspect.Parameter.empty
     assert "Handle" in orvik_fd.cannyEdges2dImg_async.__doc__
-    assert str(inspect.signature(orvik_fd.cannyEdges2dImg)).startswith("(inGxImg2d: 'Array', inGyImg2d: 'Array', inOpt")
+    assert typing.get_type_hints(orvik_fd.cannyEdges2dImg)["return"] is numpy.ndarray
+    assert typing.get_type_hints(orvik_fd.cannyEdges2dImg_async)["return"] == orvik_fd.Handle[numpy.ndarray]
+    assert str(inspect.signature(orvik_fd.maxL2Norm2Msr)).startswith("(in1: numpy.ndarray, in2: numpy.ndarray, *, progress")
