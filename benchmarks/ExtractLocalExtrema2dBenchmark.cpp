@@ -25,21 +25,6 @@ const unsigned long g_size = 4096;
 const double g_brightest = 250;  // few pixels of the photograph are as bright
 const unsigned int g_distances[] = {1, 3, 10, 50};
 
-/// The photograph as floats or bytes.
-ImagePtr photograph(image::eImageBufferType type)
-{
-    const ImagePtr wide = bench::enlargedPhotograph(g_size), image = image::createImage(type, {g_size, g_size});
-    for (unsigned long y = 0; y < g_size; ++y) {
-        const unsigned short* const from = static_cast<const unsigned short*>(wide->getLine(y));
-        image::withSampleType(image::toDataType(type), [&](auto zero) {
-            typedef decltype(zero) Sample;
-            for (unsigned long x = 0; x < g_size; ++x)
-                static_cast<Sample*>(image->accessLine(y))[x] = static_cast<Sample>(sizeof(Sample) == 1 ? from[x] / 64 : from[x]);
-        });
-    }
-    return image;
-}
-
 /// Noise has a local maximum about every ninth pixel at distance 1: more than a million.
 ImagePtr noise()
 {
@@ -103,7 +88,8 @@ int main(int argc, char** argv)
 #ifdef ORVIK_HAVE_OPENCV
     cv::setNumThreads(1);
 #endif
-    const ImagePtr real = photograph(image::eIBT_Real32), bytes = photograph(image::eIBT_UInt8), rough = noise();
+    const ImagePtr real = bench::enlargedPhotograph(g_size, image::eIBT_Real32);
+    const ImagePtr bytes = bench::enlargedPhotograph(g_size, image::eIBT_UInt8), rough = noise();
     std::vector<bench::Ratio> ratios;
     for (const unsigned int dist : g_distances) {
         const std::string d = std::to_string(dist);

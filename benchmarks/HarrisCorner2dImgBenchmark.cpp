@@ -1,8 +1,10 @@
-// The Harris response of an enlarged photograph, against the same chain of a peer of the field where it is installed.
+// The Harris response of an enlarged photograph, against the same chain of a peer of the field where it is installed; the
+// list of corners against the response.
 
 #include "Photographs.h"
 #include "Ratios.h"
 
+#include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
 
 #include "frame/attr/Records.h"
@@ -22,29 +24,18 @@ namespace {
 
 const unsigned long g_size = 4096;
 
-ImagePtr photograph8Bits(unsigned long size)
-{
-    const ImagePtr wide = bench::enlargedPhotograph(size);
-    const ImagePtr narrow = image::createImageLike(*wide, image::eIBT_UInt8);
-    for (unsigned long y = 0; y < size; ++y)
-        for (unsigned long x = 0; x < size; ++x)
-            static_cast<unsigned char*>(narrow->accessLine(y))[x] =
-                static_cast<unsigned char>(static_cast<const unsigned short*>(wide->getLine(y))[x] / 64);
-    return narrow;
-}
-
 void run(const ImagePtr& in, const ImagePtr& out)
 {
     imaproc::fd::harrisCorner2dImg(in, 1.0f, nullptr, nullptr, out);
 }
 
-void registerCase(const char* name, const ImagePtr& in, const ImagePtr& out, unsigned int nbThreads,
-                  benchmark::TimeUnit unit)
+template<class Call>
+void registerCase(const char* name, unsigned int nbThreads, benchmark::TimeUnit unit, const Call& call)
 {
     benchmark::RegisterBenchmark(name, [=](benchmark::State& state) {
         core::setNbThreads(nbThreads);
         for (auto _ : state)
-            run(in, out);
+            call();
         core::setNbThreads(1);
     })->Unit(unit)->UseRealTime();
 }
@@ -140,11 +131,14 @@ void registerOpencv(const ImagePtr& in, const ImagePtr& ours)
 int main(int argc, char** argv)
 {
     core::setNbThreads(1);
-    const ImagePtr in = photograph8Bits(g_size), out = image::createImageLike(*in, image::eIBT_Real32);
-    const ImagePtr little = photograph8Bits(16), littleOut = image::createImageLike(*little, image::eIBT_Real32);
-    registerCase("harris_uint8", in, out, 1, benchmark::kMillisecond);
-    registerCase("harris_uint8_2_threads", in, out, 2, benchmark::kMillisecond);
-    registerCase("harris_call_16x16", little, littleOut, 1, benchmark::kMicrosecond);
+    const ImagePtr in = bench::enlargedPhotograph(g_size, image::eIBT_UInt8);
+    const ImagePtr little = bench::enlargedPhotograph(16, image::eIBT_UInt8);
+    const ImagePtr out = image::createImageLike(*in, image::eIBT_Real32);
+    const ImagePtr littleOut = image::createImageLike(*little, image::eIBT_Real32);
+    registerCase("harris_uint8", 1, benchmark::kMillisecond, [=] { run(in, out); });
+    registerCase("harris_uint8_2_threads", 2, benchmark::kMillisecond, [=] { run(in, out); });
+    registerCase("harris_call_16x16", 1, benchmark::kMicrosecond, [=] { run(little, littleOut); });
+    registerCase("harris_list_uint8", 1, benchmark::kMillisecond, [=] { imaproc::fd::harrisCorner2d(in, 1.0f, 1000, 5); });
 #ifdef ORVIK_HAVE_OPENCV
     registerOpencv(in, out);
 #endif
@@ -154,7 +148,9 @@ int main(int argc, char** argv)
           "at least 1, aim for 1.5"},
          {"OpenCV's chain with images that are kept over ours with new ones", "opencv_harris_kept_images", "harris_uint8",
           "no figure is set"},
-         {"one thread over two", "harris_uint8", "harris_uint8_2_threads", "at least 1.7"}});
+         {"one thread over two", "harris_uint8", "harris_uint8_2_threads", "at least 1.7"},
+         {"the 1000 strongest corners over the response alone, which the list needs too", "harris_list_uint8", "harris_uint8",
+          "no figure is set"}});
     printMemory(in, out);
     return status;
 }

@@ -18,7 +18,7 @@ std::string photographPath()
     return chosen ? chosen : std::string(ORVIK_DEMO_PICTURES) + "/camera.png";
 }
 
-ImagePtr enlargedPhotograph(unsigned long size)
+ImagePtr enlargedPhotograph(unsigned long size, image::eImageBufferType type)
 {
     examples::Picture picture;
     try {
@@ -27,25 +27,29 @@ ImagePtr enlargedPhotograph(unsigned long size)
         std::fprintf(stderr, "%s\nRun scripts/demo.sh once, or name a photograph in ORVIK_PICTURE.\n", e.what());
         std::exit(1);
     }
-    const ImagePtr image = image::createImage(image::eIBT_UInt16, {size, size});
+    const ImagePtr image = image::createImage(type, {size, size});
     const double stepX = static_cast<double>(picture.sizeX - 1) / static_cast<double>(size);
     const double stepY = static_cast<double>(picture.sizeY - 1) / static_cast<double>(size);
     std::vector<double> grey(picture.sizeX * picture.sizeY);
     for (unsigned long y = 0; y < picture.sizeY; ++y)
         for (unsigned long x = 0; x < picture.sizeX; ++x)
             grey[y * picture.sizeX + x] = picture.valueAt(x, y);
-    for (unsigned long y = 0; y < size; ++y) {
-        unsigned short* const line = static_cast<unsigned short*>(image->accessLine(y));
-        for (unsigned long x = 0; x < size; ++x) {
-            const double px = static_cast<double>(x) * stepX, py = static_cast<double>(y) * stepY;
-            const unsigned long ix = static_cast<unsigned long>(px), iy = static_cast<unsigned long>(py);
-            const double fx = px - static_cast<double>(ix), fy = py - static_cast<double>(iy);
-            const double* const at = &grey[iy * picture.sizeX + ix];
-            const double top = at[0] + fx * (at[1] - at[0]);
-            const double bottom = at[picture.sizeX] + fx * (at[picture.sizeX + 1] - at[picture.sizeX]);
-            line[x] = static_cast<unsigned short>(64.0 * (top + fy * (bottom - top)));
+    image::withSampleType(image::toDataType(type), [&](auto zero) {
+        typedef decltype(zero) Sample;
+        for (unsigned long y = 0; y < size; ++y) {
+            Sample* const line = static_cast<Sample*>(image->accessLine(y));
+            for (unsigned long x = 0; x < size; ++x) {
+                const double px = static_cast<double>(x) * stepX, py = static_cast<double>(y) * stepY;
+                const unsigned long ix = static_cast<unsigned long>(px), iy = static_cast<unsigned long>(py);
+                const double fx = px - static_cast<double>(ix), fy = py - static_cast<double>(iy);
+                const double* const at = &grey[iy * picture.sizeX + ix];
+                const double top = at[0] + fx * (at[1] - at[0]);
+                const double bottom = at[picture.sizeX] + fx * (at[picture.sizeX + 1] - at[picture.sizeX]);
+                const unsigned short sixtyFourths = static_cast<unsigned short>(64.0 * (top + fy * (bottom - top)));
+                line[x] = static_cast<Sample>(sizeof(Sample) == 1 ? sixtyFourths / 64 : sixtyFourths);
+            }
         }
-    }
+    });
     return image;
 }
 

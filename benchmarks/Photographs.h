@@ -14,8 +14,9 @@ typedef boost::shared_ptr<image::BaseImage> ImagePtr;
 /// The photograph of environment variable ORVIK_PICTURE, or camera.png of the demo. Ends the program in words without it.
 std::string photographPath();
 
-/// The photograph enlarged to `size` x `size` by bilinear interpolation, in 64ths of a grey level: unsigned 16 bits.
-ImagePtr enlargedPhotograph(unsigned long size);
+/// The photograph enlarged to `size` x `size` by bilinear interpolation, in 64ths of a grey level; whole grey levels where
+/// the type has 8 bits.
+ImagePtr enlargedPhotograph(unsigned long size, image::eImageBufferType type = image::eIBT_UInt16);
 
 /// Gaussian gradient (sigma 2) of the enlarged photograph along x and y, in signed 16 bits or float.
 std::pair<ImagePtr, ImagePtr> gradientsOfPhotograph(unsigned long size, image::eImageBufferType type);

@@ -475,9 +475,13 @@ TEST(Progress, AnExceptionOfTheCallbackEndsTheRun)
     for (const unsigned int nbThreads : {1, 3}) {
         const WithThreads threads(nbThreads);
         const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 2000)));
-        hook->setProgressCallback([](double fraction) {
-            if (fraction > 0.005)
+        int nbThrown = 0;
+        hook->setProgressCallback([&](double fraction) {
+            if (fraction > 0.005) {
+                ++nbThrown;
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));  // the others end their lines meanwhile
                 throw OddFailure(0);
+            }
         });
         std::atomic<int> nbLines{0};
         {
@@ -488,6 +492,7 @@ TEST(Progress, AnExceptionOfTheCallbackEndsTheRun)
             EXPECT_EQ("odd failure", thrownText<OddFailure>([&] { executeSyncRun(hook); }));
         }
         EXPECT_LT(nbLines, 2000);
+        EXPECT_EQ(1, nbThrown) << "a callback that threw is not called again";
         hook->setProgressCallback(nullptr);
         EXPECT_NO_THROW(executeSyncRun(hook));
     }

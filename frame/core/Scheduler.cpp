@@ -146,24 +146,17 @@ public:
     {
         for (;;) {
             boost::shared_ptr<BaseActionRequest> request;
-            try {
-                if (!takeNext(request))
-                    return;
-                const BoolResult result = request->getAction()->execute(m_childOrigin);
-                const std::lock_guard<std::mutex> lock(m_mutex);
-                if (!result.getValue()) {
-                    fail(result.getMessage(), nullptr);
-                    return;
-                }
-                bool ended = false;
-                m_provider.notifyDerived(request, boost::shared_ptr<const BaseSerializationObject>(), ended);
-                // Under the lock, so that the fractions that the caller sees never go back.
-                m_origin.reportProgress(++m_nbDone, m_nbActions);
-            } catch (...) {
-                const std::lock_guard<std::mutex> lock(m_mutex);
-                fail(std::string(), std::current_exception());
+            if (!alone([&] { return takeNext(request); }))
                 return;
+            BoolResult result;
+            std::exception_ptr exception;
+            try {
+                result = request->getAction()->execute(m_childOrigin);
+            } catch (...) {
+                exception = std::current_exception();
             }
+            if (!alone([&] { return end(request, result, exception); }))
+                return;
         }
     }
 
@@ -180,9 +173,22 @@ public:
     }
 
 private:
-    bool takeNext(boost::shared_ptr<BaseActionRequest>& request)
+    /// Runs something that tells whether to go on, and that no other thread runs meanwhile. What it throws has ended the
+    /// stage before another one comes in: a callback that threw is not called again.
+    template<class F>
+    bool alone(const F& f) noexcept
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
+        try {
+            return f();
+        } catch (...) {
+            fail(std::string(), std::current_exception());
+            return false;
+        }
+    }
+
+    bool takeNext(boost::shared_ptr<BaseActionRequest>& request)
+    {
         if (m_failed || m_origin.isCancellationRequested())
             return false;
         bool hasMore = false;
@@ -191,6 +197,20 @@ private:
         if (!result.getValue())
             fail(result.getMessage(), nullptr);
         return result.getValue() && request;
+    }
+
+    bool end(const boost::shared_ptr<BaseActionRequest>& request, const BoolResult& result, std::exception_ptr exception)
+    {
+        if (exception || !result.getValue()) {
+            fail(exception ? std::string() : result.getMessage(), exception);
+            return false;
+        }
+        bool ended = false;
+        m_provider.notifyDerived(request, boost::shared_ptr<const BaseSerializationObject>(), ended);
+        ++m_nbDone;
+        if (!m_failed)
+            m_origin.reportProgress(m_nbDone, m_nbActions);  // in here the fractions never go back
+        return !m_failed;
     }
 
     void fail(const std::string& message, std::exception_ptr exception)

@@ -47,17 +47,15 @@ typedef boost::shared_ptr<const image::BaseImage> ImagePtr;
 typedef boost::shared_ptr<const LocalExtremaConfig> ConfigPtr;
 typedef boost::shared_ptr<ExtractLocalExtrema2dLvl1> ProcessorPtr;
 
-/// For every plane of the image, or (`onePlane`) for an image that has but one.
-ProcessorPtr makeProcessor(const ImagePtr& image, unsigned int distX, unsigned int distY, const ConfigPtr& config,
-                           bool onePlane)
+ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, unsigned int distX, unsigned int distY,
+                           const ConfigPtr& config)
 {
     const ProcessorPtr processor = processor::createInitialised<ExtractLocalExtrema2dLvl1>();
     processor->set<InImg>(image);
     processor->set<InFeaturesDistX>(distX);
     processor->set<InFeaturesDistY>(distY);
     processor->set<InOptLocalExtremaConfig>(config);
-    if (onePlane)
-        processor->set<OutPIPixels2d>(PlanIndexedPixels2d::createOfOnePlane());
+    askFor<OutPIPixels2d>(planes, *processor);
     return processor;
 }
 
@@ -66,7 +64,7 @@ ProcessorPtr makeProcessor(const ImagePtr& image, unsigned int distX, unsigned i
 boost::shared_ptr<Pixels2d> extractLocalExtrema2d(const ImagePtr& image, unsigned int distX, unsigned int distY,
                                                   const ConfigPtr& config)
 {
-    return processor::runForOutput<OutPIPixels2d>(makeProcessor(image, distX, distY, config, true))->getEntry(PlanIndex());
+    return firstEntryOf(processor::runForOutput<OutPIPixels2d>(makeProcessor(eAP_One, image, distX, distY, config)));
 }
 
 boost::shared_ptr<Pixels2d> extractLocalExtrema2d(const ImagePtr& image, unsigned int distX, unsigned int distY)
@@ -77,7 +75,7 @@ boost::shared_ptr<Pixels2d> extractLocalExtrema2d(const ImagePtr& image, unsigne
 ProcessorPtr extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY,
                                          const ConfigPtr& config)
 {
-    return processor::startAsync(makeProcessor(image, distX, distY, config, true));
+    return processor::startAsync(makeProcessor(eAP_One, image, distX, distY, config));
 }
 
 ProcessorPtr extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY)
@@ -88,7 +86,7 @@ ProcessorPtr extractLocalExtrema2d_async(const ImagePtr& image, unsigned int dis
 boost::shared_ptr<PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(const ImagePtr& image, unsigned int distX,
                                                                         unsigned int distY, const ConfigPtr& config)
 {
-    return processor::runForOutput<OutPIPixels2d>(makeProcessor(image, distX, distY, config, false));
+    return processor::runForOutput<OutPIPixels2d>(makeProcessor(eAP_All, image, distX, distY, config));
 }
 
 boost::shared_ptr<PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(const ImagePtr& image, unsigned int distX,
@@ -100,7 +98,7 @@ boost::shared_ptr<PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(const Im
 ProcessorPtr multiSlice_extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY,
                                                     const ConfigPtr& config)
 {
-    return processor::startAsync(makeProcessor(image, distX, distY, config, false));
+    return processor::startAsync(makeProcessor(eAP_All, image, distX, distY, config));
 }
 
 ProcessorPtr multiSlice_extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY)
@@ -110,7 +108,7 @@ ProcessorPtr multiSlice_extractLocalExtrema2d_async(const ImagePtr& image, unsig
 
 boost::shared_ptr<Pixels2d> getAsyncProcessorOutput(ProcessorPtr processor)
 {
-    return processor::waitForOutput<OutPIPixels2d>(processor)->getEntry(PlanIndex());
+    return firstEntryOf(getAsyncProcessorMultiSliceOutput(processor));
 }
 
 boost::shared_ptr<PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(ProcessorPtr processor)

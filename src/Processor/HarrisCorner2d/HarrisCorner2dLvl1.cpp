@@ -62,14 +62,7 @@ typedef boost::shared_ptr<const CornerDetectionParams> Params;
 typedef boost::shared_ptr<const LocalExtremaConfig> Config;
 typedef boost::shared_ptr<HarrisCorner2dLvl1> ProcessorPtr;
 
-/// For every plane of the image, or for an image that has but one.
-enum ePlanes
-{
-    eP_All,
-    eP_One
-};
-
-ProcessorPtr makeProcessor(ePlanes planes, const ImagePtr& image, const Config& config, unsigned int distX,
+ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, const Config& config, unsigned int distX,
                            unsigned int distY)
 {
     const ProcessorPtr processor = processor::createInitialised<HarrisCorner2dLvl1>();
@@ -77,19 +70,18 @@ ProcessorPtr makeProcessor(ePlanes planes, const ImagePtr& image, const Config& 
     processor->set<InLocalExtremaConfig>(config);
     processor->set<InFeaturesDistX>(distX);
     processor->set<InFeaturesDistY>(distY);
-    if (planes == eP_One)
-        processor->set<OutPIPixels2d>(PlanIndexedPixels2d::createOfOnePlane());
+    askFor<OutPIPixels2d>(planes, *processor);
     return processor;
 }
 
 // The three lists of arguments.
 
-ProcessorPtr makeProcessor(ePlanes planes, const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
+ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
 {
     return makeProcessor(planes, image, createLocalExtremaConfig(maxNbCorners), dist, dist);
 }
 
-ProcessorPtr makeProcessor(ePlanes planes, const ImagePtr& image, float stdDev, unsigned long maxNbCorners,
+ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, float stdDev, unsigned long maxNbCorners,
                            unsigned int dist)
 {
     const ProcessorPtr processor = makeProcessor(planes, image, maxNbCorners, dist);
@@ -97,7 +89,7 @@ ProcessorPtr makeProcessor(ePlanes planes, const ImagePtr& image, float stdDev, 
     return processor;
 }
 
-ProcessorPtr makeProcessor(ePlanes planes, const ImagePtr& image, float stdDev, const Coverage& coverage,
+ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, float stdDev, const Coverage& coverage,
                            const Params& params, unsigned long maxNbCorners, double threshold, unsigned int distX,
                            unsigned int distY)
 {
@@ -116,56 +108,56 @@ boost::shared_ptr<PlanIndexedPixels2d> runAll(const ProcessorPtr& processor)
 
 boost::shared_ptr<Pixels2d> runOne(const ProcessorPtr& processor)
 {
-    return runAll(processor)->getEntry(PlanIndex());
+    return firstEntryOf(runAll(processor));
 }
 
 }  // namespace
 
 boost::shared_ptr<Pixels2d> harrisCorner2d(const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
 {
-    return runOne(makeProcessor(eP_One, image, maxNbCorners, dist));
+    return runOne(makeProcessor(eAP_One, image, maxNbCorners, dist));
 }
 
 boost::shared_ptr<Pixels2d> harrisCorner2d(const ImagePtr& image, float stdDev, unsigned long maxNbCorners,
                                            unsigned int dist)
 {
-    return runOne(makeProcessor(eP_One, image, stdDev, maxNbCorners, dist));
+    return runOne(makeProcessor(eAP_One, image, stdDev, maxNbCorners, dist));
 }
 
 boost::shared_ptr<Pixels2d> harrisCorner2d(const ImagePtr& image, float stdDev, const Coverage& coverage,
                                            const Params& params, unsigned long maxNbCorners, double threshold,
                                            unsigned int distX, unsigned int distY)
 {
-    return runOne(makeProcessor(eP_One, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
+    return runOne(makeProcessor(eAP_One, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
 }
 
 ProcessorPtr harrisCorner2d_async(const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
 {
-    return processor::startAsync(makeProcessor(eP_One, image, maxNbCorners, dist));
+    return processor::startAsync(makeProcessor(eAP_One, image, maxNbCorners, dist));
 }
 
 ProcessorPtr harrisCorner2d_async(const ImagePtr& image, float stdDev, unsigned long maxNbCorners, unsigned int dist)
 {
-    return processor::startAsync(makeProcessor(eP_One, image, stdDev, maxNbCorners, dist));
+    return processor::startAsync(makeProcessor(eAP_One, image, stdDev, maxNbCorners, dist));
 }
 
 ProcessorPtr harrisCorner2d_async(const ImagePtr& image, float stdDev, const Coverage& coverage, const Params& params,
                                   unsigned long maxNbCorners, double threshold, unsigned int distX, unsigned int distY)
 {
     return processor::startAsync(
-        makeProcessor(eP_One, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
+        makeProcessor(eAP_One, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
 }
 
 boost::shared_ptr<PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ImagePtr& image, unsigned long maxNbCorners,
                                                                  unsigned int dist)
 {
-    return runAll(makeProcessor(eP_All, image, maxNbCorners, dist));
+    return runAll(makeProcessor(eAP_All, image, maxNbCorners, dist));
 }
 
 boost::shared_ptr<PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ImagePtr& image, float stdDev,
                                                                  unsigned long maxNbCorners, unsigned int dist)
 {
-    return runAll(makeProcessor(eP_All, image, stdDev, maxNbCorners, dist));
+    return runAll(makeProcessor(eAP_All, image, stdDev, maxNbCorners, dist));
 }
 
 boost::shared_ptr<PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ImagePtr& image, float stdDev,
@@ -173,18 +165,18 @@ boost::shared_ptr<PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ImagePtr&
                                                                  unsigned long maxNbCorners, double threshold,
                                                                  unsigned int distX, unsigned int distY)
 {
-    return runAll(makeProcessor(eP_All, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
+    return runAll(makeProcessor(eAP_All, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
 }
 
 ProcessorPtr multiSlice_harrisCorner2d_async(const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
 {
-    return processor::startAsync(makeProcessor(eP_All, image, maxNbCorners, dist));
+    return processor::startAsync(makeProcessor(eAP_All, image, maxNbCorners, dist));
 }
 
 ProcessorPtr multiSlice_harrisCorner2d_async(const ImagePtr& image, float stdDev, unsigned long maxNbCorners,
                                              unsigned int dist)
 {
-    return processor::startAsync(makeProcessor(eP_All, image, stdDev, maxNbCorners, dist));
+    return processor::startAsync(makeProcessor(eAP_All, image, stdDev, maxNbCorners, dist));
 }
 
 ProcessorPtr multiSlice_harrisCorner2d_async(const ImagePtr& image, float stdDev, const Coverage& coverage,
@@ -192,12 +184,12 @@ ProcessorPtr multiSlice_harrisCorner2d_async(const ImagePtr& image, float stdDev
                                              unsigned int distX, unsigned int distY)
 {
     return processor::startAsync(
-        makeProcessor(eP_All, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
+        makeProcessor(eAP_All, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
 }
 
 boost::shared_ptr<Pixels2d> getAsyncProcessorOutput(ProcessorPtr processor)
 {
-    return processor::waitForOutput<OutPIPixels2d>(processor)->getEntry(PlanIndex());
+    return firstEntryOf(getAsyncProcessorMultiSliceOutput(processor));
 }
 
 boost::shared_ptr<PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(ProcessorPtr processor)

@@ -68,21 +68,20 @@ typedef boost::shared_ptr<const HoughLinesImgParams> ParamsPtr;
 typedef boost::shared_ptr<const HoughLinesExtractionParams> ExtractionPtr;
 typedef boost::shared_ptr<HoughLines2dLvl1> ProcessorPtr;
 
-/// For every plane of the image, or (`onePlane`) for an image that has but one.
-ProcessorPtr makeProcessor(const ImagePtr& image, const ParamsPtr& params, const ExtractionPtr& extraction, bool onePlane)
+ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, const ParamsPtr& params,
+                           const ExtractionPtr& extraction)
 {
     const ProcessorPtr processor = processor::createInitialised<HoughLines2dLvl1>();
     processor->set<InGreyImg2d>(image);
     processor->set<InOptHoughLinesImgParams>(params);
     processor->set<InOptHoughLinesExtractionParams>(extraction);
-    if (onePlane)
-        processor->set<OutPIHoughLines2dPpties>(PlanIndexedHoughLines2dPpties::createOfOnePlane());
+    askFor<OutPIHoughLines2dPpties>(planes, *processor);
     return processor;
 }
 
 HoughLines2dResult firstPlaneOf(const MultiSliceHoughLines2dResult& result)
 {
-    return {result.first->getEntry(PlanIndex()), result.second};
+    return {firstEntryOf(result.first), result.second};
 }
 
 MultiSliceHoughLines2dResult runForResult(const ProcessorPtr& processor)
@@ -95,7 +94,7 @@ MultiSliceHoughLines2dResult runForResult(const ProcessorPtr& processor)
 
 HoughLines2dResult houghLines2d(const ImagePtr& image, const ParamsPtr& params, const ExtractionPtr& extraction)
 {
-    return firstPlaneOf(runForResult(makeProcessor(image, params, extraction, true)));
+    return firstPlaneOf(runForResult(makeProcessor(eAP_One, image, params, extraction)));
 }
 
 HoughLines2dResult houghLines2d(const ImagePtr& image)
@@ -105,7 +104,7 @@ HoughLines2dResult houghLines2d(const ImagePtr& image)
 
 ProcessorPtr houghLines2d_async(const ImagePtr& image, const ParamsPtr& params, const ExtractionPtr& extraction)
 {
-    return processor::startAsync(makeProcessor(image, params, extraction, true));
+    return processor::startAsync(makeProcessor(eAP_One, image, params, extraction));
 }
 
 ProcessorPtr houghLines2d_async(const ImagePtr& image)
@@ -116,7 +115,7 @@ ProcessorPtr houghLines2d_async(const ImagePtr& image)
 MultiSliceHoughLines2dResult multiSlice_houghLines2d(const ImagePtr& image, const ParamsPtr& params,
                                                      const ExtractionPtr& extraction)
 {
-    return runForResult(makeProcessor(image, params, extraction, false));
+    return runForResult(makeProcessor(eAP_All, image, params, extraction));
 }
 
 MultiSliceHoughLines2dResult multiSlice_houghLines2d(const ImagePtr& image)
@@ -126,7 +125,7 @@ MultiSliceHoughLines2dResult multiSlice_houghLines2d(const ImagePtr& image)
 
 ProcessorPtr multiSlice_houghLines2d_async(const ImagePtr& image, const ParamsPtr& params, const ExtractionPtr& extraction)
 {
-    return processor::startAsync(makeProcessor(image, params, extraction, false));
+    return processor::startAsync(makeProcessor(eAP_All, image, params, extraction));
 }
 
 ProcessorPtr multiSlice_houghLines2d_async(const ImagePtr& image)
