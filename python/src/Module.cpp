@@ -2,6 +2,7 @@
 // Python, in orvik_fd.
 
 #include "Kernels.h"
+#include "References.h"
 #include "Run.h"
 #include "Values.h"
 
@@ -16,7 +17,7 @@ namespace orvik { namespace python {
 
 namespace {
 
-/// Exceptions of the library become the package's own, with the same text.
+/// Exceptions of the library become the package's own, with the same text; those of callbacks are themselves.
 void translate(std::exception_ptr failure)
 {
     try {
@@ -26,6 +27,8 @@ void translate(std::exception_ptr failure)
         const bool isCancelled = e.getMessage() == core::getCancelledText();
         const py::object type = py::module_::import("orvik_fd").attr(isCancelled ? "CancelledError" : "Error");
         PyErr_SetString(type.ptr(), e.what());
+    } catch (const RaisedError& e) {
+        e.restore();
     }
 }
 

@@ -57,4 +57,28 @@ boost::shared_ptr<void> keepReference(pybind11::handle object)
     return boost::shared_ptr<void>(object.ptr(), &release);
 }
 
+RaisedError::RaisedError()
+{
+    PyObject *type = nullptr, *value = nullptr, *trace = nullptr;
+    PyErr_Fetch(&type, &value, &trace);
+    PyErr_NormalizeException(&type, &value, &trace);
+    if (trace)
+        PyException_SetTraceback(value, trace);
+    m_value = keepReference(value);
+    Py_XDECREF(type);
+    Py_XDECREF(value);
+    Py_XDECREF(trace);
+}
+
+const char* RaisedError::what() const noexcept
+{
+    return "what the library called in Python raised an exception";
+}
+
+void RaisedError::restore() const
+{
+    PyObject* const value = static_cast<PyObject*>(m_value.get());
+    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(value)), value);
+}
+
 }}  // namespace orvik::python

@@ -63,7 +63,8 @@ public:
             return;
         m_last = now;
         const Locked locked(Locked::eOfCaller);
-        checkSignals();
+        if (PyErr_CheckSignals() != 0)
+            throw RaisedError();
     }
 
 private:
@@ -158,7 +159,7 @@ void Run::watchProgress()
         const Locked locked(Locked::eOfLibrary);
         PyObject* const answer = PyObject_CallFunction(static_cast<PyObject*>(callback.get()), "d", fraction);
         if (!answer)
-            throw py::error_already_set();
+            throw RaisedError();
         Py_DECREF(answer);
     });
 }

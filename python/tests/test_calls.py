@@ -160,8 +160,21 @@ def test_anExceptionOfTheCallbackEndsTheCall(large):
     with pytest.raises(LookupError, match="enough at 0.1"):
         orvik_fd.harrisCorner2dImg(planes, 2, progress=refuse)
     handle = orvik_fd.harrisCorner2dImg_async(planes, 2, progress=refuse)
-    with pytest.raises(LookupError, match="enough at 0.1"):
-        handle.result()
+    raised = []
+
+    def ask():
+        for _ in range(20):
+            with pytest.raises(LookupError, match="enough at 0.1") as error:
+                handle.result()
+            raised.append(error.value)
+
+    askers = [threading.Thread(target=ask) for _ in range(3)]
+    for asker in askers:
+        asker.start()
+    ask()
+    for asker in askers:
+        asker.join()
+    assert len(raised) == 80 and all(error is raised[0] for error in raised)
 
 
 def test_aCallbackMayCall(large):
