@@ -158,16 +158,9 @@ ImagePtr tiedImage(image::eImageBufferType type, const image::ImageSizes& sizes,
     return image;
 }
 
-class CannyKernel : public ::testing::TestWithParam<TypeAndSet>
+class CannyKernel : public KernelTest<CannyEdges2dImgLvl3>
 {
 protected:
-    void SetUp() override
-    {
-        if (!hasKernel<CannyEdges2dImgLvl3>(type(), set()))
-            GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
-    }
-    image::eImageBufferType type() const { return std::get<0>(GetParam()); }
-    core::eInstructionSet set() const { return std::get<1>(GetParam()); }
     void expectReference(const ImagePtr& gx, const ImagePtr& gy, double low, double high) const
     {
         SCOPED_TRACE(toString(gx->getGeometry().getSizes()) + ", thresholds " + std::to_string(low) + ", "
@@ -180,7 +173,6 @@ INSTANTIATE_TEST_SUITE_P(AllKernels, CannyKernel, ::testing::ValuesIn(allKernels
 
 TEST_P(CannyKernel, ClassesEqualTheDefinitionForAnyWidth)
 {
-    const ForcedSet<CannyEdges2dImgLvl3> forced(set());
     for (const unsigned long width : {1ul, 2ul, 3ul, 15ul, 16ul, 17ul, 31ul, 33ul, 62ul, 63ul, 64ul, 65ul, 66ul, 70ul, 127ul,
                                       128ul, 129ul, 200ul}) {
         const image::ImageSizes sizes(width, 1 + width % 5);
@@ -194,7 +186,6 @@ TEST_P(CannyKernel, ClassesEqualTheDefinitionForAnyWidth)
 
 TEST_P(CannyKernel, ClassesEqualTheDefinitionForAnyValues)
 {
-    const ForcedSet<CannyEdges2dImgLvl3> forced(set());
     const image::ImageSizes sizes(137, 9);
     const ImagePtr gx = randomImage(type(), sizes, 9), gy = randomImage(type(), sizes, 10);
     // Low above high, negative, whole roots that magnitudes meet, and thresholds that are no numbers or beyond all.
@@ -206,7 +197,6 @@ TEST_P(CannyKernel, ClassesEqualTheDefinitionForAnyValues)
 
 TEST_P(CannyKernel, ClassesEqualTheDefinitionAtTheTypesLimits)
 {
-    const ForcedSet<CannyEdges2dImgLvl3> forced(set());
     const image::ImageSizes sizes(70, 12);
     const ImagePtr gx = image::createImage(type(), sizes), gy = image::createImage(type(), sizes);
     std::mt19937 random(11);
@@ -234,7 +224,6 @@ INSTANTIATE_TEST_SUITE_P(Int16Kernels, CannySectors, ::testing::ValuesIn(kernels
 
 TEST_P(CannySectors, OfWholeNumbersAreThoseOfTheTangents)
 {
-    const ForcedSet<CannyEdges2dImgLvl3> forced(set());
     // One line per length: four gradients next to each of the two limits of a sector, each beside an equal one, which
     // suppresses it in the sector along that side alone. Both signs meet both corners of the range.
     const int step = 7;
@@ -265,7 +254,6 @@ INSTANTIATE_TEST_SUITE_P(FloatKernels, CannyCloseFloats, ::testing::ValuesIn(ker
 
 TEST_P(CannyCloseFloats, AreComparedExactly)
 {
-    const ForcedSet<CannyEdges2dImgLvl3> forced(set());
     // Pairs of neighbours on an empty image, so far apart that no other comparison shares a vector with theirs. Lengths
     // differ by roundings alone, from each other and from the thresholds; a third of the directions lie that close to the
     // limit of a sector. At the outer scales squares vanish, lose digits or overflow in float.

@@ -115,16 +115,9 @@ ImagePtr fewValues(image::eImageBufferType type, const image::ImageSizes& sizes,
     return image;
 }
 
-class ExtremaKernel : public ::testing::TestWithParam<TypeAndSet>
+class ExtremaKernel : public KernelTest<ExtractLocalExtrema2dLvl3>
 {
 protected:
-    void SetUp() override
-    {
-        if (!hasKernel<ExtractLocalExtrema2dLvl3>(type(), set()))
-            GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
-    }
-    image::eImageBufferType type() const { return std::get<0>(GetParam()); }
-    core::eInstructionSet set() const { return std::get<1>(GetParam()); }
     void expectReference(const ImagePtr& image, unsigned int distX, unsigned int distY, eLocalExtremumType extremum,
                          double threshold) const
     {
@@ -140,7 +133,6 @@ INSTANTIATE_TEST_SUITE_P(AllKernels, ExtremaKernel, ::testing::ValuesIn(allKerne
 
 TEST_P(ExtremaKernel, ListsWhatTheDefinitionSaysForAnyWidthAndDistance)
 {
-    const ForcedSet<ExtractLocalExtrema2dLvl3> forced(set());
     const std::pair<unsigned int, unsigned int> distances[] = {{0, 0}, {1, 1}, {2, 7}, {7, 2}, {0, 3}, {3, 0}, {5, 4}, {90, 90}};
     unsigned int turn = 0;
     for (const unsigned long width : {1ul, 2ul, 3ul, 15ul, 16ul, 17ul, 33ul, 63ul, 64ul, 65ul, 70ul, 128ul, 255ul, 256ul,
@@ -161,7 +153,6 @@ TEST_P(ExtremaKernel, ListsWhatTheDefinitionSaysForAnyWidthAndDistance)
 
 TEST_P(ExtremaKernel, ListsWhatTheDefinitionSaysAtTheTypesLimits)
 {
-    const ForcedSet<ExtractLocalExtrema2dLvl3> forced(set());
     std::vector<double> values;
     image::withSampleType(image::toDataType(type()), [&](auto sample) {
         typedef decltype(sample) T;
@@ -189,7 +180,6 @@ public:
 
 TEST_P(ExtremaKernel, ComparesWhatIsLeftOfARunWithItsNextPixelsAlone)
 {
-    const ForcedSet<ExtractLocalExtrema2dLvl3> forced(set());
     const unsigned long vector = set() == core::eIS_Avx512 ? 64 : set() == core::eIS_Avx2 ? 32 : 16;
     const unsigned long block = 4 * vector / image::getImageBufferBaseSize(type());
     for (const unsigned long width : {block, block + 1, 2 * block - 1, 7ul})

@@ -84,16 +84,9 @@ void respond(const std::vector<ImagePtr>& tensor, const ImagePtr& out, int type,
     processor::executeSyncRun(processor);
 }
 
-class HarrisKernel : public ::testing::TestWithParam<TypeAndSet>
+class HarrisKernel : public KernelTest<HarrisCorner2dImgLvl3>
 {
 protected:
-    void SetUp() override
-    {
-        if (!hasKernel<HarrisCorner2dImgLvl3>(type(), set()))
-            GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
-    }
-    image::eImageBufferType type() const { return std::get<0>(GetParam()); }
-    core::eInstructionSet set() const { return std::get<1>(GetParam()); }
     /// Random samples of the whole type, and what floats are odd about.
     std::vector<ImagePtr> tensor(const image::ImageSizes& sizes) const
     {
@@ -116,7 +109,6 @@ INSTANTIATE_TEST_SUITE_P(AllKernels, HarrisKernel, ::testing::ValuesIn(allKernel
 
 TEST_P(HarrisKernel, ResponsesEqualTheDefinition)
 {
-    const ForcedSet<HarrisCorner2dImgLvl3> forced(set());
     for (const unsigned long width : {1ul, 15ul, 16ul, 17ul, 63ul, 64ul, 65ul, 127ul, 128ul, 200ul}) {
         const std::vector<ImagePtr> from = tensor({width, 5});
         const ImagePtr out = image::createImageLike(*from[0], type());
@@ -133,7 +125,6 @@ TEST_P(HarrisKernel, ResponsesEqualTheDefinition)
 
 TEST_P(HarrisKernel, TheResultMayLieOverAComponentAndBetweenBytesOfOthers)
 {
-    const ForcedSet<HarrisCorner2dImgLvl3> forced(set());
     for (const unsigned long width : {5ul, 70ul, 130ul}) {
         const image::ImageSizes sizes(width, 7);
         const std::vector<ImagePtr> from = tensor(sizes);

@@ -132,16 +132,9 @@ ImagePtr sparse(image::eImageBufferType type, const ImageSizes& sizes, unsigned 
     return image;
 }
 
-class HoughLinesKernel : public ::testing::TestWithParam<TypeAndSet>
+class HoughLinesKernel : public KernelTest<HoughLines2dImgLvl3>
 {
 protected:
-    void SetUp() override
-    {
-        if (!hasKernel<HoughLines2dImgLvl3>(type(), set()))
-            GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
-    }
-    image::eImageBufferType type() const { return std::get<0>(GetParam()); }
-    core::eInstructionSet set() const { return std::get<1>(GetParam()); }
     /// Into accumulators of all three types, on buffers with gaps, with more rows than angles.
     void expectReference(const ImagePtr& plane, const Params& params) const
     {
@@ -168,7 +161,6 @@ INSTANTIATE_TEST_SUITE_P(AllKernels, HoughLinesKernel, ::testing::ValuesIn(allKe
 
 TEST_P(HoughLinesKernel, VotesAsDefinedForAnyWidth)
 {
-    const ForcedSet<HoughLines2dImgLvl3> forced(set());
     const WithThreads one(1);
     const ParamsPtr many[] = {createHoughLinesImgParams(), paramsOf(0.5, -0.3, 0.4, 23, 0.5f),
                               paramsOf(2.75, -kPi, kPi, 40, -50.0f), paramsOf(1.0, kPi, 0.0, 31, 1.0f)};
@@ -190,7 +182,6 @@ TEST_P(HoughLinesKernel, VotesAsDefinedForAnyWidth)
 
 TEST_P(HoughLinesKernel, VotesAsDefinedAtTheTypesLimits)
 {
-    const ForcedSet<HoughLines2dImgLvl3> forced(set());
     const WithThreads one(1);
     std::vector<double> values = {0, 1, 1, 2, 3};
     std::vector<float> thresholds = {0.0f, -0.0f, 0.999f, 1.0f, 1e30f, -1e30f, std::numeric_limits<float>::quiet_NaN(),

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <tuple>
 
 namespace orvik::test {
@@ -63,5 +64,23 @@ bool hasKernel(unsigned int bufferType, core::eInstructionSet set)
             return true;
     return false;
 }
+
+/// A test of Level 3 class `X` with one of its kernels, which is forced meanwhile; skipped where there is none.
+template<class X>
+class KernelTest : public ::testing::TestWithParam<TypeAndSet>
+{
+protected:
+    void SetUp() override
+    {
+        if (!hasKernel<X>(type(), set()))
+            GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
+        m_forced = std::make_unique<ForcedSet<X> >(set());
+    }
+    image::eImageBufferType type() const { return std::get<0>(GetParam()); }
+    core::eInstructionSet set() const { return std::get<1>(GetParam()); }
+
+private:
+    std::unique_ptr<ForcedSet<X> > m_forced;
+};
 
 }  // namespace orvik::test

@@ -51,16 +51,9 @@ double reference(const image::BaseImage& a, const image::BaseImage& b)
     return std::isnan(m) ? std::numeric_limits<double>::lowest() : m;
 }
 
-class MaxL2Norm2Msr : public ::testing::TestWithParam<TypeAndSet>
+class MaxL2Norm2Msr : public KernelTest<MaxL2Norm2MsrLvl3>
 {
 protected:
-    void SetUp() override
-    {
-        if (!hasKernel<MaxL2Norm2MsrLvl3>(type(), set()))
-            GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
-    }
-    image::eImageBufferType type() const { return std::get<0>(GetParam()); }
-    core::eInstructionSet set() const { return std::get<1>(GetParam()); }
     /// The widest set rounds a square and the sum once, the others twice: one unit in the last place of the sum, half
     /// of one of its root.
     void expectMeasure(double expected, double found) const
@@ -77,7 +70,6 @@ INSTANTIATE_TEST_SUITE_P(AllKernels, MaxL2Norm2Msr, ::testing::ValuesIn(allKerne
 
 TEST_P(MaxL2Norm2Msr, EqualsTheDefinitionForAnyWidth)
 {
-    const ForcedSet<MaxL2Norm2MsrLvl3> forced(set());
     for (unsigned long width = 1; width <= 70; ++width)
         for (const unsigned long beyond : {0ul, 64ul, 192ul}) {
             if (beyond != 0 && width % 21 > 1)
@@ -97,7 +89,6 @@ TEST_P(MaxL2Norm2Msr, EqualsTheDefinitionForAnyWidth)
 
 TEST_P(MaxL2Norm2Msr, IsFiveForThreeAndFourAndExactAtTheTypesLimits)
 {
-    const ForcedSet<MaxL2Norm2MsrLvl3> forced(set());
     const image::ImageSizes sizes(131, 2);
     const ImagePtr a = image::createImage(type(), sizes), b = image::createImage(type(), sizes);
     EXPECT_EQ(0.0, maxL2Norm2Msr(a, b));
@@ -128,7 +119,6 @@ INSTANTIATE_TEST_SUITE_P(FloatKernels, MaxL2Norm2MsrOfFloats, ::testing::ValuesI
 
 TEST_P(MaxL2Norm2MsrOfFloats, KeepsTheRuleForValuesThatAreNoNumbers)
 {
-    const ForcedSet<MaxL2Norm2MsrLvl3> forced(set());
     const image::ImageSizes sizes(192, 1);
     for (const float odd : {kNan, kInfinity, -kInfinity, -0.0f, 3e38f, 1e-30f})
         for (const unsigned long x : {0ul, 1ul, 17ul, 100ul, 190ul, 191ul}) {

@@ -20,16 +20,14 @@
 #include <tiffio.h>
 #include <unistd.h>
 
-namespace orvik::examples
-{
-namespace
-{
+namespace orvik::examples {
+namespace {
 
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
 using Values = std::vector<double>;
 
-template <typename Sample>
+template<typename Sample>
 Bytes bytesOf(const std::vector<Sample>& samples)
 {
     const auto* first = reinterpret_cast<const unsigned char*>(samples.data());
@@ -40,12 +38,8 @@ Values valuesOf(const Picture& picture)
 {
     Values values;
     for (unsigned long y = 0; y < picture.sizeY; ++y)
-    {
         for (unsigned long x = 0; x < picture.sizeX; ++x)
-        {
             values.push_back(picture.valueAt(x, y));
-        }
-    }
     return values;
 }
 
@@ -59,8 +53,7 @@ void makePng(const std::string& path, int sizeX, int sizeY, int depth, int colou
     png_infop info = png_create_info_struct(png);
     png_init_io(png, file);
     png_set_IHDR(png, info, sizeX, sizeY, depth, colourType, interlace, 0, 0);
-    if (!palette.empty())
-    {
+    if (!palette.empty()) {
         png_set_PLTE(png, info, palette.data(), static_cast<int>(palette.size()));
         const Bytes alpha(palette.size(), 100);
         png_set_tRNS(png, info, alpha.data(), static_cast<int>(alpha.size()), nullptr);
@@ -69,9 +62,7 @@ void makePng(const std::string& path, int sizeX, int sizeY, int depth, int colou
     const std::size_t rowBytes = data.size() / sizeY;
     const int passes = data.empty() ? 0 : png_set_interlace_handling(png);
     for (int i = 0; i < passes * sizeY; ++i)
-    {
         png_write_row(png, data.data() + i % sizeY * rowBytes);
-    }
     data.empty() ? png_write_chunk(png, reinterpret_cast<png_const_bytep>("IDAT"), nullptr, 0)
                  : png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
@@ -93,21 +84,15 @@ void makeJpeg(const std::string& path, unsigned size, int channels, bool progres
     jpeg_set_defaults(&codec);
     jpeg_set_quality(&codec, 100, TRUE);
     if (progressive)
-    {
         jpeg_simple_progression(&codec);
-    }
     jpeg_start_compress(&codec, TRUE);
     Bytes row(size * channels, 30);
-    for (unsigned x = 0; x < size; ++x)
-    {
+    for (unsigned x = 0; x < size; ++x) {
         row[x * channels] = static_cast<unsigned char>(100 + x);
         if (channels > 1)
-        {
             row[x * channels + 1] = 200;
-        }
     }
-    for (unsigned y = 0; y < size; ++y)
-    {
+    for (unsigned y = 0; y < size; ++y) {
         JSAMPROW rows = row.data();
         jpeg_write_scanlines(&codec, &rows, 1);
     }
@@ -125,7 +110,7 @@ struct TiffLayout
     int photometric = PHOTOMETRIC_MINISBLACK;
     int channels = 1;
     bool separate = false;
-    std::uint32_t blockX = 0; // 0: strips
+    std::uint32_t blockX = 0;  // 0: strips
     std::uint32_t blockY = 1;
     const char* mode = "w";
     int compression = COMPRESSION_NONE;
@@ -143,29 +128,23 @@ void makeTiff(const std::string& path, const TiffLayout& layout, const Bytes& bl
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, layout.separate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, layout.compression);
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, layout.photometric);
-    if (layout.photometric == PHOTOMETRIC_YCBCR)
-    {
+    if (layout.photometric == PHOTOMETRIC_YCBCR) {
         TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
         TIFFSetField(tiff, TIFFTAG_JPEGQUALITY, 100);
     }
-    if (layout.photometric == PHOTOMETRIC_PALETTE)
-    {
+    if (layout.photometric == PHOTOMETRIC_PALETTE) {
         std::vector<std::uint16_t> red(256), green(256), blue(256);
         red[7] = green[8] = blue[9] = 65535;
         TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
     }
-    if (layout.blockX > 0)
-    {
+    if (layout.blockX > 0) {
         TIFFSetField(tiff, TIFFTAG_TILEWIDTH, layout.blockX);
         TIFFSetField(tiff, TIFFTAG_TILELENGTH, layout.blockY);
-    }
-    else
-    {
+    } else {
         TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, layout.blockY);
     }
     std::uint32_t index = 0;
-    for (std::size_t at = 0; at < blocks.size(); at += blockBytes, ++index)
-    {
+    for (std::size_t at = 0; at < blocks.size(); at += blockBytes, ++index) {
         Bytes block(blocks.begin() + at, blocks.begin() + std::min(blocks.size(), at + blockBytes));
         layout.blockX > 0 ? TIFFWriteEncodedTile(tiff, index, block.data(), block.size())
                           : TIFFWriteEncodedStrip(tiff, index, block.data(), block.size());
@@ -207,12 +186,9 @@ protected:
     /// The text of the error that reading gives, without the part that names the file.
     static std::string reasonOf(const std::string& path)
     {
-        try
-        {
+        try {
             readPicture(path);
-        }
-        catch (const PictureError& error)
-        {
+        } catch (const PictureError& error) {
             const std::string start = "cannot read '" + path + "': ";
             EXPECT_EQ(std::string(error.what()).substr(0, start.size()), start);
             return std::string(error.what()).substr(start.size());
@@ -268,17 +244,14 @@ TEST_F(PictureIo, ReadsEveryKindOfPng)
 
     Bytes ramp(9 * 7);
     for (std::size_t i = 0; i < ramp.size(); ++i)
-    {
         ramp[i] = static_cast<unsigned char>(i * 4);
-    }
     makePng(in("interlaced"), 9, 7, 8, PNG_COLOR_TYPE_GRAY, ramp, {}, PNG_INTERLACE_ADAM7);
     EXPECT_EQ(readPicture(in("interlaced")).samples, ramp);
 }
 
 TEST_F(PictureIo, ReadsJpegAsGrey)
 {
-    for (const bool progressive : {false, true})
-    {
+    for (const bool progressive : {false, true}) {
         makeJpeg(in("grey"), 40, 1, progressive);
         makeJpeg(in("colour"), 40, 3, progressive);
         const Picture grey = readPicture(in("grey"));
@@ -293,12 +266,11 @@ TEST_F(PictureIo, ReadsJpegAsGrey)
 
 TEST_F(PictureIo, ReadsEverySampleTypeOfTiffInBothByteOrders)
 {
-    for (const char* mode : {"wl", "wb", "wb8"})
-    {
+    for (const char* mode : {"wl", "wb", "wb8"}) {
         TiffLayout layout;
         layout.sizeX = 2;
         layout.sizeY = 3;
-        layout.blockY = 2; // the last strip is shorter
+        layout.blockY = 2;  // the last strip is shorter
         layout.mode = mode;
         makeTiff(in("t"), layout, {1, 2, 3, 4, 5, 255}, 4);
         EXPECT_EQ(readPicture(in("t")).samples, (Bytes{1, 2, 3, 4, 5, 255}));
@@ -325,18 +297,15 @@ TEST_F(PictureIo, ReadsTiffTilesPlanesAndColours)
     tiled.sizeY = 17;
     tiled.blockX = tiled.blockY = 16;
     tiled.compression = COMPRESSION_ADOBE_DEFLATE;
-    for (const int channels : {1, 3})
-    {
-        for (const bool separate : {false, true})
-        {
+    for (const int channels : {1, 3}) {
+        for (const bool separate : {false, true}) {
             tiled.channels = channels;
             tiled.separate = separate;
             tiled.photometric = channels == 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
             // red = 10 x, green = 10 y, blue = 250
             Bytes blocks;
             const int planes = separate ? channels : 1;
-            for (int i = 0; i < planes * 4 * 256 * channels / planes; ++i)
-            {
+            for (int i = 0; i < planes * 4 * 256 * channels / planes; ++i) {
                 const int channel = separate ? i / 1024 : i % channels;
                 const int pixel = separate ? i % 1024 : i / channels;
                 const int x = pixel / 256 % 2 * 16 + pixel % 16;
@@ -346,8 +315,7 @@ TEST_F(PictureIo, ReadsTiffTilesPlanesAndColours)
             makeTiff(in("tiled"), tiled, blocks, separate ? 256 : 256 * channels);
             const Picture picture = readPicture(in("tiled"));
             ASSERT_EQ(picture.samples.size(), 18U * 17U);
-            for (const unsigned long at : {0, 15, 16})
-            {
+            for (const unsigned long at : {0, 15, 16}) {
                 const double expected = channels == 1 ? 10.0 * (at + 1) : 2.99 * (at + 1) + 5.87 * at + 28.5;
                 EXPECT_EQ(picture.valueAt(at + 1, at), std::floor(expected + 0.5 + 1e-9)) << channels << separate;
             }
@@ -368,7 +336,7 @@ TEST_F(PictureIo, ReadsTiffTilesPlanesAndColours)
     layout.photometric = PHOTOMETRIC_RGB;
     layout.depth = 16;
     layout.format = SAMPLEFORMAT_INT;
-    makeTiff(in("t"), layout, bytesOf<std::int16_t>({-3, -3, -9}), 6); // -3.684
+    makeTiff(in("t"), layout, bytesOf<std::int16_t>({-3, -3, -9}), 6);  // -3.684
     EXPECT_EQ(valuesOf(readPicture(in("t"))), Values{-4});
     layout.separate = true;
     layout.depth = 32;
@@ -383,9 +351,7 @@ TEST_F(PictureIo, ReadsTiffTilesPlanesAndColours)
     layout.compression = COMPRESSION_JPEG;
     Bytes red(16 * 16 * 3, 0);
     for (std::size_t i = 0; i < red.size(); i += 3)
-    {
         red[i] = 255;
-    }
     makeTiff(in("t"), layout, red, red.size());
     EXPECT_NEAR(readPicture(in("t")).valueAt(15, 15), 76, 2);
 }
@@ -420,8 +386,7 @@ TEST_F(PictureIo, RefusesTruncatedFilesAtEveryLength)
 {
     Bytes noise(32 * 32);
     unsigned state = 1;
-    for (unsigned char& sample : noise)
-    {
+    for (unsigned char& sample : noise) {
         state = state * 1103515245 + 12345;
         sample = static_cast<unsigned char>(state >> 16);
     }
@@ -433,15 +398,13 @@ TEST_F(PictureIo, RefusesTruncatedFilesAtEveryLength)
     layout.sizeX = layout.sizeY = 32;
     layout.blockY = 16;
     makeTiff(in("tiff"), layout, noise, 512);
-    layout.photometric = PHOTOMETRIC_PALETTE; // written after the samples, and the codec does without
+    layout.photometric = PHOTOMETRIC_PALETTE;  // written after the samples, and the codec does without
     makeTiff(in("palette"), layout, noise, 512);
 
-    for (const char* name : {"png", "interlaced", "jpeg", "progressive", "tiff", "palette"})
-    {
+    for (const char* name : {"png", "interlaced", "jpeg", "progressive", "tiff", "palette"}) {
         const Bytes whole = readBytes(in(name));
         ASSERT_EQ(reasonOf(in(name)), "no error");
-        for (std::size_t length = 0; length < whole.size(); ++length)
-        {
+        for (std::size_t length = 0; length < whole.size(); ++length) {
             writeBytes(in("cut"), whole, length);
             ASSERT_NE(reasonOf(in("cut")), "no error") << name << " cut to " << length << " of " << whole.size();
         }
@@ -457,7 +420,7 @@ TEST_F(PictureIo, RefusesDamagedFilesWithTheWordsOfTheCodec)
     const Bytes grey(64 * 64, 77);
     writeGreyPng(in("png"), 64, 64, grey.data(), 64);
     Bytes bytes = readBytes(in("png"));
-    bytes[bytes.size() - 14] ^= 0xFF; // the checksum after the last samples
+    bytes[bytes.size() - 14] ^= 0xFF;  // the checksum after the last samples
     writeBytes(in("png"), bytes, bytes.size());
     EXPECT_EQ(reasonOf(in("png")), "IDAT: CRC error");
 
@@ -475,9 +438,7 @@ TEST_F(PictureIo, RefusesDamagedFilesWithTheWordsOfTheCodec)
     layout.compression = COMPRESSION_JPEG;
     Bytes rising(64 * 64 * 3);
     for (std::size_t i = 0; i < rising.size(); ++i)
-    {
         rising[i] = static_cast<unsigned char>(i * i / 7);
-    }
     makeTiff(in("tiff"), layout, rising, rising.size());
     TIFF* tiff = TIFFOpen(in("tiff").c_str(), "r+");
     Bytes strip(TIFFRawStripSize(tiff, 0));
@@ -494,9 +455,7 @@ TEST_F(PictureIo, RefusesAbsurdSizesWithoutFillingMemory)
     makeTiff(in("tiff"), TiffLayout(), {1}, 1);
     TIFF* tiff = TIFFOpen(in("tiff").c_str(), "r+");
     for (const auto tag : {TIFFTAG_IMAGEWIDTH, TIFFTAG_IMAGELENGTH, TIFFTAG_ROWSPERSTRIP})
-    {
         TIFFSetField(tiff, tag, 0x7FFFFFF0U);
-    }
     TIFFRewriteDirectory(tiff);
     TIFFClose(tiff);
     EXPECT_EQ(reasonOf(in("tiff")), "the picture is too large (2147483632 x 2147483632)");
@@ -519,14 +478,10 @@ TEST_F(PictureIo, RefusesAbsurdSizesWithoutFillingMemory)
 TEST_F(PictureIo, LeavesNothingBehindWhenWritingFails)
 {
     const Bytes grey(2000, 1);
-    const auto reasonOfWriting = [&](const std::string& path, unsigned long sizeX = 2)
-    {
-        try
-        {
+    const auto reasonOfWriting = [&](const std::string& path, unsigned long sizeX = 2) {
+        try {
             writeGreyPng(path, sizeX, 2, grey.data(), 1);
-        }
-        catch (const PictureError& error)
-        {
+        } catch (const PictureError& error) {
             return std::string(error.what());
         }
         return std::string("no error");
@@ -576,5 +531,5 @@ TEST(PictureDisplay, StretchesTheFiniteRange)
     EXPECT_THROW(toDisplay8({2, 2, SampleType::UInt8, {7}}), std::invalid_argument);
 }
 
-} // namespace
-} // namespace orvik::examples
+}  // namespace
+}  // namespace orvik::examples

@@ -68,17 +68,7 @@ double smoothed(const std::function<double(long, long)>& f, long x, long y, cons
     return sum / norm;
 }
 
-class TensorKernel : public ::testing::TestWithParam<TypeAndSet>
-{
-protected:
-    void SetUp() override
-    {
-        if (set() == core::eIS_Avx || !hasKernel<StructureTensor2dImgLvl3>(type(), set()))
-            GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
-    }
-    image::eImageBufferType type() const { return std::get<0>(GetParam()); }
-    core::eInstructionSet set() const { return std::get<1>(GetParam()); }
-};
+typedef KernelTest<StructureTensor2dImgLvl3> TensorKernel;
 
 INSTANTIATE_TEST_SUITE_P(AllKernels, TensorKernel, ::testing::ValuesIn(allKernels()), kernelName);
 

@@ -1,4 +1,4 @@
-// Results, catalogues of texts, loggers and the throw site.
+// Limits, catalogues of texts, loggers and the throw site.
 
 #include "LogMessages.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
@@ -11,7 +11,6 @@
 #include "frame/processor/ClassStatics.h"
 #include "frame/util/FrameMessages.h"
 #include "frame/util/NumericLimits.h"
-#include "frame/util/ProcessingResult.h"
 
 #include <boost/format/exceptions.hpp>
 #include <log4cplus/appender.h>
@@ -79,15 +78,6 @@ private:
     Appender* m_appender;
     log4cplus::SharedAppenderPtr m_shared;
 };
-
-TEST(ProcessingResult, SuccessHasNoMessageAndFailureHasItsReason)
-{
-    EXPECT_TRUE(success().getValue());
-    EXPECT_EQ("", success().getMessage());
-    EXPECT_FALSE(failure("why").getValue());
-    EXPECT_EQ("why", failure("why").getMessage());
-    EXPECT_EQ(0, ProcessingResult<int>().getValue());
-}
 
 TEST(NumericLimits, TheLowestFloatIsNegative)
 {
