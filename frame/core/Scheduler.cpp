@@ -30,33 +30,26 @@ namespace orvik { namespace core {
 namespace {
 
 /// oneTBB hands a task from thread to thread by atomics that the thread sanitizer does not see, not being built with
-/// it. So it is told: what was done before a task was given is done for who takes one, and a task that was left is left
-/// for the one that is made in the same memory.
+/// it. So it is told: what was done before a task was given is done for who takes one, and a task that was destroyed is
+/// done with for those that are made later, maybe in the same memory and of another type.
 struct TaskHandOver
 {
 #ifdef __SANITIZE_THREAD__
-    static void give() { __tsan_release(&s_place); }
-    static void take() { __tsan_acquire(&s_place); }
-    static void leave(const void* task) { __tsan_release(const_cast<void*>(task)); }
-    static void reuse(const void* task) { __tsan_acquire(const_cast<void*>(task)); }
-    static char s_place;
+    static void give() { __tsan_release(&s_given); }
+    static void take() { __tsan_acquire(&s_given); }
+    static void leave() { __tsan_release(&s_left); }
+    static void reuse() { __tsan_acquire(&s_left); }
+    static char s_given, s_left;
 #else
     static void give() {}
     static void take() {}
-    static void leave(const void*) {}
-    static void reuse(const void*) {}
+    static void leave() {}
+    static void reuse() {}
 #endif
 };
-
-/// The life of a task's work.
-struct TaskScope
-{
-    explicit TaskScope(const void* runningTask) : task(runningTask) { TaskHandOver::take(); }
-    ~TaskScope() { TaskHandOver::leave(task); }
-    const void* task;
-};
 #ifdef __SANITIZE_THREAD__
-char TaskHandOver::s_place = 0;
+char TaskHandOver::s_given = 0;
+char TaskHandOver::s_left = 0;
 #endif
 
 /// Threads that work together. Made once per number of threads and never destroyed: the threads of oneTBB may outlive
@@ -238,14 +231,15 @@ class StageTask
 {
 public:
     StageTask(StageRun& stage, Pool& pool) : m_stage(stage), m_pool(pool) {}
-    StageTask(const StageTask& other) : m_stage((TaskHandOver::reuse(this), other.m_stage)), m_pool(other.m_pool)
+    StageTask(const StageTask& other) : m_stage((TaskHandOver::reuse(), other.m_stage)), m_pool(other.m_pool)
     {
         TaskHandOver::give();
     }
+    ~StageTask() { TaskHandOver::leave(); }  // oneTBB reads nothing of its task after this
     StageTask& operator=(const StageTask&) = delete;
     void operator()() const
     {
-        const TaskScope task(this);
+        TaskHandOver::take();
         const PoolScope pool(m_pool);
         m_stage.work();
     }
@@ -267,14 +261,15 @@ public:
     {
     }
     BackgroundTask(const BackgroundTask& other)
-        : m_action((TaskHandOver::reuse(this), other.m_action)), m_work(other.m_work), m_pool(other.m_pool)
+        : m_action((TaskHandOver::reuse(), other.m_action)), m_work(other.m_work), m_pool(other.m_pool)
     {
         TaskHandOver::give();
     }
+    ~BackgroundTask() { TaskHandOver::leave(); }  // oneTBB reads nothing of its task after this
     BackgroundTask& operator=(const BackgroundTask&) = delete;
     void operator()() const
     {
-        const TaskScope task(this);
+        TaskHandOver::take();
         const PoolScope pool(m_pool);
         const std::unique_ptr<boost::shared_ptr<BaseAction> > action(m_action);
         m_work(std::move(*action));
