@@ -36,7 +36,8 @@ boost::shared_ptr<StatsResult> statsOf(const ImagePtr& image)
     const auto measure = createInitialised<StatsMsr2dLvl2>();
     measure->set<InSubImg2d>(image);
     measure->set<OutStatsResult>(StatsResult::createNode(1, 2, 3, 4, 5, 6));
-    return processor::runForOutput<OutStatsResult>(measure);
+    processor::executeSyncRun(measure);
+    return measure->getStorage<OutStatsResult>();
 }
 
 boost::shared_ptr<Histogram> histogramOf(const ImagePtr& image)
@@ -44,7 +45,8 @@ boost::shared_ptr<Histogram> histogramOf(const ImagePtr& image)
     const auto measure = createInitialised<HistogramMsr2dLvl2>();
     measure->set<InSubImg2d>(image);
     measure->set<OutHistogramResult>(Histogram::createNode(true, 1, 2, 3, Counts(7, 7)));
-    return processor::runForOutput<OutHistogramResult>(measure);
+    processor::executeSyncRun(measure);
+    return measure->getStorage<OutHistogramResult>();
 }
 
 ImagePtr lineOf(image::eImageBufferType type, const std::vector<double>& values)

@@ -30,6 +30,20 @@ inline boost::shared_ptr<HookLvl1> hookOn(const ImagePtr& image)
     return hook;
 }
 
+template<class P>
+boost::shared_ptr<P> startInBackground(const boost::shared_ptr<P>& processor)
+{
+    processor->run(core::eST_Asynchronous);
+    return processor;
+}
+
+/// The lists of a run in the background, when it has ended.
+inline boost::shared_ptr<PlanIndexedMarks> listsOf(const boost::shared_ptr<HookLvl1>& hook)
+{
+    processor::waitForEnd(hook);
+    return hook->getStorage<OutPIMarks>();
+}
+
 /// Lines of all planes in their order, as plane, row and first sample.
 inline std::vector<long> linesOf(const PlanIndexedMarks& lists)
 {

@@ -123,7 +123,7 @@ TEST(Threads, AsManyAsAskedForWorkOnTheLinesOfOnePlane)
         });
         const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 20)));
         if (inBackground)
-            waitForOutput<OutPIMarks>(startAsync(hook));
+            listsOf(startInBackground(hook));
         else
             executeSyncRun(hook);
         EXPECT_TRUE(met) << (inBackground ? "in the background" : "at once");
@@ -253,7 +253,7 @@ TEST(Background, ARunReturnsAtOnceAndCanBeWaitedFor)
         EXPECT_FALSE(hook->hasFailed());
         gate.open();
         EXPECT_TRUE(hook->waitForEnd(std::numeric_limits<unsigned long>::max()));
-        EXPECT_EQ(expectedLines(*image), linesOf(*waitForOutput<OutPIMarks>(hook)));
+        EXPECT_EQ(expectedLines(*image), linesOf(*listsOf(hook)));
         EXPECT_FALSE(hook->isRunning());
         EXPECT_EQ("", hook->getErrorMessage());
     }
@@ -313,7 +313,7 @@ TEST(Background, AFailureIsKeptForWhoeverAsks)
     {
         const OnLine onLine([](unsigned long y) -> BoolResult { throw OddFailure(y); });
         ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue());
-        EXPECT_EQ("odd failure", thrownText<OddFailure>([&] { waitForOutput<OutPIMarks>(hook); }));
+        EXPECT_EQ("odd failure", thrownText<OddFailure>([&] { listsOf(hook); }));
     }
     EXPECT_TRUE(hook->hasFailed());
     EXPECT_EQ("odd failure", hook->getErrorMessage());

@@ -94,7 +94,7 @@ void hashLine(const std::vector<const Sample*>& rows, const image::StripMargins&
     }
 }
 
-class HashYLvl3 : public processor::ProcessingAlgorithm<HashYLvl3, InTinyKnlYStrip, InReach, OutTinyYStrip>
+class HashYLvl3 : public ProcessingAlgorithm<HashYLvl3, InTinyKnlYStrip, InReach, OutTinyYStrip>
 {
     ORVIK_PROCESSOR(HashYLvl3, 1)
 
@@ -103,7 +103,7 @@ class HashYLvl3 : public processor::ProcessingAlgorithm<HashYLvl3, InTinyKnlYStr
     processor::StageResult preProcess() override
     {
         const Reach& reach = *value<InReach>();
-        borderParser<InTinyKnlYStrip, KernelYStrip2dParser>().setBorder2dPolicy(image::Border2dPolicy(
+        setBorder<InTinyKnlYStrip>(image::Border2dPolicy(
             static_cast<image::eBorderType>(reach.get<Reach::Border>()), reach.get<Reach::Value>()));
         return done();
     }
@@ -125,7 +125,7 @@ class HashYLvl3 : public processor::ProcessingAlgorithm<HashYLvl3, InTinyKnlYStr
 inline HashYLvl3::HashYLvl3() = default;
 inline HashYLvl3::~HashYLvl3() = default;
 
-class HashZLvl3 : public processor::ProcessingAlgorithm<HashZLvl3, InTinyKnlZStrip, InReach, OutTinyZStrip>
+class HashZLvl3 : public ProcessingAlgorithm<HashZLvl3, InTinyKnlZStrip, InReach, OutTinyZStrip>
 {
     ORVIK_PROCESSOR(HashZLvl3, 2)
 
@@ -134,7 +134,7 @@ class HashZLvl3 : public processor::ProcessingAlgorithm<HashZLvl3, InTinyKnlZStr
     processor::StageResult preProcess() override
     {
         const Reach& reach = *value<InReach>();
-        borderParser<InTinyKnlZStrip, KernelZStrip3dParser>().setBorder3dPolicy(image::Border3dPolicy(
+        setBorder<InTinyKnlZStrip>(image::Border3dPolicy(
             static_cast<image::eBorderType>(reach.get<Reach::Border>()), reach.get<Reach::Value>()));
         return done();
     }
@@ -171,10 +171,10 @@ class HashLvl2 : public processor::Processor<HashLvl2<Volumes>, processor::BaseA
         const auto& out = this->template value<OutTinyImg>();
         const image::StripMargins margins = marginsOf(*reach);
         if constexpr (Volumes)
-            return dispatch<HashZLvl3>(priority, provider, StripsOf<InTinyKnlZStrip>{in, margins}, same<InReach>(reach),
+            return dispatch<HashZLvl3>(priority, provider, stripsWithMargins<InTinyKnlZStrip>(in, margins), same<InReach>(reach),
                                        strips<OutTinyZStrip>(out));
         else
-            return dispatch<HashYLvl3>(priority, provider, StripsOf<InTinyKnlYStrip>{in, margins}, same<InReach>(reach),
+            return dispatch<HashYLvl3>(priority, provider, stripsWithMargins<InTinyKnlYStrip>(in, margins), same<InReach>(reach),
                                        strips<OutTinyYStrip>(out));
     }
 };
@@ -222,7 +222,7 @@ struct RunLog
 };
 
 template<class D, class Mode, unsigned long Granularity, class In, class Out>
-class CopyBase : public processor::ProcessingAlgorithm<D, In, Out>
+class CopyBase : public ProcessingAlgorithm<D, In, Out>
 {
 public:
     typedef Mode ParserMode;
@@ -296,7 +296,7 @@ struct Hook
 };
 
 /// Lists each line of its strip: the first sample as Id.
-class HookLvl3 : public processor::ProcessingAlgorithm<HookLvl3, InTinyYStrip, OutMarks>
+class HookLvl3 : public ProcessingAlgorithm<HookLvl3, InTinyYStrip, OutMarks>
 {
     ORVIK_PROCESSOR(HookLvl3, 7)
 

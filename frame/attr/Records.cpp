@@ -9,20 +9,9 @@
 
 namespace orvik { namespace imaproc { namespace attr {
 
-ORVIK_RECORD_DEFINE(StatsResult)
-ORVIK_RECORD_DEFINE(HistogramResult)
-ORVIK_RECORD_DEFINE(CannyThresholds)
-ORVIK_RECORD_DEFINE(GaussianCoverage)
-ORVIK_RECORD_DEFINE(CornerDetectionParams)
-ORVIK_RECORD_DEFINE(LocalExtremaConfig)
-ORVIK_RECORD_DEFINE(Pixel2d)
-ORVIK_RECORD_COLL_DEFINE(Pixels2d)
-ORVIK_PLAN_INDEXED_DEFINE(PlanIndexedPixels2d)
-ORVIK_RECORD_DEFINE(HoughLinesImgParams)
-ORVIK_RECORD_DEFINE(HoughLinesExtractionParams)
-ORVIK_RECORD_DEFINE(HoughLine2dPpties)
-ORVIK_RECORD_COLL_DEFINE(HoughLines2dPpties)
-ORVIK_PLAN_INDEXED_DEFINE(PlanIndexedHoughLines2dPpties)
+#define ORVIK_RECORD_NAME(Kind, Name) ORVIK_##Kind##_DEFINE(Name)
+#include "frame/attr/Records.inc"
+#undef ORVIK_RECORD_NAME
 
 boost::shared_ptr<GaussianCoverage> createGaussianCoverage()
 {

@@ -80,9 +80,9 @@ BoolResult BaseAction::execute(const BaseRequestOrigin& origin)
     BoolResult result = failure(std::string());
     try {
         result = prepareRun();
-        if (result.getValue()) {
+        if (result) {
             result = runDerived();
-            if (result.getValue())
+            if (result)
                 return result;
         }
     } catch (...) {
@@ -99,7 +99,7 @@ std::exception_ptr BaseAction::executeCaught() noexcept
 {
     try {
         const BoolResult result = execute(BaseRequestOrigin(m_run.get(), true));
-        if (!result.getValue())
+        if (!result)
             ORVIK_THROW_PROCESSING(result.getMessage());
     } catch (...) {
         return std::current_exception();

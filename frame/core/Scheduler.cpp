@@ -187,7 +187,7 @@ private:
         bool hasMore = false;
         boost::shared_ptr<BaseSerializationObject> data;
         const BoolResult result = m_provider.queryNextAction(m_origin, request, hasMore, data);
-        if (!result.getValue())
+        if (!result)
             fail(result.getMessage(), nullptr);
         return result.getValue() && request;
     }

@@ -4,18 +4,36 @@
 
 namespace orvik { namespace image {
 
-BaseImageFragment::BaseImageFragment(const boost::shared_ptr<const BaseImage>& image, const PlanIndex& plan,
-                                     unsigned long offset, unsigned long size)
-    : m_image(image), m_plan(plan), m_offset(offset), m_size(size)
+BaseImageFragment::BaseImageFragment(eStripAxis axis, const boost::shared_ptr<const BaseImage>& image,
+                                     const PlanIndex& plan, unsigned long offset, unsigned long size,
+                                     const StripMargins& margins)
+    : m_image(image), m_plan(plan), m_offset(offset), m_size(size), m_axis(axis), m_margins(margins)
 {
 }
 
 BaseImageFragment::~BaseImageFragment() = default;
+BaseImageYStrip2d::~BaseImageYStrip2d() = default;
+BaseImageZStrip3d::~BaseImageZStrip3d() = default;
+BaseImageYStrip2dWithKernel::~BaseImageYStrip2dWithKernel() = default;
+BaseImageZStrip3dWithKernel::~BaseImageZStrip3dWithKernel() = default;
+InputImageYStrip2d::~InputImageYStrip2d() = default;
+OutputImageYStrip2d::~OutputImageYStrip2d() = default;
+InputImageZStrip3d::~InputImageZStrip3d() = default;
+OutputImageZStrip3d::~OutputImageZStrip3d() = default;
+InputImageYStrip2dWithKernel::~InputImageYStrip2dWithKernel() = default;
+InputImageZStrip3dWithKernel::~InputImageZStrip3dWithKernel() = default;
 
-void* BaseImageFragment::lineAt(unsigned long y, unsigned long z) const
+const void* BaseImageFragment::getImageLine(long element, long row) const
 {
-    // Input and output strips share this; only output strips, which were made from a writable image, hand it on.
-    return const_cast<void*>(m_image->getLine(y, z, m_plan.c, m_plan.t));
+    if (element < 0 || element >= static_cast<long>(getImageNbElements()) || row < 0
+        || row >= static_cast<long>(getNbLinesOfElement()))
+        return nullptr;
+    const unsigned long at = static_cast<unsigned long>(element), line = static_cast<unsigned long>(row);
+    if (m_before && at < m_offset)
+        return m_before->getLine(at, line);
+    if (m_after && at >= m_offset + m_size)
+        return m_after->getLine(at, line);
+    return m_axis == eSA_Y ? lineAt(at, m_plan.z) : lineAt(line, at);
 }
 
 void BaseImageFragment::LineBuffer::show(const BaseImageFragment& strip)
@@ -31,42 +49,20 @@ void BaseImageFragment::initBuffer()
     m_buffer.show(*this);
 }
 
-SavedLines::SavedLines(const BaseImage& plane, unsigned long first, unsigned long end, unsigned long firstInImage,
-                       const SavedLines* earlier)
-    : m_first(first)
+SavedElements::SavedElements(const BaseImage& image, eStripAxis axis, unsigned long first, unsigned long end,
+                             unsigned long firstInImage, const SavedElements* earlier)
+    : m_first(first), m_nbRows(getNbLinesOfElement(image, axis))
 {
-    const eDataType type = toDataType(plane.getBufferType());
-    m_lines.init(type, plane.getSizeX(), end - first);
-    for (unsigned long y = first; y < end; ++y) {
-        const void* const from = earlier && y < firstInImage ? earlier->getLine(y) : plane.getLine(y);
-        std::memcpy(m_lines.getDataPtr(y - first), from, plane.getSizeX() * getDataTypeSize(type));
-    }
+    const eDataType type = toDataType(image.getBufferType());
+    m_lines.init(type, image.getSizeX(), (end - first) * m_nbRows);
+    for (unsigned long element = first; element < end; ++element)
+        for (unsigned long row = 0; row < m_nbRows; ++row) {
+            const void* const inImage = axis == eSA_Y ? image.getLine(element) : image.getLine(row, element);
+            const void* const from = earlier && element < firstInImage ? earlier->getLine(element, row) : inImage;
+            std::memcpy(m_lines.getDataPtr((element - first) * m_nbRows + row), from,
+                        image.getSizeX() * getDataTypeSize(type));
+        }
 }
-
-BaseImageYStrip2dWithKernel::BaseImageYStrip2dWithKernel(const boost::shared_ptr<const BaseImage>& image,
-                                                         const PlanIndex& plan, unsigned long offset,
-                                                         unsigned long size, const StripMargins& margins)
-    : BaseImageYStrip2d(image, plan, offset, size), m_margins(margins)
-{
-}
-
-BaseImageZStrip3dWithKernel::BaseImageZStrip3dWithKernel(const boost::shared_ptr<const BaseImage>& image,
-                                                         const PlanIndex& plan, unsigned long offset,
-                                                         unsigned long size, const StripMargins& margins)
-    : BaseImageZStrip3d(image, plan, offset, size), m_margins(margins)
-{
-}
-
-BaseImageYStrip2d::~BaseImageYStrip2d() = default;
-BaseImageZStrip3d::~BaseImageZStrip3d() = default;
-BaseImageYStrip2dWithKernel::~BaseImageYStrip2dWithKernel() = default;
-BaseImageZStrip3dWithKernel::~BaseImageZStrip3dWithKernel() = default;
-InputImageYStrip2d::~InputImageYStrip2d() = default;
-OutputImageYStrip2d::~OutputImageYStrip2d() = default;
-InputImageZStrip3d::~InputImageZStrip3d() = default;
-OutputImageZStrip3d::~OutputImageZStrip3d() = default;
-InputImageYStrip2dWithKernel::~InputImageYStrip2dWithKernel() = default;
-InputImageZStrip3dWithKernel::~InputImageZStrip3dWithKernel() = default;
 
 BoolResult ImageStripExtractor::check(const BaseImage* image, unsigned long z, unsigned long c, unsigned long t,
                                       unsigned long offsetY, unsigned long sizeY)

@@ -16,30 +16,6 @@ BaseZStrip3dWithKernelAttribute::~BaseZStrip3dWithKernelAttribute() = default;
 BaseInputZStrip3dWithKernelAttribute::~BaseInputZStrip3dWithKernelAttribute() = default;
 BasePlanIndexedAttribute::~BasePlanIndexedAttribute() = default;
 
-void BaseInputImageAttribute::init(const StorageType& value)
-{
-    m_value = value;
-    setHasValue(value != nullptr);
-}
-
-void BaseInputImageAttribute::clear()
-{
-    BaseImageAttribute::clear();
-    m_value.reset();
-}
-
-void BaseOutputImageAttribute::init(const StorageType& value)
-{
-    m_value = value;
-    setHasValue(value != nullptr);
-}
-
-void BaseOutputImageAttribute::clear()
-{
-    BaseImageAttribute::clear();
-    m_value.reset();
-}
-
 image::eImageBufferType BaseStripAttribute::getImageBufferType() const
 {
     const boost::shared_ptr<image::BaseImageFragment> strip = getImageStrip();

@@ -17,38 +17,42 @@ public:
 
 typedef boost::weak_ptr<const BaseImageAttribute> WeakImage;
 
-/// An image that is only read.
-class ORVIK_API BaseInputImageAttribute : public BaseImageAttribute
+template<class Image>
+class ImageStorage : public BaseImageAttribute
 {
 public:
-    typedef boost::shared_ptr<const image::BaseImage> StorageType;
+    typedef boost::shared_ptr<Image> StorageType;
 
-    ~BaseInputImageAttribute() override;
-    void init(const StorageType& value);
+    void init(const StorageType& value)
+    {
+        m_value = value;
+        setHasValue(value != nullptr);
+    }
     void assign(const StorageType& value) { init(value); }
     const StorageType& getStorage() const { return m_value; }
     boost::shared_ptr<const image::BaseImage> getImage() const override { return m_value; }
-    void clear() override;
+    void clear() override
+    {
+        BaseImageAttribute::clear();
+        m_value.reset();
+    }
 
 private:
     StorageType m_value;
 };
 
-/// An image that is written.
-class ORVIK_API BaseOutputImageAttribute : public BaseImageAttribute
+/// An image that is only read.
+class ORVIK_API BaseInputImageAttribute : public ImageStorage<const image::BaseImage>
 {
 public:
-    typedef boost::shared_ptr<image::BaseImage> StorageType;
+    ~BaseInputImageAttribute() override;
+};
 
+/// An image that is written.
+class ORVIK_API BaseOutputImageAttribute : public ImageStorage<image::BaseImage>
+{
+public:
     ~BaseOutputImageAttribute() override;
-    void init(const StorageType& value);
-    void assign(const StorageType& value) { init(value); }
-    const StorageType& getStorage() const { return m_value; }
-    boost::shared_ptr<const image::BaseImage> getImage() const override { return m_value; }
-    void clear() override;
-
-private:
-    StorageType m_value;
 };
 
 class ORVIK_API BaseStripAttribute : public processor::BaseAttribute
@@ -61,11 +65,13 @@ public:
     image::eImageBufferType getImageBufferType() const;
 };
 
-template<class Strip>
+template<class StripClass, bool Writable>
 class StripStorage : public BaseStripAttribute
 {
 public:
+    typedef StripClass Strip;
     typedef boost::shared_ptr<Strip> StorageType;
+    static constexpr bool s_writable = Writable;
 
     void init(const StorageType& value)
     {
@@ -85,82 +91,59 @@ private:
     StorageType m_value;
 };
 
-class ORVIK_API BaseInputYStrip2dAttribute : public StripStorage<image::InputImageYStrip2d>
+/// Of strips with margins: how far their kernel reads, in samples on each side.
+template<class StripClass>
+class KernelStripStorage : public StripStorage<StripClass, false>
 {
 public:
-    typedef BaseInputYStrip2dAttribute StripBase;
-    static constexpr bool s_writable = false;
-    ~BaseInputYStrip2dAttribute() override;
-    const StorageType& getImageYStrip2d() const { return getStorage(); }
+    unsigned long getStartingKernelSizeX() const { return this->getStorage()->getMargins().startX; }
+    unsigned long getEndingKernelSizeX() const { return this->getStorage()->getMargins().endX; }
+    unsigned long getStartingKernelSizeY() const { return this->getStorage()->getMargins().startY; }
+    unsigned long getEndingKernelSizeY() const { return this->getStorage()->getMargins().endY; }
+    unsigned long getStartingKernelSizeZ() const { return this->getStorage()->getMargins().startZ; }
+    unsigned long getEndingKernelSizeZ() const { return this->getStorage()->getMargins().endZ; }
 };
 
-class ORVIK_API BaseOutputYStrip2dAttribute : public StripStorage<image::OutputImageYStrip2d>
-{
-public:
-    typedef BaseOutputYStrip2dAttribute StripBase;
-    static constexpr bool s_writable = true;
-    ~BaseOutputYStrip2dAttribute() override;
-};
+// The kinds of strips, a line each: class, what it stores, under which name it shows it. Of strips with margins there is a
+// base before the last one.
+#define ORVIK_STRIP_ATTRIBUTE(Name, Base, accessor) \
+    class ORVIK_API Name : public Base \
+    { \
+    public: \
+        ~Name() override; \
+        const StorageType& accessor() const \
+        { \
+            return getStorage(); \
+        } \
+    }
+#define ORVIK_STRIP_KIND(Name, Base, accessor) \
+    class ORVIK_API Name : public Base \
+    { \
+    public: \
+        typedef Name StripBase; \
+        ~Name() override; \
+        const StorageType& accessor() const \
+        { \
+            return getStorage(); \
+        } \
+    }
+typedef StripStorage<image::InputImageYStrip2d, false> InputYStrip2dStorage;
+typedef StripStorage<image::OutputImageYStrip2d, true> OutputYStrip2dStorage;
+typedef StripStorage<image::InputImageZStrip3d, false> InputZStrip3dStorage;
+typedef StripStorage<image::OutputImageZStrip3d, true> OutputZStrip3dStorage;
+typedef KernelStripStorage<image::InputImageYStrip2dWithKernel> KernelYStrip2dStorage;
+typedef KernelStripStorage<image::InputImageZStrip3dWithKernel> KernelZStrip3dStorage;
 
-class ORVIK_API BaseInputZStrip3dAttribute : public StripStorage<image::InputImageZStrip3d>
-{
-public:
-    typedef BaseInputZStrip3dAttribute StripBase;
-    static constexpr bool s_writable = false;
-    ~BaseInputZStrip3dAttribute() override;
-    const StorageType& getImageZStrip3d() const { return getStorage(); }
-};
-
-class ORVIK_API BaseOutputZStrip3dAttribute : public StripStorage<image::OutputImageZStrip3d>
-{
-public:
-    typedef BaseOutputZStrip3dAttribute StripBase;
-    static constexpr bool s_writable = true;
-    ~BaseOutputZStrip3dAttribute() override;
-    const StorageType& getImageZStrip3d() const { return getStorage(); }
-};
-
-class ORVIK_API BaseYStrip2dWithKernelAttribute : public StripStorage<image::InputImageYStrip2dWithKernel>
-{
-public:
-    ~BaseYStrip2dWithKernelAttribute() override;
-    const StorageType& getBaseImageYStrip2dWithKernel() const { return getStorage(); }
-    unsigned long getStartingKernelSizeX() const { return getStorage()->getMargins().startX; }
-    unsigned long getEndingKernelSizeX() const { return getStorage()->getMargins().endX; }
-    unsigned long getStartingKernelSizeY() const { return getStorage()->getMargins().startY; }
-    unsigned long getEndingKernelSizeY() const { return getStorage()->getMargins().endY; }
-};
-
-class ORVIK_API BaseInputYStrip2dWithKernelAttribute : public BaseYStrip2dWithKernelAttribute
-{
-public:
-    typedef BaseInputYStrip2dWithKernelAttribute StripBase;
-    static constexpr bool s_writable = false;
-    ~BaseInputYStrip2dWithKernelAttribute() override;
-    const StorageType& getImageYStrip2dWithKernel() const { return getStorage(); }
-};
-
-class ORVIK_API BaseZStrip3dWithKernelAttribute : public StripStorage<image::InputImageZStrip3dWithKernel>
-{
-public:
-    ~BaseZStrip3dWithKernelAttribute() override;
-    const StorageType& getBaseImageZStrip3dWithKernel() const { return getStorage(); }
-    unsigned long getStartingKernelSizeX() const { return getStorage()->getMargins().startX; }
-    unsigned long getEndingKernelSizeX() const { return getStorage()->getMargins().endX; }
-    unsigned long getStartingKernelSizeY() const { return getStorage()->getMargins().startY; }
-    unsigned long getEndingKernelSizeY() const { return getStorage()->getMargins().endY; }
-    unsigned long getStartingKernelSizeZ() const { return getStorage()->getMargins().startZ; }
-    unsigned long getEndingKernelSizeZ() const { return getStorage()->getMargins().endZ; }
-};
-
-class ORVIK_API BaseInputZStrip3dWithKernelAttribute : public BaseZStrip3dWithKernelAttribute
-{
-public:
-    typedef BaseInputZStrip3dWithKernelAttribute StripBase;
-    static constexpr bool s_writable = false;
-    ~BaseInputZStrip3dWithKernelAttribute() override;
-    const StorageType& getImageZStrip3dWithKernel() const { return getStorage(); }
-};
+ORVIK_STRIP_KIND(BaseInputYStrip2dAttribute, InputYStrip2dStorage, getImageYStrip2d);
+ORVIK_STRIP_KIND(BaseOutputYStrip2dAttribute, OutputYStrip2dStorage, getImageYStrip2d);
+ORVIK_STRIP_KIND(BaseInputZStrip3dAttribute, InputZStrip3dStorage, getImageZStrip3d);
+ORVIK_STRIP_KIND(BaseOutputZStrip3dAttribute, OutputZStrip3dStorage, getImageZStrip3d);
+ORVIK_STRIP_ATTRIBUTE(BaseYStrip2dWithKernelAttribute, KernelYStrip2dStorage, getBaseImageYStrip2dWithKernel);
+ORVIK_STRIP_ATTRIBUTE(BaseZStrip3dWithKernelAttribute, KernelZStrip3dStorage, getBaseImageZStrip3dWithKernel);
+ORVIK_STRIP_KIND(BaseInputYStrip2dWithKernelAttribute, BaseYStrip2dWithKernelAttribute, getImageYStrip2dWithKernel);
+ORVIK_STRIP_KIND(BaseInputZStrip3dWithKernelAttribute, BaseZStrip3dWithKernelAttribute, getImageZStrip3dWithKernel);
+#undef ORVIK_STRIP_ATTRIBUTE
+#undef ORVIK_STRIP_KIND
 
 /// A result or argument of one entry per plane or volume.
 class ORVIK_API BasePlanIndexedAttribute : public processor::BaseAttribute

@@ -66,7 +66,7 @@ BoolResult BaseImageProcessingOutputInitializer::initAttribute()
 {
     boost::shared_ptr<const image::BaseImage> input;
     const BoolResult result = getInput(input);
-    if (!result.getValue())
+    if (!result)
         return result;
     static_cast<BaseOutputImageAttribute&>(*getOutputAttribute())
         .init(image::createImage(getOutputType(*input), getOutputSizes(*input)));
@@ -83,7 +83,7 @@ std::string BaseImageProcessingOutputInitializer::createInitializerEvaluatedStri
 {
     boost::shared_ptr<const image::BaseImage> input;
     const BoolResult result = getInput(input);
-    if (!result.getValue())
+    if (!result)
         return result.getMessage();
     return getOutputAttribute()->getObjectName() + ": a new image of size " + toString(getOutputSizes(*input)) + ", "
            + toString(getOutputType(*input));
@@ -176,7 +176,7 @@ BoolResult BaseFromImagePlanIndexedInitializer::initAttribute()
 {
     boost::shared_ptr<const image::BaseImage> input;
     const BoolResult result = imageOf(m_input, input);
-    if (!result.getValue())
+    if (!result)
         return result;
     return initAttribute(static_cast<BasePlanIndexedAttribute&>(*getOutputAttribute()),
                          m_policy == eFIPIP_Planes ? input->getSizeZ() : 1, input->getSizeC(), input->getSizeT());

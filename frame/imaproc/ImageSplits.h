@@ -124,134 +124,118 @@ protected:
     boost::shared_ptr<Image> m_image;
 };
 
-/// What the four kinds of strips share: `Strip` cut along Y or Z, with or without margins.
-template<class Image, class Strip, bool AlongZ, bool WithKernel>
+/// The four kinds of strips, with or without margins, of lines or of slices: `Strip` tells which.
+template<class Image, class Strip>
 class BaseStripSplit : public BaseImageStripSplit<Image>
 {
 public:
-    eImageStripSplitType getImageStripSplitType() const override
+    BoolResult init(const boost::shared_ptr<Image>& image, const image::StripMargins& margins)
     {
-        return AlongZ ? (WithKernel ? eISST_ZStrip3dWithKernel : eISST_ZStrip3d)
-                      : (WithKernel ? eISST_YStrip2dWithKernel : eISST_YStrip2d);
-    }
-    unsigned long getNbElements() const override { return AlongZ ? this->m_image->getSizeZ() : this->m_image->getSizeY(); }
-    unsigned long getElementSamples() const override
-    {
-        return AlongZ ? this->m_image->getSizeX() * this->m_image->getSizeY() : this->m_image->getSizeX();
-    }
-    unsigned long getMargin() const override
-    {
-        return AlongZ ? std::max(m_margins.startZ, m_margins.endZ) : std::max(m_margins.startY, m_margins.endY);
-    }
-    BoolResult processAttribute(processor::BaseProcessor& child, unsigned long start, unsigned long count,
-                                const core::BaseRequestOrigin&) override
-    {
-        if constexpr (WithKernel)
-            return processAttribute(child, boost::make_shared<Strip>(this->m_image, PlanIndex(), start, count, m_margins));
-        else
-            return processAttribute(child, boost::make_shared<Strip>(this->m_image, PlanIndex(), start, count));
-    }
-    virtual BoolResult processAttribute(processor::BaseProcessor& child, const boost::shared_ptr<Strip>& strip) = 0;
-
-protected:
-    image::StripMargins m_margins;
-};
-
-template<class I, class S>
-class BaseImageYStrip2dSplit : public BaseStripSplit<I, S, false, false>
-{
-public:
-    BoolResult initBase(const boost::shared_ptr<I>& image, const image::eStripAllocationType&,
-                        const image::eStripParsingDirection&, const image::eStripParsingDirection&)
-    {
+        m_margins = margins;
         return this->initImage(image);
     }
-};
-
-template<class I, class S>
-class BaseImageYStrip2dWithKernelSplit : public BaseStripSplit<I, S, false, true>
-{
-public:
-    BoolResult initBase(const boost::shared_ptr<I>& image, unsigned long startX, unsigned long endX,
+    // The same as plain and margins are told for lines, which are parsed along two axes, and for slices.
+    BoolResult initBase(const boost::shared_ptr<Image>& image, const image::eStripAllocationType&,
+                        const image::eStripParsingDirection&, const image::eStripParsingDirection&)
+    {
+        return init(image, image::StripMargins());
+    }
+    BoolResult initBase(const boost::shared_ptr<Image>& image, const image::eStripAllocationType&,
+                        const image::eStripParsingDirection&)
+    {
+        return init(image, image::StripMargins());
+    }
+    BoolResult initBase(const boost::shared_ptr<Image>& image, unsigned long startX, unsigned long endX,
                         unsigned long startY, unsigned long endY, const image::eStripAllocationType&,
                         const image::eStripParsingDirection&, const image::eStripParsingDirection&)
     {
-        this->m_margins = {startX, endX, startY, endY, 0, 0};
-        return this->initImage(image);
+        return init(image, {startX, endX, startY, endY, 0, 0});
     }
-};
-
-/// The same for outputs that are the image itself: each strip gets copies of the lines of its margins, made before it and
-/// those after it run, when strips before it have written at most lines above it. So whatever the strips and threads, all
-/// read what the image held at first. Only strips that run at the moment keep copies.
-template<class I, class S>
-class BaseImageYStrip2dInPlaceSplit : public BaseImageYStrip2dWithKernelSplit<I, S>
-{
-public:
-    using BaseImageYStrip2dWithKernelSplit<I, S>::processAttribute;
-    BoolResult processAttribute(processor::BaseProcessor& child, unsigned long start, unsigned long count,
-                                const core::BaseRequestOrigin&) override
-    {
-        const boost::shared_ptr<S> strip =
-            boost::make_shared<S>(this->m_image, PlanIndex(), start, count, this->m_margins);
-        const unsigned long end = start + count, sizeY = this->m_image->getSizeY();
-        boost::shared_ptr<const image::SavedLines> atEnd;
-        if (end < sizeY)
-            atEnd = boost::make_shared<image::SavedLines>(
-                *this->m_image, end - std::min(end, this->m_margins.startY),
-                std::min(end + this->m_margins.endY, sizeY), start, m_atStart.get());
-        strip->setNeighbours(m_atStart, atEnd);
-        m_atStart = atEnd;
-        return processAttribute(child, strip);
-    }
-
-private:
-    boost::shared_ptr<const image::SavedLines> m_atStart;  // the lines about the border to the strip handed out last
-};
-
-template<class I, class S>
-class BaseImageZStrip3dSplit : public BaseStripSplit<I, S, true, false>
-{
-public:
-    BoolResult initBase(const boost::shared_ptr<I>& image, const image::eStripAllocationType&,
-                        const image::eStripParsingDirection&)
-    {
-        return this->initImage(image);
-    }
-};
-
-template<class I, class S>
-class BaseImageZStrip3dWithKernelSplit : public BaseStripSplit<I, S, true, true>
-{
-public:
-    BoolResult initBase(const boost::shared_ptr<I>& image, unsigned long startX, unsigned long endX,
+    BoolResult initBase(const boost::shared_ptr<Image>& image, unsigned long startX, unsigned long endX,
                         unsigned long startY, unsigned long endY, unsigned long startZ, unsigned long endZ,
                         const image::eStripAllocationType&, const image::eStripParsingDirection&)
     {
-        this->m_margins = {startX, endX, startY, endY, startZ, endZ};
-        return this->initImage(image);
+        return init(image, {startX, endX, startY, endY, startZ, endZ});
+    }
+    /// For outputs that are the image itself: each strip gets copies of the elements of its margins, made before it and
+    /// those after it run, when strips before it have written at most elements before it. So whatever the strips and
+    /// threads, all read what the image held at first. Only strips that run at the moment keep copies.
+    void setInPlace() { m_inPlace = true; }
+
+    eImageStripSplitType getImageStripSplitType() const override
+    {
+        constexpr eImageStripSplitType ofLines = Strip::s_withKernel ? eISST_YStrip2dWithKernel : eISST_YStrip2d;
+        constexpr eImageStripSplitType ofSlices = Strip::s_withKernel ? eISST_ZStrip3dWithKernel : eISST_ZStrip3d;
+        return Strip::s_axis == image::eSA_Y ? ofLines : ofSlices;
+    }
+    unsigned long getNbElements() const override { return image::getNbElements(*this->m_image, Strip::s_axis); }
+    unsigned long getElementSamples() const override
+    {
+        return this->m_image->getSizeX() * image::getNbLinesOfElement(*this->m_image, Strip::s_axis);
+    }
+    unsigned long getMargin() const override
+    {
+        return std::max(m_margins.getStart(Strip::s_axis), m_margins.getEnd(Strip::s_axis));
+    }
+    BoolResult processAttribute(processor::BaseProcessor& child, unsigned long start, unsigned long count,
+                                const core::BaseRequestOrigin&) override
+    {
+        const auto strip = boost::make_shared<Strip>(this->m_image, PlanIndex(), start, count, m_margins);
+        if (m_inPlace) {
+            const boost::shared_ptr<const image::SavedElements> atEnd = saveAt(start, start + count);
+            strip->setNeighbours(m_atStart, atEnd);
+            m_atStart = atEnd;
+        }
+        return processAttribute(child, strip);
+    }
+    virtual BoolResult processAttribute(processor::BaseProcessor& child, const boost::shared_ptr<Strip>& strip) = 0;
+
+private:
+    /// The elements about the end of the strip that begins at `start`; null where the image ends.
+    boost::shared_ptr<const image::SavedElements> saveAt(unsigned long start, unsigned long end) const
+    {
+        const unsigned long nbElements = getNbElements();
+        if (end >= nbElements)
+            return boost::shared_ptr<const image::SavedElements>();
+        return boost::make_shared<image::SavedElements>(
+            *this->m_image, Strip::s_axis, end - std::min(end, m_margins.getStart(Strip::s_axis)),
+            std::min(end + m_margins.getEnd(Strip::s_axis), nbElements), start, m_atStart.get());
+    }
+
+    image::StripMargins m_margins;
+    bool m_inPlace = false;
+    boost::shared_ptr<const image::SavedElements> m_atStart;  // about the border to the strip handed out last
+};
+
+template<class I, class S>
+using BaseImageYStrip2dSplit = BaseStripSplit<I, S>;
+template<class I, class S>
+using BaseImageYStrip2dWithKernelSplit = BaseStripSplit<I, S>;
+template<class I, class S>
+using BaseImageZStrip3dSplit = BaseStripSplit<I, S>;
+template<class I, class S>
+using BaseImageZStrip3dWithKernelSplit = BaseStripSplit<I, S>;
+
+template<class P, class I, class A>
+class StripSplit : public processor::TypedSplit<P, A, BaseStripSplit<I, typename A::StorageType::element_type> >
+{
+    typedef processor::TypedSplit<P, A, BaseStripSplit<I, typename A::StorageType::element_type> > Base;
+
+public:
+    using Base::processAttribute;
+    BoolResult processAttribute(processor::BaseProcessor& child, const typename A::StorageType& strip) override
+    {
+        return this->give(child, strip);
     }
 };
 
-#define ORVIK_STRIP_SPLIT(Name) \
-    template<class P, class I, class A> \
-    class Name : public processor::TypedSplit<P, A, Base##Name<I, typename A::StorageType::element_type> > \
-    { \
-        typedef processor::TypedSplit<P, A, Base##Name<I, typename A::StorageType::element_type> > Base; \
-\
-    public: \
-        using Base::processAttribute; \
-        BoolResult processAttribute(processor::BaseProcessor& child, \
-                                    const boost::shared_ptr<typename A::StorageType::element_type>& strip) override \
-        { \
-            return this->give(child, strip); \
-        } \
-    }
-ORVIK_STRIP_SPLIT(ImageYStrip2dSplit);
-ORVIK_STRIP_SPLIT(ImageYStrip2dWithKernelSplit);
-ORVIK_STRIP_SPLIT(ImageYStrip2dInPlaceSplit);
-ORVIK_STRIP_SPLIT(ImageZStrip3dSplit);
-ORVIK_STRIP_SPLIT(ImageZStrip3dWithKernelSplit);
-#undef ORVIK_STRIP_SPLIT
+template<class P, class I, class A>
+using ImageYStrip2dSplit = StripSplit<P, I, A>;
+template<class P, class I, class A>
+using ImageYStrip2dWithKernelSplit = StripSplit<P, I, A>;
+template<class P, class I, class A>
+using ImageZStrip3dSplit = StripSplit<P, I, A>;
+template<class P, class I, class A>
+using ImageZStrip3dWithKernelSplit = StripSplit<P, I, A>;
 
 }}  // namespace orvik::imaproc

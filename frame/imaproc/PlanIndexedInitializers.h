@@ -72,25 +72,4 @@ processor::InitializerPtr fromImageButVolume(const boost::shared_ptr<A>& out, co
     return fromImage(out, in, eFIPIP_Volumes);
 }
 
-/// What a function is asked for that has a multiSlice_ form.
-enum eAskedPlanes
-{
-    eAP_All,  ///< an entry for each plane, however many the image has
-    eAP_One   ///< the only entry of an image of one plane; an image of more is refused by the rule
-};
-
-template<class A, class P>
-void askFor(eAskedPlanes planes, P& processor)
-{
-    if (planes == eAP_One)
-        processor.template set<A>(A::StorageType::element_type::createOfOnePlane());
-}
-
-/// The entry of the first plane: the only one, when one was asked for.
-template<class Coll>
-boost::shared_ptr<typename Coll::Entry> firstEntryOf(const boost::shared_ptr<Coll>& coll)
-{
-    return coll->getEntry(PlanIndex());
-}
-
 }}  // namespace orvik::imaproc

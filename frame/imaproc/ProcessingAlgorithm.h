@@ -4,13 +4,27 @@
 #include "frame/processor/BaseProcessingAlgorithm.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace processor {
+#include <memory>
+
+namespace orvik { namespace imaproc {
 
 namespace details {
 template<class First, class...>
 struct FirstOf
 {
     typedef First type;
+};
+
+/// What a kernel keeps for one strip, whatever its type.
+struct BaseStripState
+{
+    virtual ~BaseStripState() = default;
+};
+template<class State>
+struct StripState : BaseStripState
+{
+    explicit StripState(State&& made) : state(std::move(made)) {}
+    State state;
 };
 }  // namespace details
 
@@ -20,38 +34,39 @@ struct FirstOf
 ///   the kernel of one run;
 /// - `typedef ... KeyStrip`, when another strip than the first attribute chooses the kernel.
 template<class D, class... A>
-class ProcessingAlgorithm : public Processor<D, BaseProcessingAlgorithm, A...>
+class ProcessingAlgorithm : public processor::Processor<D, processor::BaseProcessingAlgorithm, A...>
 {
 public:
     typedef typename details::FirstOf<A...>::type KeyStrip;
 
-    static const AlgorithmFunctionSelector& retrieveFunctionSelector() { return entry().selector; }
-    static AlgorithmFunctionSelector& accessFunctionSelector() { return entry().selector; }
+    static const processor::AlgorithmFunctionSelector& retrieveFunctionSelector() { return entry().selector; }
+    static processor::AlgorithmFunctionSelector& accessFunctionSelector() { return entry().selector; }
     static const core::InstructionSetsIdentifier& retrieveForcedInstructionSets() { return entry().forcedSets; }
     static core::InstructionSetsIdentifier& accessForcedInstructionSets() { return entry().forcedSets; }
     /// Later runs use the kernels of exactly these sets, or fail where there is none.
     static void forceInstructionSets(const core::InstructionSetsIdentifier& sets) { entry().forcedSets = sets; }
     static void releaseForcedInstructionSets() { entry().forcedSets.clear(); }
 
-    const AlgorithmFunctionSelector& getFunctionSelector() const override { return retrieveFunctionSelector(); }
+    const processor::AlgorithmFunctionSelector& getFunctionSelector() const override { return retrieveFunctionSelector(); }
     const core::InstructionSetsIdentifier& getForcedInstructionSets() const override
     {
         return retrieveForcedInstructionSets();
     }
-    void getDataTypeIdColl(DataTypeIdentifierColl& coll) const override
+    void getDataTypeIdColl(processor::DataTypeIdentifierColl& coll) const override
     {
-        coll.init(BaseDataTypeIdentifier(this->template attribute<typename D::KeyStrip>()->getImageBufferType()));
+        coll.init(processor::BaseDataTypeIdentifier(
+            this->template attribute<typename D::KeyStrip>()->getImageBufferType()));
     }
-    void initDataParserColl(DataParserColl& coll) override
+    void initDataParserColl(processor::DataParserColl& coll) override
     {
         coll.clear();
-        m_parsers.assign(sizeof...(A), boost::shared_ptr<BaseDataParser>());
-        unsigned long place = 0;
-        (makeParser<A>(place++, coll), ...);
+        coll.reserve(sizeof...(A));
+        (makeParser<A>(coll), ...);
     }
     void clearDataParserColl() override
     {
-        for (boost::shared_ptr<BaseDataParser>& parser : m_parsers) {
+        m_strip.reset();
+        for (boost::shared_ptr<processor::BaseDataParser>& parser : m_parsers) {
             if (parser)
                 parser->clear();
             parser.reset();
@@ -59,33 +74,37 @@ public:
     }
 
 protected:
-    AlgorithmEntry& getEntry() const override { return entry(); }
+    processor::AlgorithmEntry& getEntry() const override { return entry(); }
 
-    /// The parser of a strip attribute, as the kernel for `Sample` sees it; null when the strip has another sample type.
+    /// The parser of a strip attribute, as the kernel for `Sample` sees it; null when the strip has another sample type,
+    /// which `onceAStrip` notices.
     template<class Attribute, class Sample>
-    auto* parser() const
+    auto* parser()
     {
-        typedef typename imaproc::StripParserClass<typename D::ParserMode, Sample, typename Attribute::StripBase>::type
-            Parser;
-        BaseDataParser* const parser = m_parsers[placeOf<Attribute>()].get();
-        return parser && static_cast<imaproc::BaseStripParser*>(parser)->getDataType() == DataTypeOf<Sample>::value
-                   ? static_cast<Parser*>(parser)
-                   : nullptr;
+        typedef typename StripParserClass<typename D::ParserMode, Sample, typename Attribute::StripBase>::type Parser;
+        processor::BaseDataParser* const parser = m_parsers[placeOf<Attribute>()].get();
+        const bool fits = parser && static_cast<BaseStripParser*>(parser)->getDataType() == DataTypeOf<Sample>::value;
+        m_allParsersFit &= fits;
+        return fits ? static_cast<Parser*>(parser) : nullptr;
     }
-    /// Calls f with the parser of a strip attribute, whatever its sample type. False when there is none.
-    template<class Attribute, class F>
-    bool withParser(F&& f) const
+    /// The parser of a strip without margins whatever its sample type; null when the strip is unset.
+    template<class Attribute>
+    const PlainStripParser* plainParser() const
     {
-        return tryParser<Attribute, unsigned char>(f) || tryParser<Attribute, float>(f)
-               || tryParser<Attribute, signed char>(f) || tryParser<Attribute, short>(f)
-               || tryParser<Attribute, unsigned short>(f) || tryParser<Attribute, int>(f)
-               || tryParser<Attribute, unsigned int>(f);
+        return static_cast<const PlainStripParser*>(m_parsers[placeOf<Attribute>()].get());
     }
-    /// The parser of a strip attribute whatever its sample type, for setting its border.
-    template<class Attribute, class BaseParser>
-    BaseParser& borderParser() const
+    /// What the kernel works with on the strip at hand: parsers, records and thresholds as typed values. `make` fetches
+    /// them at the strip's first run; they are kept to its end. Null when a parser that was asked for has another sample
+    /// type; the kernel's answer is then `wrongSampleType`.
+    template<class Make>
+    auto* onceAStrip(const processor::ProcessingInfo& info, const Make& make)
     {
-        return static_cast<BaseParser&>(*m_parsers[placeOf<Attribute>()]);
+        typedef details::StripState<decltype(make())> Strip;
+        if (info.lineIndex == 0 && info.partIndex == 0) {
+            m_allParsersFit = true;
+            m_strip.reset(new Strip(make()));
+        }
+        return m_allParsersFit ? &static_cast<Strip&>(*m_strip).state : nullptr;
     }
     /// A kernel's answer when the strips are not all of the types that it is written for.
     BoolResult wrongSampleType() const
@@ -93,20 +112,19 @@ protected:
         return failure(this->getObjectName() + ": the strips do not have the sample types that go together");
     }
 
-private:
-    static AlgorithmEntry& entry()
+    /// What a strip with margins reads as outside the image; to be said in `preProcess`.
+    template<class Attribute>
+    void setBorder(const image::BorderPolicy& policy) const
     {
-        static AlgorithmEntry& found = getAlgorithmEntry(D::getTypeName());
-        return found;
+        static_assert(Attribute::Strip::s_withKernel, "strips without margins read nothing outside the image");
+        static_cast<KernelStripParser&>(*m_parsers[placeOf<Attribute>()]).setBorder(policy);
     }
 
-    template<class Attribute, class Sample, class F>
-    bool tryParser(F& f) const
+private:
+    static processor::AlgorithmEntry& entry()
     {
-        auto* const found = parser<Attribute, Sample>();
-        if (found)
-            f(*found);
-        return found != nullptr;
+        static processor::AlgorithmEntry& found = processor::getAlgorithmEntry(D::getTypeName());
+        return found;
     }
 
     template<class Attribute>
@@ -120,23 +138,30 @@ private:
     }
 
     template<class Attribute>
-    void makeParser(unsigned long place, DataParserColl& coll)
+    void makeParser(processor::DataParserColl& coll)
     {
-        if constexpr (std::is_base_of<imaproc::BaseStripAttribute, Attribute>::value) {
+        if constexpr (std::is_base_of<BaseStripAttribute, Attribute>::value) {
             typedef typename Attribute::StripBase Strip;
             const boost::shared_ptr<Strip> strip = this->template attribute<Attribute>();
             if (!strip->hasValue())
                 return;
-            m_parsers[place] = imaproc::StripParserInfo<typename D::ParserMode, Strip, Strip>::createParser(strip);
-            if (m_parsers[place])
-                coll.push_back(m_parsers[place]);
+            boost::shared_ptr<processor::BaseDataParser>& parser = m_parsers[placeOf<Attribute>()];
+            parser = StripParserInfo<typename D::ParserMode, Strip, Strip>::createParser(strip);
+            if (parser)
+                coll.push_back(parser);
         } else {
-            static_cast<void>(place);
             static_cast<void>(coll);
         }
     }
 
-    DataParserColl m_parsers;  // by the place of the attribute; null for what is no strip
+    boost::shared_ptr<processor::BaseDataParser> m_parsers[sizeof...(A)];  // null for what is no strip
+    std::unique_ptr<details::BaseStripState> m_strip;
+    bool m_allParsersFit = true;
 };
 
-}}  // namespace orvik::processor
+/// In the main unit of a class of Level 3: the bodies that say nothing of their own. Its kernels enter it in the factories.
+#define ORVIK_DEFINE_ALGORITHM(X) \
+    X::X() = default; \
+    X::~X() = default;
+
+}}  // namespace orvik::imaproc

@@ -4,10 +4,11 @@
 #include "frame/processor/BaseProcessingAlgorithm.h"
 #include "frame/processor/Dispatcher.h"
 
-// A stage reads as the list of what a child gets:
+// A stage reads as the list of what its children, or its one sub-processor, get:
 //
 //     return dispatch<CannyEdges2dImgLvl3>(priority, provider, strips<OutYStrip2d>(value<OutBinImg>()),
-//                                          same<InCannyThresholds>(value<InCannyThresholds>()), ...);
+//                                          same(attribute<InCannyThresholds>()), ...);
+//     return delegate<EraseImgLvl2>(priority, provider, same<OutSubImg2d>(value<OutImg>()));
 
 namespace orvik { namespace imaproc {
 
@@ -17,17 +18,29 @@ using DispatcherOf = typename std::conditional<std::is_base_of<processor::BasePr
                                                processor::DynamicProcessorDispatcher<P>,
                                                processor::StaticProcessorDispatcher<P> >::type;
 
+/// A stage of one child of class `P` per plane, volume or strip; `parts` tell what each gets, and into how many there are.
 template<class P, class... Parts>
 processor::RetrievalResult dispatch(const core::BasePriority& priority, processor::ProviderPtr& provider,
                                     const Parts&... parts)
 {
     const boost::shared_ptr<DispatcherOf<P> > dispatcher = boost::make_shared<DispatcherOf<P> >();
     std::vector<boost::shared_ptr<typename DispatcherOf<P>::Split> > splits;
+    splits.reserve(sizeof...(Parts));
     BoolResult result = success();
-    (void(result = result.getValue() ? parts.template addSplit<P>(splits) : result), ...);
-    if (result.getValue())
-        result = dispatcher->initBase(priority, splits);
+    (void(result = result ? parts.template addSplit<P>(splits) : result), ...);
+    if (result)
+        result = dispatcher->initBase(priority, std::move(splits));
     return processor::provided(result, dispatcher, provider);
+}
+
+/// A stage of one sub-processor of class `P`, which `parts` prepare.
+template<class P, class... Parts>
+processor::RetrievalResult delegate(const core::BasePriority& priority, processor::ProviderPtr& provider,
+                                    const Parts&... parts)
+{
+    const boost::shared_ptr<P> child = processor::createInitialised<P>();
+    (void(parts.give(child)), ...);
+    return processor::provideProcessor(child, priority, provider);
 }
 
 template<class A>
@@ -47,6 +60,11 @@ struct SameForAll
         splits.push_back(boost::make_shared<processor::DynamicNoSplit<P, A> >(value));
         return success();
     }
+    template<class P>
+    void give(const boost::shared_ptr<P>& child) const
+    {
+        child->template set<A>(value);
+    }
 };
 
 /// The same value for every child.
@@ -54,6 +72,14 @@ template<class A>
 SameForAll<A> same(const typename A::StorageType& value)
 {
     return {value};
+}
+
+/// The value of the parent's attribute for that of the same name of every child; of an optional one that is unset, its
+/// default.
+template<class A>
+SameForAll<A> same(const boost::shared_ptr<A>& attribute)
+{
+    return {attribute->getStorage()};
 }
 
 template<class A>
@@ -66,6 +92,12 @@ struct SameForAllIfSet
     {
         return attribute.hasValue() ? SameForAll<A>{attribute.getStorage()}.template addSplit<P>(splits) : success();
     }
+    template<class P>
+    void give(const boost::shared_ptr<P>& child) const
+    {
+        if (attribute.hasValue())
+            child->template set<A>(attribute.getStorage());
+    }
 };
 
 /// The same value for every child where there is one: an attribute that is unset stays so.
@@ -73,6 +105,21 @@ template<class A>
 SameForAllIfSet<A> sameIfSet(const boost::shared_ptr<A>& attribute)
 {
     return {*attribute};
+}
+
+template<class P>
+struct KeptIn
+{
+    boost::shared_ptr<P>& place;
+
+    void give(const boost::shared_ptr<P>& child) const { place = child; }
+};
+
+/// Of a single sub-processor: kept by its parent, which asks it for results later.
+template<class P>
+KeptIn<P> keptIn(boost::shared_ptr<P>& place)
+{
+    return {place};
 }
 
 template<class A>
@@ -98,11 +145,25 @@ SubImages<A> eachPlane(const typename A::StorageType& image)
     return {image, eSIST_Plane, eVPT_Slices};
 }
 
+/// The same of the parent's attribute of that name.
+template<class A>
+SubImages<A> eachPlane(const boost::shared_ptr<A>& attribute)
+{
+    return {attribute->getStorage(), eSIST_Plane, eVPT_Slices};
+}
+
 /// One volume per child, for each (c, t).
 template<class A>
 SubImages<A> eachVolume(const typename A::StorageType& image)
 {
     return {image, eSIST_Volume, eVPT_Whole};
+}
+
+/// The same of the parent's attribute of that name.
+template<class A>
+SubImages<A> eachVolume(const boost::shared_ptr<A>& attribute)
+{
+    return {attribute->getStorage(), eSIST_Volume, eVPT_Whole};
 }
 
 template<class A, class Coll>
@@ -166,102 +227,38 @@ ResultsOf<A, Key> resultOfEach(const boost::shared_ptr<std::map<Key, boost::shar
     return {results};
 }
 
-/// Which split cuts the strips of a kind of attribute.
-template<class StripBase>
-struct StripSplitOf;
-template<>
-struct StripSplitOf<BaseInputYStrip2dAttribute>
-{
-    template<class P, class A>
-    using Split = ImageYStrip2dSplit<P, const image::BaseImage, A>;
-};
-template<>
-struct StripSplitOf<BaseOutputYStrip2dAttribute>
-{
-    template<class P, class A>
-    using Split = ImageYStrip2dSplit<P, image::BaseImage, A>;
-};
-template<>
-struct StripSplitOf<BaseInputZStrip3dAttribute>
-{
-    template<class P, class A>
-    using Split = ImageZStrip3dSplit<P, const image::BaseImage, A>;
-};
-template<>
-struct StripSplitOf<BaseOutputZStrip3dAttribute>
-{
-    template<class P, class A>
-    using Split = ImageZStrip3dSplit<P, image::BaseImage, A>;
-};
-template<>
-struct StripSplitOf<BaseInputYStrip2dWithKernelAttribute>
-{
-    template<class P, class A>
-    using Split = ImageYStrip2dWithKernelSplit<P, const image::BaseImage, A>;
-};
-template<>
-struct StripSplitOf<BaseInputZStrip3dWithKernelAttribute>
-{
-    template<class P, class A>
-    using Split = ImageZStrip3dWithKernelSplit<P, const image::BaseImage, A>;
-};
-
 template<class A>
 struct StripsOf
 {
-    boost::shared_ptr<typename A::StorageType::element_type::StripImage> image;
+    typedef typename A::Strip::StripImage StripImage;
+
+    boost::shared_ptr<StripImage> image;
     image::StripMargins margins;
+    bool inPlace;
 
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
     {
-        typedef typename StripSplitOf<typename A::StripBase>::template Split<P, A> Split;
-        const boost::shared_ptr<Split> split = boost::make_shared<Split>();
+        const auto split = boost::make_shared<StripSplit<P, StripImage, A> >();
         splits.push_back(split);
-        return init(*split, image::eSAT_View, image::eSPD_Forward);
-    }
-
-private:
-    template<class I, class S>
-    BoolResult init(BaseImageYStrip2dSplit<I, S>& split, image::eStripAllocationType allocation,
-                    image::eStripParsingDirection direction) const
-    {
-        return split.initBase(image, allocation, direction, direction);
-    }
-    template<class I, class S>
-    BoolResult init(BaseImageZStrip3dSplit<I, S>& split, image::eStripAllocationType allocation,
-                    image::eStripParsingDirection direction) const
-    {
-        return split.initBase(image, allocation, direction);
-    }
-    template<class I, class S>
-    BoolResult init(BaseImageYStrip2dWithKernelSplit<I, S>& split, image::eStripAllocationType allocation,
-                    image::eStripParsingDirection direction) const
-    {
-        return split.initBase(image, margins.startX, margins.endX, margins.startY, margins.endY, allocation, direction,
-                              direction);
-    }
-    template<class I, class S>
-    BoolResult init(BaseImageZStrip3dWithKernelSplit<I, S>& split, image::eStripAllocationType allocation,
-                    image::eStripParsingDirection direction) const
-    {
-        return split.initBase(image, margins.startX, margins.endX, margins.startY, margins.endY, margins.startZ,
-                              margins.endZ, allocation, direction);
+        if (inPlace)
+            split->setInPlace();
+        return split->init(image, margins);
     }
 };
 
 /// Lines of a plane, or slices of a volume, as the attribute says.
 template<class A>
-StripsOf<A> strips(const boost::shared_ptr<typename A::StorageType::element_type::StripImage>& image)
+StripsOf<A> strips(const boost::shared_ptr<typename A::Strip::StripImage>& image)
 {
-    return {image, image::StripMargins()};
+    return {image, image::StripMargins(), false};
 }
 
 /// Strips whose children also read neighbours of their lines.
 template<class A>
 StripsOf<A> stripsWithMargins(const boost::shared_ptr<const image::BaseImage>& image, const image::StripMargins& margins)
 {
-    return {image, margins};
+    return {image, margins, false};
 }
 
 /// The same with that many samples on both sides.
@@ -272,29 +269,11 @@ StripsOf<A> stripsWithMargins(const boost::shared_ptr<const image::BaseImage>& i
     return stripsWithMargins<A>(image, {marginX, marginX, marginY, marginY, marginZ, marginZ});
 }
 
-template<class A>
-struct StripsInPlaceOf
-{
-    boost::shared_ptr<const image::BaseImage> image;
-    image::StripMargins margins;
-
-    template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
-    {
-        typedef ImageYStrip2dInPlaceSplit<P, const image::BaseImage, A> Split;
-        const boost::shared_ptr<Split> split = boost::make_shared<Split>();
-        splits.push_back(split);
-        return split->initBase(image, margins.startX, margins.endX, margins.startY, margins.endY, image::eSAT_View,
-                               image::eSPD_Forward, image::eSPD_Forward);
-    }
-};
-
 /// Strips whose children read neighbours of their lines though an output may be the image itself.
 template<class A>
-StripsInPlaceOf<A> stripsInPlace(const boost::shared_ptr<const image::BaseImage>& image,
-                                 const image::StripMargins& margins)
+StripsOf<A> stripsInPlace(const boost::shared_ptr<const image::BaseImage>& image, const image::StripMargins& margins)
 {
-    return {image, margins};
+    return {image, margins, true};
 }
 
 template<class Part>

@@ -7,7 +7,7 @@ namespace orvik { namespace imaproc {
 
 namespace {
 
-/// The line or slice of an image that stands for `i` where the nearest one does.
+/// The element or line of an image that stands for `i` where the nearest one does.
 long nearest(long i, unsigned long size)
 {
     return std::max(0l, std::min(i, static_cast<long>(size) - 1));
@@ -18,8 +18,7 @@ long nearest(long i, unsigned long size)
 BaseImageParser::~BaseImageParser() = default;
 BaseStripParser::~BaseStripParser() = default;
 PlainStripParser::~PlainStripParser() = default;
-KernelYStrip2dParser::~KernelYStrip2dParser() = default;
-KernelZStrip3dParser::~KernelZStrip3dParser() = default;
+KernelStripParser::~KernelStripParser() = default;
 
 BaseStripParser::BaseStripParser(eDataType dataType) : m_dataType(dataType), m_sampleSize(getDataTypeSize(dataType)) {}
 
@@ -63,100 +62,66 @@ void PlainStripParser::endRun(unsigned long firstColumn, unsigned long nbData)
         std::memcpy(m_line + firstColumn * m_sampleSize, m_current, nbData * m_sampleSize);
 }
 
-KernelYStrip2dParser::KernelYStrip2dParser(eDataType dataType)
-    : BaseStripParser(dataType), m_lineSize(0), m_nextLine(nullptr)
+KernelStripParser::KernelStripParser(eDataType dataType)
+    : BaseStripParser(dataType), m_lineSize(0), m_row(0), m_nextLine(nullptr)
 {
 }
 
-void KernelYStrip2dParser::start(unsigned long granularity)
+void KernelStripParser::start(unsigned long granularity)
 {
     const image::StripMargins& margins = m_strip->getMargins();
+    const image::eStripAxis axis = m_strip->getAxis();
     const unsigned long sizeX = m_strip->getSizeX();
     setRuns(0, sizeX, 0);
     m_lineSize = margins.startX + processor::alignedCount(sizeX, granularity) + margins.endX + 1;
-    m_lines.init(m_dataType, m_lineSize, margins.startY + 1 + margins.endY);
-    for (unsigned long i = 0; i < m_lines.getNbFragments(); ++i)
-        image::fillBorder(m_border, m_dataType, m_lines.getDataPtr(i), m_lineSize);
+    const unsigned long nbRows = margins.getRowStart(axis) + m_strip->getNbLinesOfElement() + margins.getRowEnd(axis);
+    m_elements.init(m_dataType, nbRows * m_lineSize, margins.getStart(axis) + 1 + margins.getEnd(axis));
+    for (unsigned long i = 0; i < m_elements.getNbFragments(); ++i)
+        image::fillBorder(m_border, m_dataType, m_elements.getDataPtr(i), nbRows * m_lineSize);
 }
 
-void KernelYStrip2dParser::load(unsigned long fragment, long y)
+void KernelStripParser::load(unsigned long fragment, long element)
 {
-    const unsigned long sizeX = m_strip->getSizeX(), startX = m_strip->getMargins().startX;
+    const image::StripMargins& margins = m_strip->getMargins();
+    const image::eStripAxis axis = m_strip->getAxis();
+    const unsigned long sizeX = m_strip->getSizeX(), nbLines = m_strip->getNbLinesOfElement();
+    const unsigned long rowStart = margins.getRowStart(axis);
     const bool repeats = m_border.getType() == image::eBT_Nearest;
-    void* const start = m_lines.getDataPtr(fragment, startX);
-    if (const void* const line = m_strip->getImageLine(repeats ? nearest(y, m_strip->getImageSizeY()) : y))
-        std::memcpy(start, line, sizeX * m_sampleSize);
-    else
-        image::fillBorder(m_border, m_dataType, start, sizeX);
+    // Margin rows hold the border since `start`, unless each element repeats its own.
+    const unsigned long firstRow = repeats ? 0 : rowStart;
+    const unsigned long endRow = rowStart + nbLines + (repeats ? margins.getRowEnd(axis) : 0);
     if (repeats)
-        image::repeatEdges(m_dataType, m_lines.getDataPtr(fragment), startX, sizeX, m_lineSize);
-}
-
-void KernelYStrip2dParser::beginLine(unsigned long line)
-{
-    const unsigned long nbLines = m_lines.getNbFragments();
-    const long first = static_cast<long>(m_strip->getStripStartOffsetY() + line)
-                       - static_cast<long>(m_strip->getMargins().startY);
-    if (line == 0) {
-        for (unsigned long i = 0; i < nbLines; ++i)
-            load(i, first + static_cast<long>(i));
-    } else {
-        m_lines.rollUpFragments();
-        load(nbLines - 1, first + static_cast<long>(nbLines - 1));
-    }
-    // Past the strip's last line there is none: margins that were copied end with it.
-    m_nextLine = line + 1 < getNbLines() ? m_strip->getImageLine(first + static_cast<long>(nbLines)) : nullptr;
-}
-
-KernelZStrip3dParser::KernelZStrip3dParser(eDataType dataType) : BaseStripParser(dataType), m_lineSize(0), m_y(0) {}
-
-void KernelZStrip3dParser::start(unsigned long granularity)
-{
-    const image::StripMargins& margins = m_strip->getMargins();
-    const unsigned long sizeX = m_strip->getSizeX();
-    setRuns(0, sizeX, 0);
-    m_lineSize = margins.startX + processor::alignedCount(sizeX, granularity) + margins.endX + 1;
-    const unsigned long sliceSize = m_lineSize * (margins.startY + m_strip->getSizeY() + margins.endY);
-    m_slices.init(m_dataType, sliceSize, margins.startZ + 1 + margins.endZ);
-    for (unsigned long i = 0; i < m_slices.getNbFragments(); ++i)
-        image::fillBorder(m_border, m_dataType, m_slices.getDataPtr(i), sliceSize);
-}
-
-void KernelZStrip3dParser::load(unsigned long fragment, long z)
-{
-    const image::StripMargins& margins = m_strip->getMargins();
-    const unsigned long sizeX = m_strip->getSizeX(), sizeY = m_strip->getSizeY();
-    const bool repeats = m_border.getType() == image::eBT_Nearest;
-    // Margin rows hold the border since `start`, unless each slice repeats its own.
-    const unsigned long firstRow = repeats ? 0 : margins.startY;
-    const unsigned long endRow = margins.startY + sizeY + (repeats ? margins.endY : 0);
-    const long sourceZ = repeats ? nearest(z, m_strip->getImageSizeZ()) : z;
+        element = nearest(element, m_strip->getImageNbElements());
     for (unsigned long row = firstRow; row < endRow; ++row) {
-        const long y = static_cast<long>(row) - static_cast<long>(margins.startY);
-        void* const start = m_slices.getDataPtr(fragment, row * m_lineSize + margins.startX);
-        if (const void* const line = m_strip->getImageLine(repeats ? nearest(y, sizeY) : y, sourceZ))
-            std::memcpy(start, line, sizeX * m_sampleSize);
+        const long line = static_cast<long>(row) - static_cast<long>(rowStart);
+        void* const start = m_elements.getDataPtr(fragment, row * m_lineSize + margins.startX);
+        if (const void* const from = m_strip->getImageLine(element, repeats ? nearest(line, nbLines) : line))
+            std::memcpy(start, from, sizeX * m_sampleSize);
         else
             image::fillBorder(m_border, m_dataType, start, sizeX);
         if (repeats)
-            image::repeatEdges(m_dataType, m_slices.getDataPtr(fragment, row * m_lineSize), margins.startX, sizeX,
+            image::repeatEdges(m_dataType, m_elements.getDataPtr(fragment, row * m_lineSize), margins.startX, sizeX,
                                m_lineSize);
     }
 }
 
-void KernelZStrip3dParser::beginLine(unsigned long line)
+void KernelStripParser::beginLine(unsigned long line)
 {
-    const unsigned long nbSlices = m_slices.getNbFragments(), slice = line / m_strip->getSizeY();
-    const long first = static_cast<long>(m_strip->getStripStartOffsetZ() + slice)
-                       - static_cast<long>(m_strip->getMargins().startZ);
-    m_y = line % m_strip->getSizeY();
+    const unsigned long nbFragments = m_elements.getNbFragments(), nbLines = m_strip->getNbLinesOfElement();
+    const unsigned long element = line / nbLines;
+    const long first = static_cast<long>(m_strip->getStripStartOffset() + element)
+                       - static_cast<long>(m_strip->getMargins().getStart(m_strip->getAxis()));
+    m_row = line % nbLines;
     if (line == 0) {
-        for (unsigned long i = 0; i < nbSlices; ++i)
+        for (unsigned long i = 0; i < nbFragments; ++i)
             load(i, first + static_cast<long>(i));
-    } else if (m_y == 0) {
-        m_slices.rollUpFragments();
-        load(nbSlices - 1, first + static_cast<long>(nbSlices - 1));
+    } else if (m_row == 0) {
+        m_elements.rollUpFragments();
+        load(nbFragments - 1, first + static_cast<long>(nbFragments - 1));
     }
+    // Past the strip's last element there is none: margins that were copied end with it.
+    const bool isLast = element + 1 == m_strip->getNbElements();
+    m_nextLine = isLast ? nullptr : m_strip->getImageLine(first + static_cast<long>(nbFragments), static_cast<long>(m_row));
 }
 
 template<class Mode, class Attr, class StorageAttr>
@@ -176,14 +141,13 @@ boost::shared_ptr<processor::BaseDataParser> StripParserInfo<Mode, Attr, Storage
 }
 
 #define ORVIK_PARSER_INFO(Mode, Attr) template struct StripParserInfo<Mode, Attr, Attr>;
-ORVIK_PARSER_INFO(RawStripParserMode, BaseInputYStrip2dAttribute)
-ORVIK_PARSER_INFO(RawStripParserMode, BaseOutputYStrip2dAttribute)
-ORVIK_PARSER_INFO(RawStripParserMode, BaseInputZStrip3dAttribute)
-ORVIK_PARSER_INFO(RawStripParserMode, BaseOutputZStrip3dAttribute)
-ORVIK_PARSER_INFO(LineStripParserMode, BaseInputYStrip2dAttribute)
-ORVIK_PARSER_INFO(LineStripParserMode, BaseOutputYStrip2dAttribute)
-ORVIK_PARSER_INFO(LineStripParserMode, BaseInputZStrip3dAttribute)
-ORVIK_PARSER_INFO(LineStripParserMode, BaseOutputZStrip3dAttribute)
+#define ORVIK_PLAIN_PARSER_INFO(Attr) \
+    ORVIK_PARSER_INFO(RawStripParserMode, Attr) \
+    ORVIK_PARSER_INFO(LineStripParserMode, Attr)
+ORVIK_PLAIN_PARSER_INFO(BaseInputYStrip2dAttribute)
+ORVIK_PLAIN_PARSER_INFO(BaseOutputYStrip2dAttribute)
+ORVIK_PLAIN_PARSER_INFO(BaseInputZStrip3dAttribute)
+ORVIK_PLAIN_PARSER_INFO(BaseOutputZStrip3dAttribute)
 ORVIK_PARSER_INFO(LineStripParserMode, BaseInputYStrip2dWithKernelAttribute)
 ORVIK_PARSER_INFO(LineStripParserMode, BaseInputZStrip3dWithKernelAttribute)
 

@@ -40,13 +40,15 @@ public:
     void beginRun(unsigned long firstColumn, unsigned long nbData) override;
     void endRun(unsigned long firstColumn, unsigned long nbData) override;
 
+    /// The samples of the current run, whatever their type.
+    void* accessSamples() const { return m_current; }
+
 protected:
     /// `wholeLines`: one run per line; otherwise whole blocks first, then the rest.
     PlainStripParser(eDataType dataType, bool writable, bool wholeLines);
 
-    void* m_current;
-
 private:
+    void* m_current;
     boost::shared_ptr<image::BaseImageFragment> m_strip;
     image::TypedOwnBuffer m_scratch;
     const bool m_writable;
@@ -56,16 +58,20 @@ private:
     char* m_line;
 };
 
-/// Lines around the current one, in buffers of their own in which the border stands where there is no image.
-class ORVIK_API KernelYStrip2dParser : public BaseStripParser
+/// The lines around the current one, in buffers of their own in which the border stands where there is no image: those of a
+/// window of elements along the axis of the strip, lines of a plane or whole slices of a volume.
+class ORVIK_API KernelStripParser : public BaseStripParser
 {
 public:
-    ~KernelYStrip2dParser() override;
-    void init(const boost::shared_ptr<image::InputImageYStrip2dWithKernel>& strip) { m_strip = strip; }
+    ~KernelStripParser() override;
+    void init(const boost::shared_ptr<image::BaseImageFragment>& strip) { m_strip = strip; }
     void clear() override { m_strip.reset(); }
-    const boost::shared_ptr<image::InputImageYStrip2dWithKernel>& getImageYStrip2dWithKernel() const { return m_strip; }
-    /// Asks memory for `nbSamples` columns of the line that comes next. A kernel that works its way along the line calls
-    /// it on the way, so that the line is there when it is copied; asked for all at once it would be waited for.
+    const image::BaseImageFragment& getStrip() const { return *m_strip; }
+    /// 0 unless set.
+    void setBorder(const image::BorderPolicy& policy) { m_border = policy; }
+    /// Asks memory for `nbSamples` columns of the line that takes this one's place in the element that comes next. A kernel
+    /// that works its way along the line calls it on the way, so that the line is there when it is copied; asked for all at
+    /// once it would be waited for.
     void prefetchNext(unsigned long column, unsigned long nbSamples) const
     {
         const unsigned long cacheLine = 64;
@@ -73,8 +79,6 @@ public:
         for (unsigned long i = 0; m_nextLine && i < nbSamples * m_sampleSize; i += cacheLine)
             __builtin_prefetch(from + i);
     }
-    /// 0 unless set.
-    void setBorder2dPolicy(const image::Border2dPolicy& policy) { m_border = policy; }
 
     void start(unsigned long granularity) override;
     unsigned long getNbLines() const override { return m_strip->getNbLines(); }
@@ -83,51 +87,23 @@ public:
     void endRun(unsigned long, unsigned long) override {}
 
 protected:
-    explicit KernelYStrip2dParser(eDataType dataType);
-    void* bufferLine(unsigned long line) const { return m_lines.getDataPtr(line); }
-
-private:
-    void load(unsigned long fragment, long y);
-
-    boost::shared_ptr<image::InputImageYStrip2dWithKernel> m_strip;
-    image::Border2dPolicy m_border;
-    image::FragHybridBuffer m_lines;
-    unsigned long m_lineSize;
-    const void* m_nextLine;  // null at the end of the strip or image
-};
-
-/// Slices around the current one, whole, in buffers of their own in which the border stands where there is no image.
-class ORVIK_API KernelZStrip3dParser : public BaseStripParser
-{
-public:
-    ~KernelZStrip3dParser() override;
-    void init(const boost::shared_ptr<image::InputImageZStrip3dWithKernel>& strip) { m_strip = strip; }
-    void clear() override { m_strip.reset(); }
-    const boost::shared_ptr<image::InputImageZStrip3dWithKernel>& getImageZStrip3dWithKernel() const { return m_strip; }
-    /// 0 unless set.
-    void setBorder3dPolicy(const image::Border3dPolicy& policy) { m_border = policy; }
-
-    void start(unsigned long granularity) override;
-    unsigned long getNbLines() const override { return m_strip->getNbLines(); }
-    void beginLine(unsigned long line) override;
-    void beginRun(unsigned long, unsigned long) override {}
-    void endRun(unsigned long, unsigned long) override {}
-
-protected:
-    explicit KernelZStrip3dParser(eDataType dataType);
-    void* bufferLine(unsigned long slice, unsigned long row) const
+    explicit KernelStripParser(eDataType dataType);
+    /// Line of element `element` of the window that lies `row` lines from the first one of the margin.
+    void* bufferLine(unsigned long element, unsigned long row) const
     {
-        return m_slices.getDataPtr(slice, (m_y + row) * m_lineSize);
+        return m_elements.getDataPtr(element, (m_row + row) * m_lineSize);
     }
 
-private:
-    void load(unsigned long fragment, long z);
+    boost::shared_ptr<image::BaseImageFragment> m_strip;
 
-    boost::shared_ptr<image::InputImageZStrip3dWithKernel> m_strip;
-    image::Border3dPolicy m_border;
-    image::FragHybridBuffer m_slices;
+private:
+    void load(unsigned long fragment, long element);
+
+    image::BorderPolicy m_border;
+    image::FragHybridBuffer m_elements;
     unsigned long m_lineSize;
-    unsigned long m_y;
+    unsigned long m_row;  // line of the strip's current element, 0 in planes
+    const void* m_nextLine;  // null at the end of the strip or image
 };
 
 // The parsers as kernels see them: by sample type and kind of attribute.
@@ -141,32 +117,31 @@ class TypedPlainParser : public PlainStripParser
 {
 public:
     TypedPlainParser() : PlainStripParser(DataTypeOf<T>::value, Attr::s_writable, WholeLines) {}
-    ParsedSample<T, Attr>* accessBuffer() const { return static_cast<T*>(m_current); }
+    ParsedSample<T, Attr>* accessBuffer() const { return static_cast<T*>(accessSamples()); }
 };
 
 template<class T, class Attr>
-class RawYStrip2dParser : public TypedPlainParser<T, Attr, false>
-{
-};
+using RawYStrip2dParser = TypedPlainParser<T, Attr, false>;
 template<class T, class Attr>
-class RawZStrip3dParser : public TypedPlainParser<T, Attr, false>
-{
-};
+using RawZStrip3dParser = TypedPlainParser<T, Attr, false>;
 /// One run per line.
 template<class T, class Attr>
-class LineYStrip2dParser : public TypedPlainParser<T, Attr, true>
-{
-};
+using LineYStrip2dParser = TypedPlainParser<T, Attr, true>;
 template<class T, class Attr>
-class LineZStrip3dParser : public TypedPlainParser<T, Attr, true>
-{
-};
+using LineZStrip3dParser = TypedPlainParser<T, Attr, true>;
 
 template<class Attr>
-class BaseLineYStrip2dWithKernelParser : public KernelYStrip2dParser
+class BaseLineYStrip2dWithKernelParser : public KernelStripParser
 {
+public:
+    typename Attr::StorageType getImageYStrip2dWithKernel() const
+    {
+        return boost::static_pointer_cast<typename Attr::Strip>(m_strip);
+    }
+    void setBorder2dPolicy(const image::Border2dPolicy& policy) { setBorder(policy); }
+
 protected:
-    using KernelYStrip2dParser::KernelYStrip2dParser;
+    using KernelStripParser::KernelStripParser;
 };
 
 template<class T, class Attr>
@@ -176,14 +151,21 @@ public:
     LineYStrip2dWithKernelParser() : BaseLineYStrip2dWithKernelParser<Attr>(DataTypeOf<T>::value) {}
     /// Line `line` of the kernel, 0 the first of the margin. It starts with the left margin and is readable one sample
     /// past the run, rounded up to the granularity, and the right margin.
-    const T* accessBuffer(unsigned long line) const { return static_cast<const T*>(this->bufferLine(line)); }
+    const T* accessBuffer(unsigned long line) const { return static_cast<const T*>(this->bufferLine(line, 0)); }
 };
 
 template<class Attr>
-class BaseLineZStrip3dWithKernelParser : public KernelZStrip3dParser
+class BaseLineZStrip3dWithKernelParser : public KernelStripParser
 {
+public:
+    typename Attr::StorageType getImageZStrip3dWithKernel() const
+    {
+        return boost::static_pointer_cast<typename Attr::Strip>(m_strip);
+    }
+    void setBorder3dPolicy(const image::Border3dPolicy& policy) { setBorder(policy); }
+
 protected:
-    using KernelZStrip3dParser::KernelZStrip3dParser;
+    using KernelStripParser::KernelStripParser;
 };
 
 template<class T, class Attr>
@@ -201,32 +183,31 @@ public:
 /// Whole blocks first, then the rest: for kernels that take each sample for itself.
 struct ORVIK_API RawStripParserMode
 {
+    static constexpr bool s_wholeLines = false;
 };
 /// One run per line: for kernels that look at neighbours.
 struct ORVIK_API LineStripParserMode
 {
+    static constexpr bool s_wholeLines = true;
 };
 
-/// The class of parser for a mode and a kind of attribute.
-template<class Mode, class T, class Attr>
-struct StripParserClass;
-#define ORVIK_PARSER_CLASS(Mode, Attr, Parser) \
-    template<class T> \
-    struct StripParserClass<Mode, T, Attr> \
-    { \
-        typedef Parser<T, Attr> type; \
-    }
-ORVIK_PARSER_CLASS(RawStripParserMode, BaseInputYStrip2dAttribute, RawYStrip2dParser);
-ORVIK_PARSER_CLASS(RawStripParserMode, BaseOutputYStrip2dAttribute, RawYStrip2dParser);
-ORVIK_PARSER_CLASS(RawStripParserMode, BaseInputZStrip3dAttribute, RawZStrip3dParser);
-ORVIK_PARSER_CLASS(RawStripParserMode, BaseOutputZStrip3dAttribute, RawZStrip3dParser);
-ORVIK_PARSER_CLASS(LineStripParserMode, BaseInputYStrip2dAttribute, LineYStrip2dParser);
-ORVIK_PARSER_CLASS(LineStripParserMode, BaseOutputYStrip2dAttribute, LineYStrip2dParser);
-ORVIK_PARSER_CLASS(LineStripParserMode, BaseInputZStrip3dAttribute, LineZStrip3dParser);
-ORVIK_PARSER_CLASS(LineStripParserMode, BaseOutputZStrip3dAttribute, LineZStrip3dParser);
-ORVIK_PARSER_CLASS(LineStripParserMode, BaseInputYStrip2dWithKernelAttribute, LineYStrip2dWithKernelParser);
-ORVIK_PARSER_CLASS(LineStripParserMode, BaseInputZStrip3dWithKernelAttribute, LineZStrip3dWithKernelParser);
-#undef ORVIK_PARSER_CLASS
+/// The class of parser for a mode, a sample type and a kind of attribute.
+template<class Mode, class T, class Attr, bool WithKernel = Attr::Strip::s_withKernel,
+         image::eStripAxis Axis = Attr::Strip::s_axis>
+struct StripParserClass
+{
+    typedef TypedPlainParser<T, Attr, Mode::s_wholeLines> type;
+};
+template<class T, class Attr>
+struct StripParserClass<LineStripParserMode, T, Attr, true, image::eSA_Y>
+{
+    typedef LineYStrip2dWithKernelParser<T, Attr> type;
+};
+template<class T, class Attr>
+struct StripParserClass<LineStripParserMode, T, Attr, true, image::eSA_Z>
+{
+    typedef LineZStrip3dWithKernelParser<T, Attr> type;
+};
 
 /// Makes the parser of an attribute's sample type; empty when that is no type.
 template<class Mode, class Attr, class StorageAttr>

@@ -147,7 +147,7 @@ public:
     {
         const boost::shared_ptr<Entry> value = Entry::createNode();
         const BoolResult result = value->read(archive);
-        if (result.getValue())
+        if (result)
             init(value);
         return result;
     }

@@ -49,7 +49,7 @@ BoolResult BaseOutputInitializer::initOutputAttribute()
     if (output->hasValue())
         return success();
     const BoolResult result = initAttribute();
-    if (result.getValue())
+    if (result)
         output->setMadeByInitializer(true);
     return result;
 }

@@ -48,22 +48,23 @@ BoolResult BaseProcessingAlgorithm::mainProcess()
 {
     DataParserColl parsers;
     initDataParserColl(parsers);
-    const AtScopeEnd clearParsers{[this] { clearDataParserColl(); }};
+    const AtScopeEnd clearParsers{[this] { clearDataParserColl(); }};  // also when something fails
     // Before preProcess, which expects a parser for every strip: there is none for a type that no kernel serves.
     AlgorithmFunction function = nullptr;
     const BoolResult selected = selectKernel(function);
-    if (!selected.getValue())
+    if (!selected)
         return selected;
     const StageResult before = preProcess();
-    if (before.getValue() != eSRT_Done)
+    if (!before)
         return failure(before.getMessage());
     for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
         parser->start(getRunGranularity());
     const BoolResult result = runKernel(function, parsers);
-    if (!result.getValue())
+    if (!result)
         return result;
+    clearDataParserColl();
     const StageResult after = postProcess();
-    return after.getValue() == eSRT_Done ? success() : failure(after.getMessage());
+    return after ? success() : failure(after.getMessage());
 }
 
 BoolResult BaseProcessingAlgorithm::selectKernel(AlgorithmFunction& function)
@@ -72,7 +73,7 @@ BoolResult BaseProcessingAlgorithm::selectKernel(AlgorithmFunction& function)
     getDataTypeIdColl(dataTypes);
     AlgorithmFunctionIdentifier selected;
     const BoolResult found = getFunctionSelector().select(dataTypes, getForcedInstructionSets(), selected);
-    if (!found.getValue())
+    if (!found)
         return failure(getObjectName() + ": " + found.getMessage());
     getEntry().lastEfficiency.store(selected.getEfficiency(), std::memory_order_relaxed);
     function = selected.getFunction();
@@ -113,7 +114,7 @@ BoolResult BaseProcessingAlgorithm::runKernel(AlgorithmFunction function, const 
             for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
                 parser->beginRun(info.firstColumn, count);
             const BoolResult result = (this->*function)(info);
-            if (!result.getValue())
+            if (!result)
                 return result;
             for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
                 parser->endRun(info.firstColumn, count);

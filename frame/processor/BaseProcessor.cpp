@@ -96,7 +96,7 @@ BoolResult BaseProcessor::prepareRun()
         if (initializer.second->getOutputAttribute()->hasValue())
             continue;
         const BoolResult result = initializer.second->initOutputAttribute();
-        if (!result.getValue())
+        if (!result)
             return result;
         made = true;
     }
@@ -111,7 +111,7 @@ BoolResult BaseProcessor::prepareRun()
 BoolResult BaseProcessor::write(BaseOArchive& archive) const
 {
     const BoolResult result = core::BaseComplexAction::write(archive);
-    if (!result.getValue())
+    if (!result)
         return result;
     ArchiveSectionManager section(archive, "attributes");
     archive << SerializationOItem<bool>("initialised", m_initialised);
@@ -133,11 +133,11 @@ BoolResult BaseProcessor::write(BaseOArchive& archive) const
 BoolResult BaseProcessor::read(BaseIArchive& archive)
 {
     BoolResult result = core::BaseComplexAction::read(archive);
-    if (!result.getValue())
+    if (!result)
         return result;
     if (!m_initialised) {
         result = init(ePRP_WithRules);
-        if (!result.getValue())
+        if (!result)
             return result;
     }
     ArchiveSectionManager section(archive, "attributes");

@@ -37,6 +37,10 @@ enum eRetrievalResultType : unsigned long
     eRRT_RetrievalFailed = 2
 };
 typedef ProcessingResult<eRetrievalResultType> RetrievalResult;
+constexpr eRetrievalResultType failedValue(eRetrievalResultType)
+{
+    return eRRT_RetrievalFailed;
+}
 
 enum eStageResultType : unsigned long
 {
@@ -45,6 +49,10 @@ enum eStageResultType : unsigned long
 };
 /// Answer of `preProcess` and `postProcess`.
 typedef ProcessingResult<eStageResultType> StageResult;
+constexpr eStageResultType failedValue(eStageResultType)
+{
+    return eSRT_Failed;
+}
 
 typedef boost::shared_ptr<core::BaseActionProvider> ProviderPtr;
 typedef std::vector<boost::shared_ptr<BaseAttribute> > AttributeColl;

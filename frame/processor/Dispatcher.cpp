@@ -18,15 +18,6 @@ unsigned long divideUp(unsigned long a, unsigned long b)
     return (a + b - 1) / b;
 }
 
-template<class Split>
-std::vector<const BaseDataSplit*> plain(const std::vector<boost::shared_ptr<Split> >& splits)
-{
-    std::vector<const BaseDataSplit*> result;
-    for (const boost::shared_ptr<Split>& split : splits)
-        result.push_back(split.get());
-    return result;
-}
-
 /// Gives a child what each split has for it.
 template<class Split, class Process>
 BoolResult giveAll(const std::vector<boost::shared_ptr<Split> >& splits, const BaseProcessor& child, const Process& process)
@@ -36,7 +27,7 @@ BoolResult giveAll(const std::vector<boost::shared_ptr<Split> >& splits, const B
                                       ? process(*split)
                                       : failure("the split of " + split->getAttributeName()
                                                 + " is made for another class than " + child.getClassName());
-        if (!result.getValue())
+        if (!result)
             return result;
     }
     return success();
@@ -47,14 +38,16 @@ BoolResult giveAll(const std::vector<boost::shared_ptr<Split> >& splits, const B
 BaseProcessorDispatcher::BaseProcessorDispatcher() : m_nbElements(0), m_grain(1), m_next(0), m_nbRunning(0) {}
 BaseProcessorDispatcher::~BaseProcessorDispatcher() = default;
 
-BoolResult BaseProcessorDispatcher::initElements(const core::BasePriority& priority,
-                                                 const std::vector<const BaseDataSplit*>& splits)
+template<class SplitAt>
+BoolResult BaseProcessorDispatcher::initElements(const core::BasePriority& priority, unsigned long nbSplits,
+                                                 const SplitAt& splitAt)
 {
     m_priority = priority;
     m_next = m_nbRunning = 0;
     m_nbElements = 0;
     const BaseDataSplit* decider = nullptr;
-    for (const BaseDataSplit* split : splits) {
+    for (unsigned long i = 0; i < nbSplits; ++i) {
+        const BaseDataSplit* const split = splitAt(i);
         if (!split)
             return failure(getProcessorName() + ": a split is null");
         const unsigned long nbElements = split->getNbElements();
@@ -81,9 +74,9 @@ BoolResult BaseProcessorDispatcher::queryNextAction(const core::BaseRequestOrigi
     const ElementsRange range(m_next, std::min(m_grain, m_nbElements - m_next));
     const boost::shared_ptr<BaseProcessor> child = createProcessor();
     BoolResult result = child->init(ePRP_WithRules);
-    if (result.getValue())
+    if (result)
         result = initAttributes(range, origin, child);
-    if (!result.getValue())
+    if (!result)
         return result;
     child->setActionPriority(m_priority);
     request = boost::make_shared<core::BaseActionRequest>(child);
@@ -113,10 +106,10 @@ BaseStaticProcessorDispatcher::BaseStaticProcessorDispatcher() = default;
 BaseStaticProcessorDispatcher::~BaseStaticProcessorDispatcher() = default;
 
 BoolResult BaseStaticProcessorDispatcher::initBase(const core::BasePriority& priority,
-                                                   const std::vector<boost::shared_ptr<BaseStaticSplit> >& splits)
+                                                   std::vector<boost::shared_ptr<BaseStaticSplit> > splits)
 {
-    m_splits = splits;
-    return initElements(priority, plain(splits));
+    m_splits = std::move(splits);
+    return initElements(priority, m_splits.size(), [this](unsigned long i) { return m_splits[i].get(); });
 }
 
 BoolResult BaseStaticProcessorDispatcher::initAttributes(const ElementsRange& range,
@@ -144,10 +137,10 @@ BaseDynamicProcessorDispatcher::BaseDynamicProcessorDispatcher() = default;
 BaseDynamicProcessorDispatcher::~BaseDynamicProcessorDispatcher() = default;
 
 BoolResult BaseDynamicProcessorDispatcher::initBase(const core::BasePriority& priority,
-                                                    const std::vector<boost::shared_ptr<BaseDynamicSplit> >& splits)
+                                                    std::vector<boost::shared_ptr<BaseDynamicSplit> > splits)
 {
-    m_splits = splits;
-    return initElements(priority, plain(splits));
+    m_splits = std::move(splits);
+    return initElements(priority, m_splits.size(), [this](unsigned long i) { return m_splits[i].get(); });
 }
 
 BoolResult BaseDynamicProcessorDispatcher::initAttributes(const ElementsRange& range,

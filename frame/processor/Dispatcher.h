@@ -28,8 +28,9 @@ public:
     void requestCancellationDerived() override;
 
 protected:
-    /// Finds the one number of elements that all splits agree on.
-    BoolResult initElements(const core::BasePriority& priority, const std::vector<const BaseDataSplit*>& splits);
+    /// Finds the one number of elements that all splits agree on; `split(i)` is null for one that was given as null.
+    template<class SplitAt>
+    BoolResult initElements(const core::BasePriority& priority, unsigned long nbSplits, const SplitAt& split);
 
     unsigned long m_nbElements;
     unsigned long m_grain;  // elements per child
@@ -45,8 +46,7 @@ class ORVIK_API BaseStaticProcessorDispatcher : public BaseProcessorDispatcher
 public:
     BaseStaticProcessorDispatcher();
     ~BaseStaticProcessorDispatcher() override;
-    BoolResult initBase(const core::BasePriority& priority,
-                        const std::vector<boost::shared_ptr<BaseStaticSplit> >& splits);
+    BoolResult initBase(const core::BasePriority& priority, std::vector<boost::shared_ptr<BaseStaticSplit> > splits);
     BoolResult initAttributes(const ElementsRange& range, const core::BaseRequestOrigin& origin,
                               const boost::shared_ptr<BaseProcessor>& child) override;
     void clearDerived() override;
@@ -61,8 +61,7 @@ class ORVIK_API BaseDynamicProcessorDispatcher : public BaseProcessorDispatcher
 public:
     BaseDynamicProcessorDispatcher();
     ~BaseDynamicProcessorDispatcher() override;
-    BoolResult initBase(const core::BasePriority& priority,
-                        const std::vector<boost::shared_ptr<BaseDynamicSplit> >& splits);
+    BoolResult initBase(const core::BasePriority& priority, std::vector<boost::shared_ptr<BaseDynamicSplit> > splits);
     BoolResult initAttributes(const ElementsRange& range, const core::BaseRequestOrigin& origin,
                               const boost::shared_ptr<BaseProcessor>& child) override;
     void clearDerived() override;
@@ -104,10 +103,9 @@ protected:
 template<class Provider>
 RetrievalResult provided(const BoolResult& initialised, const boost::shared_ptr<Provider>& made, ProviderPtr& provider)
 {
-    if (!initialised.getValue())
-        return RetrievalResult(eRRT_RetrievalFailed, initialised.getMessage());
-    provider = made;
-    return RetrievalResult(eRRT_ProviderRetrieved);
+    if (initialised)
+        provider = made;
+    return initialised;
 }
 
 /// A stage that runs one prepared sub-processor.

@@ -2,6 +2,8 @@
 
 #include "frame/image/BufferType.h"
 #include "frame/processor/BaseProcessingAlgorithm.h"
+#include "frame/processor/ProcessorFactory.h"
+#include "frame/simd/UnitSet.h"
 
 namespace orvik { namespace processor {
 
@@ -75,17 +77,50 @@ private:
                         static_cast<AlgorithmFunction>(
                             &X::template genericProcessFunction<typename Type::Sample, Sets...>));
         const BoolResult result = selector.registerFunction(identifier);
-        if (!result.getValue())
+        if (!result)
             failures += result.getMessage() + "\n";
     }
 
     core::InstructionSetsIdentifier m_sets;
 };
 
-/// Last line of a kernel unit: registers the class for the set that the unit is written for, all sample types or some.
-#define ORVIK_REGISTER_KERNELS(X, Types, ...) \
+namespace details {
+/// Of the types that a class has kernels for, those that a set has: AVX is no wider than SSE2 for whole numbers.
+template<class Types, core::eInstructionSet Set>
+struct KernelTypesOfSet
+{
+    typedef Types type;
+};
+template<class Types>
+struct KernelTypesOfSet<Types, core::eIS_Avx>
+{
+    typedef Real32KernelTypes type;
+};
+}  // namespace details
+
+#ifdef ORVIK_UNIT_PLAIN
+#define ORVIK_REGISTER_CLASS_OF_KERNELS(X) ORVIK_REGISTER_PROCESSOR(X)
+#else
+#define ORVIK_REGISTER_CLASS_OF_KERNELS(X)
+#endif
+
+/// Last line of a kernel, in the namespace of its Level 3 class: registers it for the set that the unit is compiled for,
+/// while its library is loaded. In the unit of plain code, which every class has, the class itself comes first.
+#define ORVIK_REGISTER_KERNELS(X, Types) \
+    ORVIK_REGISTER_CLASS_OF_KERNELS(X) \
     namespace { \
-    const ::orvik::processor::KernelRegistrator<X, ::orvik::processor::Types, __VA_ARGS__> g_kernels(__FILE__); \
+    namespace details { \
+    /** Always true: kernels that could not be registered are logged, and less efficient ones serve. */ \
+    bool functionRegistration() \
+    { \
+        static const ::orvik::processor::KernelRegistrator< \
+            X, typename ::orvik::processor::details::KernelTypesOfSet<::orvik::processor::Types, ORVIK_UNIT_SET>::type, \
+            ORVIK_UNIT_SET> \
+            registrator(__BASE_FILE__); \
+        return true; \
+    } \
+    const bool g_functionsAreRegistered = functionRegistration(); \
+    } \
     }
 
 }}  // namespace orvik::processor

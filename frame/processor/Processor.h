@@ -130,7 +130,7 @@ protected:
     {
         return attribute<T>()->getStorage();
     }
-    RulePtr createRule() const { return RulePtr(); }
+    RulePtr createRule() const { return none(); }
     void initInitializers(InitializerMap&) {}
     /// Enters an initialiser under the name of its output.
     template<class T>
@@ -154,8 +154,6 @@ private:
 #define ORVIK_PROCESSOR(Name, ToolTipRow) \
     template<class, class, class...> \
     friend class ::orvik::processor::Processor; \
-    template<class, class...> \
-    friend class ::orvik::processor::ProcessingAlgorithm; \
     static constexpr const char* s_name = #Name; \
     static constexpr const char* s_namespace = Library::s_namespace; \
     static std::string readToolTip() \
@@ -169,9 +167,6 @@ public: \
     Name(); \
     ~Name() override;
 
-template<class D, class... A>
-class ProcessingAlgorithm;
-
 /// Makes a processor, ready for `set`.
 template<class P>
 boost::shared_ptr<P> createInitialised()
@@ -181,31 +176,14 @@ boost::shared_ptr<P> createInitialised()
     return processor;
 }
 
-/// Runs a processor and gives its output back.
-template<class A, class P>
-typename A::StorageType runForOutput(const boost::shared_ptr<P>& processor)
-{
-    executeSyncRun(processor);
-    return processor->template getStorage<A>();
-}
-
-/// Starts a processor in the background. It keeps itself alive until it has ended.
+/// Waits for the end of a processor that was started in the background. @throws what ended the run, when it failed.
 template<class P>
-boost::shared_ptr<P> startAsync(const boost::shared_ptr<P>& processor)
-{
-    processor->run(core::eST_Asynchronous);
-    return processor;
-}
-
-/// An output of a processor that was started in the background: waits for its end, raises its failure if it failed.
-template<class A, class P>
-typename A::StorageType waitForOutput(const boost::shared_ptr<P>& processor)
+void waitForEnd(const boost::shared_ptr<P>& processor)
 {
     if (!processor)
         details::throwNullProcessor();
     processor->waitForEnd();
     processor->rethrowFailure();
-    return processor->template getStorage<A>();
 }
 
 }}  // namespace orvik::processor

@@ -71,4 +71,10 @@ struct ProcessorRegistrator
     const ::orvik::processor::ProcessorRegistrator<X> g_processorRegistrator##X; \
     }
 
+/// In the main unit of a class of Level 1 or 2: the bodies that say nothing of their own, and its entry in the factories.
+#define ORVIK_DEFINE_PROCESSOR(X) \
+    X::X() = default; \
+    X::~X() = default; \
+    ORVIK_REGISTER_PROCESSOR(X)
+
 }}  // namespace orvik::processor

@@ -2,30 +2,11 @@
 
 #include "frame/core/ActionProvider.h"
 #include "frame/processor/BaseProcessor.h"
+#include "frame/processor/ElementsRange.h"
 
 #include <boost/function.hpp>
-#include <boost/smart_ptr/make_shared_object.hpp>
-
-#include <map>
 
 namespace orvik { namespace processor {
-
-/// A range of elements of a split, ordered by its start, then by its length.
-class ElementsRange
-{
-public:
-    ElementsRange(unsigned long start, unsigned long count) : m_start(start), m_count(count) {}
-    unsigned long getStart() const { return m_start; }
-    unsigned long getCount() const { return m_count; }
-
-private:
-    unsigned long m_start, m_count;
-};
-
-inline bool operator<(const ElementsRange& a, const ElementsRange& b)
-{
-    return a.getStart() != b.getStart() ? a.getStart() < b.getStart() : a.getCount() < b.getCount();
-}
 
 /// Where elements lie. In one process every element lies here; the class is kept for splits that ask.
 class ORVIK_API ElementsLocationInfo

@@ -1,8 +1,6 @@
-// Closes the region that one of the Open files of this folder opened.
+// Closes the region that OpenSet.h opened.
 #if defined(__clang__)
 #pragma clang attribute pop
 #else
 #pragma GCC pop_options
 #endif
-#undef ORVIK_SET
-#undef ORVIK_SET_BYTES

@@ -1,8 +1,17 @@
-// Vectors as wide as the set that is open, for kernels; included inside the region, once per unit. Operators and ?: are
-// the compiler's own on vector types.
+#pragma once
+
+// Vectors as wide as the set of the unit, for kernels. Operators and ?: are the compiler's own on vector types.
+
+#include "frame/core/InstructionSet.h"
+
+#include <immintrin.h>
+
+#include <cstring>
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace {  // internal linkage: two sets must never share a compiled function
-
 
 /// Vector of lanes of type T, and how many lanes it has.
 template<class T>
@@ -165,3 +174,5 @@ inline Lanes<float>::type fma(Lanes<float>::type a, Lanes<float>::type b, Lanes<
 }
 
 }  // namespace
+
+#include "frame/simd/CloseSet.h"

@@ -1,6 +1,19 @@
-// The passes of separable Gaussian kernels. Compiled once per instruction set, inside the set that is open.
+#pragma once
 
+// The passes of separable Gaussian kernels. Compiled once per instruction set.
+
+#include "siblings/Filtering/GaussianWeights.h"
+#include "siblings/Filtering/SeparableStrips.h"
+
+#include "frame/image/BufferType.h"
 #include "frame/simd/Simd.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace filter {
 namespace {
@@ -88,10 +101,29 @@ void narrowBlock(Sample* __restrict to, const Sum* __restrict from)
     }
 }
 
-/// The kernel along a line, with the one rounding to the samples of the result.
-template<bool Differentiate, class Sum, class Sample>
-void filterLine(const Sum* line, unsigned long n, const TypedGaussianWeights<Sum>& weights, Sample* to)
+/// The pass across rows of a tile, which lie a block apart: those that go together, from the first row that is the centre of
+/// a result on. What they become goes to the block at column x of the combined lines; null where it is not wanted.
+template<class Sum>
+void filterTile(const Sum* tile, unsigned long nbLines, const TypedGaussianWeights<Sum>& weights, unsigned long x,
+                const CombinedLines* smooth, const CombinedLines* derivative)
 {
+    Sum* const none = nullptr;
+    for (unsigned long line = 0; line < nbLines; ++line) {
+        const Sum* const centre = tile + (weights.halfSize() + line) * kBlock;
+        if (smooth && derivative)
+            filterBlock<true, true>(centre, kBlock, weights, smooth->get<Sum>(line) + x, derivative->get<Sum>(line) + x);
+        else if (smooth)
+            filterBlock<true, false>(centre, kBlock, weights, smooth->get<Sum>(line) + x, none);
+        else
+            filterBlock<false, true>(centre, kBlock, weights, none, derivative->get<Sum>(line) + x);
+    }
+}
+
+/// The pass along a line, with the one rounding to the samples of the result.
+template<bool Differentiate, class Sum, class Sample>
+void filterLine(const Sum* line, unsigned long n, const TypedGaussianWeights<Sum>& weights, void* result)
+{
+    Sample* const to = static_cast<Sample*>(result);
     for (unsigned long x = 0; x < n; x += kBlock) {
         if constexpr (std::is_same<Sample, float>::value) {
             filterBlock<!Differentiate, Differentiate>(line + x, 1, weights, to + x, to + x);
@@ -103,14 +135,36 @@ void filterLine(const Sum* line, unsigned long n, const TypedGaussianWeights<Sum
     }
 }
 
-/// Repeats the first and the last sample of a line, that far.
 template<class Sum>
-void extendLine(Sum* line, unsigned long sizeX, unsigned long before, unsigned long end)
+using LineFilter = void (*)(const Sum*, unsigned long, const TypedGaussianWeights<Sum>&, void*);
+
+/// The pass along lines for a type of result; null for no type.
+template<bool Differentiate, class Sum>
+LineFilter<Sum> lineFilterFor(image::eImageBufferType type)
 {
-    std::fill(line - before, line, line[0]);
-    std::fill(line + sizeX, line + end, line[sizeX - 1]);
+    LineFilter<Sum> filter = nullptr;
+    image::withSampleType(image::toDataType(type), [&](auto zero) {
+        typedef decltype(zero) Sample;
+        if constexpr (!std::is_same<Sample, double>::value)
+            filter = &filterLine<Differentiate, Sum, Sample>;
+    });
+    return filter;
+}
+
+/// Repeats the first and the last of `sizeX` values of the first lines, as far as the pass along them reads.
+template<class Sum>
+void extendLines(const CombinedLines& lines, unsigned long nbLines, unsigned long sizeX, unsigned long alignedSizeX,
+                 unsigned long halfSize)
+{
+    for (unsigned long i = 0; i < nbLines; ++i) {
+        Sum* const line = lines.get<Sum>(i);
+        std::fill(line - halfSize, line, line[0]);
+        std::fill(line + sizeX, line + alignedSizeX + halfSize, line[sizeX - 1]);
+    }
 }
 
 }  // namespace
 
 }}}  // namespace orvik::imaproc::filter
+
+#include "frame/simd/CloseSet.h"

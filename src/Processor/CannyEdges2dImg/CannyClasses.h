@@ -1,6 +1,12 @@
-// Classes of the pixels of one block: 0 no candidate, 1 weak, 2 strong. Included by the kernel, inside its set.
+#pragma once
 
-#include "CannyMagnitudes.h"
+// Classes of the pixels of one block: 0 no candidate, 1 weak, 2 strong.
+
+#include "Processor/CannyEdges2dImg/CannyMagnitudes.h"
+
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
@@ -196,3 +202,5 @@ void classifyBlock(const Neighbourhood<Sample, Magnitude>& at, const SquaredThre
 
 }  // namespace
 }}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"

@@ -1,8 +1,36 @@
+#pragma once
+
 // The classes of the pixels of one line. Compiled once per instruction set.
 
-#include "CannyClasses.h"
+#include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl3.h"
+#include "Processor/CannyEdges2dImg/CannyClasses.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/KernelRegistrator.h"
+#include "frame/simd/Simd.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
+namespace {
+
+/// What the kernel works with on one strip.
+template<class Gradient, class Out, class Thresholds>
+struct Strip
+{
+    const Gradient *gx, *gy;
+    const Out* out;
+    Thresholds thresholds;
+};
+
+template<class G, class O, class T>
+Strip(const G*, const G*, const O*, T) -> Strip<G, O, T>;
+
+}  // namespace
 
 template<class Sample, core::eInstructionSet Set>
 BoolResult CannyEdges2dImgLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
@@ -13,19 +41,23 @@ BoolResult CannyEdges2dImgLvl3::genericProcessFunction(const processor::Processi
 template<class Sample, class Magnitude, core::eInstructionSet Set>
 BoolResult CannyEdges2dImgLvl3::processFunction(const processor::ProcessingInfo& info)
 {
-    const auto* const gx = parser<attr::InGxKnlYStrip2d, Sample>();
-    const auto* const gy = parser<attr::InGyKnlYStrip2d, Sample>();
-    const auto* const out = parser<attr::OutYStrip2d, unsigned char>();
-    if (!gx || !gy || !out)
+    typedef attr::CannyThresholds Limits;
+    const auto* const strip = onceAStrip(info, [&] {
+        const Limits& limits = *value<attr::InCannyThresholds>();
+        return Strip{parser<attr::InGxKnlYStrip2d, Sample>(), parser<attr::InGyKnlYStrip2d, Sample>(),
+                     parser<attr::OutYStrip2d, unsigned char>(),
+                     SquaredThresholds<Sample>(limits.get<Limits::LowThreshold>(), limits.get<Limits::HighThreshold>())};
+    });
+    if (!strip)
         return wrongSampleType();
+    const auto &gx = *strip->gx, &gy = *strip->gy;
 
     // The lines are readable to the end of the last whole block and its margins.
     const unsigned long n = info.nbAlignedData, rowSize = n + 2;
-    image::FragHybridBuffer& rows = *m_magnitudes[info.partIndex];
+    image::FragHybridBuffer& rows = m_magnitudes[info.partIndex];
     const auto row = [&](unsigned long r) { return static_cast<Magnitude*>(rows.getDataPtr(r)); };
     const auto computeRow = [&](unsigned long r, unsigned long begin, unsigned long end) {
-        computeGradientMagnitudeSquare(gx->accessBuffer(r) + begin, gy->accessBuffer(r) + begin, row(r) + begin,
-                                       end - begin);
+        computeGradientMagnitudeSquare(gx.accessBuffer(r) + begin, gy.accessBuffer(r) + begin, row(r) + begin, end - begin);
     };
     if (info.lineIndex == 0) {
         rows.init(DataTypeOf<Magnitude>::value, rowSize, 3);
@@ -35,15 +67,13 @@ BoolResult CannyEdges2dImgLvl3::processFunction(const processor::ProcessingInfo&
         rows.rollUpFragments();
     }
 
-    const attr::CannyThresholds& record = *value<attr::InCannyThresholds>();
-    const SquaredThresholds<Sample> thresholds(record.template get<attr::CannyThresholds::LowThreshold>(),
-                                               record.template get<attr::CannyThresholds::HighThreshold>());
+    const SquaredThresholds<Sample>& thresholds = strip->thresholds;
     for (unsigned long i = 0; i < n; i += kBlock) {
         // Memory is asked for, the row below computed and the line classified in turns, so that they overlap.
-        gx->prefetchNext(i, kBlock);
-        gy->prefetchNext(i, kBlock);
+        gx.prefetchNext(i, kBlock);
+        gy.prefetchNext(i, kBlock);
         computeRow(2, i > 0 ? i + kBlock : 0, std::min(i + 2 * kBlock, rowSize));
-        unsigned char* const classes = out->accessBuffer() + i;
+        unsigned char* const classes = strip->out->accessBuffer() + i;
         if (!mayHaveCandidate(row(1) + i + 1, thresholds)) {
             std::memset(classes, 0, kBlock);
             continue;
@@ -51,12 +81,20 @@ BoolResult CannyEdges2dImgLvl3::processFunction(const processor::ProcessingInfo&
         Neighbourhood<Sample, Magnitude> at;
         for (unsigned long r = 0; r < 3; ++r) {
             at.rows[r] = row(r) + i;
-            at.gx[r] = gx->accessBuffer(r) + i;
-            at.gy[r] = gy->accessBuffer(r) + i;
+            at.gx[r] = gx.accessBuffer(r) + i;
+            at.gy[r] = gy.accessBuffer(r) + i;
         }
         classifyBlock(at, thresholds, classes);
     }
     return success();
 }
+
+}}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+ORVIK_REGISTER_KERNELS(CannyEdges2dImgLvl3, AllKernelTypes)
 
 }}}  // namespace orvik::imaproc::fd

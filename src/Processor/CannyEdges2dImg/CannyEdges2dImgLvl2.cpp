@@ -13,10 +13,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(CannyEdges2dImgLvl2)
-
-CannyEdges2dImgLvl2::CannyEdges2dImgLvl2() = default;
-CannyEdges2dImgLvl2::~CannyEdges2dImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(CannyEdges2dImgLvl2)
 
 processor::RulePtr CannyEdges2dImgLvl2::createRule() const
 {

@@ -1,11 +1,2 @@
-#include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl3.h"
-
-#include "frame/attr/StripAttributes.h"
-#include "frame/attr/ValueAttributes.h"
-#include "frame/simd/KernelUnit.h"
-
-#include "frame/simd/OpenSse2.h"
-#include "CannyEdges2dImgKernel.h"
-#include "frame/simd/CloseSet.h"
-
-ORVIK_REGISTER_KERNELS(orvik::imaproc::fd::CannyEdges2dImgLvl3, AllKernelTypes, orvik::core::eIS_Sse2)
+#define ORVIK_UNIT_SSE2
+#include "Processor/CannyEdges2dImg/CannyEdges2dImgKernel.h"

@@ -1,6 +1,14 @@
-// Squared magnitudes of gradients, and thresholds for them. Included by the kernel, inside its set.
+#pragma once
+
+// Squared magnitudes of gradients, and thresholds for them.
 
 #include "frame/simd/Simd.h"
+#include "frame/util/NumericLimits.h"
+
+#include <cmath>
+#include <limits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
@@ -123,3 +131,5 @@ inline bool mayHaveCandidate(const float* m, const SquaredThresholds<float>& thr
 
 }  // namespace
 }}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"

@@ -4,6 +4,7 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/PlanIndexedInitializers.h"
 #include "frame/imaproc/Stages.h"
@@ -13,10 +14,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(ExtractLocalExtrema2dLvl1)
-
-ExtractLocalExtrema2dLvl1::ExtractLocalExtrema2dLvl1() = default;
-ExtractLocalExtrema2dLvl1::~ExtractLocalExtrema2dLvl1() = default;
+ORVIK_DEFINE_PROCESSOR(ExtractLocalExtrema2dLvl1)
 
 processor::RulePtr ExtractLocalExtrema2dLvl1::createRule() const
 {
@@ -41,79 +39,24 @@ processor::RetrievalResult ExtractLocalExtrema2dLvl1::retrieveProvider(const cor
         same<InFeaturesDistY>(value<InFeaturesDistY>()), eachPlane<InSubImg2d>(value<InImg>()));
 }
 
-namespace {
+typedef FunctionForms<ExtractLocalExtrema2dLvl1, OutPIPixels2d> Forms;
 
-typedef boost::shared_ptr<const image::BaseImage> ImagePtr;
-typedef boost::shared_ptr<const LocalExtremaConfig> ConfigPtr;
-typedef boost::shared_ptr<ExtractLocalExtrema2dLvl1> ProcessorPtr;
-
-ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, unsigned int distX, unsigned int distY,
-                           const ConfigPtr& config)
+ORVIK_PLANE_FUNCTIONS(extractLocalExtrema2d, (const ConstImagePtr&, inImg)(unsigned int, inFeaturesDistX)
+                                             (unsigned int, inFeaturesDistY))
 {
-    const ProcessorPtr processor = processor::createInitialised<ExtractLocalExtrema2dLvl1>();
-    processor->set<InImg>(image);
-    processor->set<InFeaturesDistX>(distX);
-    processor->set<InFeaturesDistY>(distY);
-    processor->set<InOptLocalExtremaConfig>(config);
-    askFor<OutPIPixels2d>(planes, *processor);
-    return processor;
+    processor.set<InImg>(inImg);
+    processor.set<InFeaturesDistX>(inFeaturesDistX);
+    processor.set<InFeaturesDistY>(inFeaturesDistY);
 }
 
-}  // namespace
-
-boost::shared_ptr<Pixels2d> extractLocalExtrema2d(const ImagePtr& image, unsigned int distX, unsigned int distY,
-                                                  const ConfigPtr& config)
+ORVIK_PLANE_FUNCTIONS(extractLocalExtrema2d, (const ConstImagePtr&, inImg)(unsigned int, inFeaturesDistX)
+                                             (unsigned int, inFeaturesDistY)
+                                             (const ConstPtr<LocalExtremaConfig>&, inOptLocalExtremaConfig))
 {
-    return firstEntryOf(processor::runForOutput<OutPIPixels2d>(makeProcessor(eAP_One, image, distX, distY, config)));
+    prepare(processor, inImg, inFeaturesDistX, inFeaturesDistY);
+    processor.set<InOptLocalExtremaConfig>(inOptLocalExtremaConfig);
 }
 
-boost::shared_ptr<Pixels2d> extractLocalExtrema2d(const ImagePtr& image, unsigned int distX, unsigned int distY)
-{
-    return extractLocalExtrema2d(image, distX, distY, ConfigPtr());
-}
-
-ProcessorPtr extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY,
-                                         const ConfigPtr& config)
-{
-    return processor::startAsync(makeProcessor(eAP_One, image, distX, distY, config));
-}
-
-ProcessorPtr extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY)
-{
-    return extractLocalExtrema2d_async(image, distX, distY, ConfigPtr());
-}
-
-boost::shared_ptr<PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(const ImagePtr& image, unsigned int distX,
-                                                                        unsigned int distY, const ConfigPtr& config)
-{
-    return processor::runForOutput<OutPIPixels2d>(makeProcessor(eAP_All, image, distX, distY, config));
-}
-
-boost::shared_ptr<PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(const ImagePtr& image, unsigned int distX,
-                                                                        unsigned int distY)
-{
-    return multiSlice_extractLocalExtrema2d(image, distX, distY, ConfigPtr());
-}
-
-ProcessorPtr multiSlice_extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY,
-                                                    const ConfigPtr& config)
-{
-    return processor::startAsync(makeProcessor(eAP_All, image, distX, distY, config));
-}
-
-ProcessorPtr multiSlice_extractLocalExtrema2d_async(const ImagePtr& image, unsigned int distX, unsigned int distY)
-{
-    return multiSlice_extractLocalExtrema2d_async(image, distX, distY, ConfigPtr());
-}
-
-boost::shared_ptr<Pixels2d> getAsyncProcessorOutput(ProcessorPtr processor)
-{
-    return firstEntryOf(getAsyncProcessorMultiSliceOutput(processor));
-}
-
-boost::shared_ptr<PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(ProcessorPtr processor)
-{
-    return processor::waitForOutput<OutPIPixels2d>(processor);
-}
+ORVIK_PLANE_READERS
 
 }}}  // namespace orvik::imaproc::fd

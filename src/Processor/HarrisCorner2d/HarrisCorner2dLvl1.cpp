@@ -4,6 +4,7 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageInitializers.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/PlanIndexedInitializers.h"
@@ -15,10 +16,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HarrisCorner2dLvl1)
-
-HarrisCorner2dLvl1::HarrisCorner2dLvl1() = default;
-HarrisCorner2dLvl1::~HarrisCorner2dLvl1() = default;
+ORVIK_DEFINE_PROCESSOR(HarrisCorner2dLvl1)
 
 processor::RulePtr HarrisCorner2dLvl1::createRule() const
 {
@@ -54,147 +52,41 @@ processor::RetrievalResult HarrisCorner2dLvl1::retrieveProvider(const core::Base
         same<InGradStdDev>(value<InOptGradStdDev>()), eachPlane<InSubImg2d>(value<InImg>()));
 }
 
-namespace {
+typedef FunctionForms<HarrisCorner2dLvl1, OutPIPixels2d> Forms;
 
-typedef boost::shared_ptr<const image::BaseImage> ImagePtr;
-typedef boost::shared_ptr<const GaussianCoverage> Coverage;
-typedef boost::shared_ptr<const CornerDetectionParams> Params;
-typedef boost::shared_ptr<const LocalExtremaConfig> Config;
-typedef boost::shared_ptr<HarrisCorner2dLvl1> ProcessorPtr;
-
-ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, const Config& config, unsigned int distX,
-                           unsigned int distY)
+static void prepare(Forms::Processor& processor, const ConstImagePtr& inImg, const ConstPtr<LocalExtremaConfig>& config,
+                    unsigned int featuresDistX, unsigned int featuresDistY)
 {
-    const ProcessorPtr processor = processor::createInitialised<HarrisCorner2dLvl1>();
-    processor->set<InImg>(image);
-    processor->set<InLocalExtremaConfig>(config);
-    processor->set<InFeaturesDistX>(distX);
-    processor->set<InFeaturesDistY>(distY);
-    askFor<OutPIPixels2d>(planes, *processor);
-    return processor;
+    processor.set<InImg>(inImg);
+    processor.set<InLocalExtremaConfig>(config);
+    processor.set<InFeaturesDistX>(featuresDistX);
+    processor.set<InFeaturesDistY>(featuresDistY);
 }
 
-// The three lists of arguments.
-
-ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
+ORVIK_PLANE_FUNCTIONS(harrisCorner2d, (const ConstImagePtr&, inImg)(unsigned long, maxNbCorners)(unsigned int, featuresDist))
 {
-    return makeProcessor(planes, image, createLocalExtremaConfig(maxNbCorners), dist, dist);
+    prepare(processor, inImg, createLocalExtremaConfig(maxNbCorners), featuresDist, featuresDist);
 }
 
-ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, float stdDev, unsigned long maxNbCorners,
-                           unsigned int dist)
+ORVIK_PLANE_FUNCTIONS(harrisCorner2d, (const ConstImagePtr&, inImg)(float, inOptGradStdDev)(unsigned long, maxNbCorners)
+                                      (unsigned int, featuresDist))
 {
-    const ProcessorPtr processor = makeProcessor(planes, image, maxNbCorners, dist);
-    processor->set<InOptGradStdDev>(stdDev);
-    return processor;
+    prepare(processor, inImg, maxNbCorners, featuresDist);
+    processor.set<InOptGradStdDev>(inOptGradStdDev);
 }
 
-ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, float stdDev, const Coverage& coverage,
-                           const Params& params, unsigned long maxNbCorners, double threshold, unsigned int distX,
-                           unsigned int distY)
+ORVIK_PLANE_FUNCTIONS(harrisCorner2d, (const ConstImagePtr&, inImg)(float, inOptGradStdDev)
+                                      (const ConstPtr<GaussianCoverage>&, inOptGradientGaussianCoverage)
+                                      (const ConstPtr<CornerDetectionParams>&, inOptCornerDetectionParams)
+                                      (unsigned long, maxNbCorners)(double, threshold)(unsigned int, featuresDistX)
+                                      (unsigned int, featuresDistY))
 {
-    const ProcessorPtr processor =
-        makeProcessor(planes, image, createLocalExtremaConfig(threshold, maxNbCorners), distX, distY);
-    processor->set<InOptGradStdDev>(stdDev);
-    processor->set<InOptCornerDetectionParams2d>(params);
-    processor->set<InOptGradientGaussianCoverage>(coverage);
-    return processor;
+    prepare(processor, inImg, createLocalExtremaConfig(threshold, maxNbCorners), featuresDistX, featuresDistY);
+    processor.set<InOptGradStdDev>(inOptGradStdDev);
+    processor.set<InOptGradientGaussianCoverage>(inOptGradientGaussianCoverage);
+    processor.set<InOptCornerDetectionParams2d>(inOptCornerDetectionParams);
 }
 
-boost::shared_ptr<PlanIndexedPixels2d> runAll(const ProcessorPtr& processor)
-{
-    return processor::runForOutput<OutPIPixels2d>(processor);
-}
-
-boost::shared_ptr<Pixels2d> runOne(const ProcessorPtr& processor)
-{
-    return firstEntryOf(runAll(processor));
-}
-
-}  // namespace
-
-boost::shared_ptr<Pixels2d> harrisCorner2d(const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
-{
-    return runOne(makeProcessor(eAP_One, image, maxNbCorners, dist));
-}
-
-boost::shared_ptr<Pixels2d> harrisCorner2d(const ImagePtr& image, float stdDev, unsigned long maxNbCorners,
-                                           unsigned int dist)
-{
-    return runOne(makeProcessor(eAP_One, image, stdDev, maxNbCorners, dist));
-}
-
-boost::shared_ptr<Pixels2d> harrisCorner2d(const ImagePtr& image, float stdDev, const Coverage& coverage,
-                                           const Params& params, unsigned long maxNbCorners, double threshold,
-                                           unsigned int distX, unsigned int distY)
-{
-    return runOne(makeProcessor(eAP_One, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
-}
-
-ProcessorPtr harrisCorner2d_async(const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
-{
-    return processor::startAsync(makeProcessor(eAP_One, image, maxNbCorners, dist));
-}
-
-ProcessorPtr harrisCorner2d_async(const ImagePtr& image, float stdDev, unsigned long maxNbCorners, unsigned int dist)
-{
-    return processor::startAsync(makeProcessor(eAP_One, image, stdDev, maxNbCorners, dist));
-}
-
-ProcessorPtr harrisCorner2d_async(const ImagePtr& image, float stdDev, const Coverage& coverage, const Params& params,
-                                  unsigned long maxNbCorners, double threshold, unsigned int distX, unsigned int distY)
-{
-    return processor::startAsync(
-        makeProcessor(eAP_One, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
-}
-
-boost::shared_ptr<PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ImagePtr& image, unsigned long maxNbCorners,
-                                                                 unsigned int dist)
-{
-    return runAll(makeProcessor(eAP_All, image, maxNbCorners, dist));
-}
-
-boost::shared_ptr<PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ImagePtr& image, float stdDev,
-                                                                 unsigned long maxNbCorners, unsigned int dist)
-{
-    return runAll(makeProcessor(eAP_All, image, stdDev, maxNbCorners, dist));
-}
-
-boost::shared_ptr<PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ImagePtr& image, float stdDev,
-                                                                 const Coverage& coverage, const Params& params,
-                                                                 unsigned long maxNbCorners, double threshold,
-                                                                 unsigned int distX, unsigned int distY)
-{
-    return runAll(makeProcessor(eAP_All, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
-}
-
-ProcessorPtr multiSlice_harrisCorner2d_async(const ImagePtr& image, unsigned long maxNbCorners, unsigned int dist)
-{
-    return processor::startAsync(makeProcessor(eAP_All, image, maxNbCorners, dist));
-}
-
-ProcessorPtr multiSlice_harrisCorner2d_async(const ImagePtr& image, float stdDev, unsigned long maxNbCorners,
-                                             unsigned int dist)
-{
-    return processor::startAsync(makeProcessor(eAP_All, image, stdDev, maxNbCorners, dist));
-}
-
-ProcessorPtr multiSlice_harrisCorner2d_async(const ImagePtr& image, float stdDev, const Coverage& coverage,
-                                             const Params& params, unsigned long maxNbCorners, double threshold,
-                                             unsigned int distX, unsigned int distY)
-{
-    return processor::startAsync(
-        makeProcessor(eAP_All, image, stdDev, coverage, params, maxNbCorners, threshold, distX, distY));
-}
-
-boost::shared_ptr<Pixels2d> getAsyncProcessorOutput(ProcessorPtr processor)
-{
-    return firstEntryOf(getAsyncProcessorMultiSliceOutput(processor));
-}
-
-boost::shared_ptr<PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(ProcessorPtr processor)
-{
-    return processor::waitForOutput<OutPIPixels2d>(processor);
-}
+ORVIK_PLANE_READERS
 
 }}}  // namespace orvik::imaproc::fd

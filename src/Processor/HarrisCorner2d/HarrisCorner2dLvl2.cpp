@@ -13,10 +13,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HarrisCorner2dLvl2)
-
-HarrisCorner2dLvl2::HarrisCorner2dLvl2() = default;
-HarrisCorner2dLvl2::~HarrisCorner2dLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(HarrisCorner2dLvl2)
 
 processor::RulePtr HarrisCorner2dLvl2::createRule() const
 {
@@ -27,28 +24,18 @@ processor::RulePtr HarrisCorner2dLvl2::createRule() const
 processor::RetrievalResult HarrisCorner2dLvl2::retrieveFirstProvider(const core::BasePriority& priority,
                                                                      processor::ProviderPtr& provider)
 {
-    const auto response = processor::createInitialised<HarrisCorner2dImgLvl2>();
-    response->set<InSubImg2d>(value<InSubImg2d>());
-    response->set<InGradStdDev>(value<InGradStdDev>());
-    response->set<InGaussianCoverage>(value<InGaussianCoverage>());
-    response->set<InCornerDetectionParams>(value<InCornerDetectionParams>());
-    response->set<OutWk1Img>(value<OutWk1Img>());
-    response->set<OutWk2Img>(value<OutWk2Img>());
-    response->set<OutWk3Img>(value<OutWk3Img>());
-    response->set<OutImg>(value<OutWk1Img>());
-    return processor::provideProcessor(response, priority, provider);
+    return delegate<HarrisCorner2dImgLvl2>(
+        priority, provider, same(attribute<InSubImg2d>()), same(attribute<InGradStdDev>()),
+        same(attribute<InGaussianCoverage>()), same(attribute<InCornerDetectionParams>()), same(attribute<OutWk1Img>()),
+        same(attribute<OutWk2Img>()), same(attribute<OutWk3Img>()), same<OutImg>(value<OutWk1Img>()));
 }
 
 processor::RetrievalResult HarrisCorner2dLvl2::retrieveSecondProvider(const core::BasePriority& priority,
                                                                       processor::ProviderPtr& provider)
 {
-    const auto extrema = processor::createInitialised<ExtractLocalExtrema2dLvl2>();
-    extrema->set<InSubImg2d>(value<OutWk1Img>());
-    extrema->set<InFeaturesDistX>(value<InFeaturesDistX>());
-    extrema->set<InFeaturesDistY>(value<InFeaturesDistY>());
-    extrema->set<InLocalExtremaConfig>(value<InLocalExtremaConfig>());
-    extrema->set<OutPixels2d>(value<OutPixels2d>());
-    return processor::provideProcessor(extrema, priority, provider);
+    return delegate<ExtractLocalExtrema2dLvl2>(
+        priority, provider, same<InSubImg2d>(value<OutWk1Img>()), same(attribute<InFeaturesDistX>()),
+        same(attribute<InFeaturesDistY>()), same(attribute<InLocalExtremaConfig>()), same(attribute<OutPixels2d>()));
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -1,6 +1,17 @@
+#pragma once
+
 // The corner response of one run, from the structure tensor. Compiled once per instruction set.
 
+#include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl3.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/KernelRegistrator.h"
 #include "frame/simd/Simd.h"
+
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
@@ -73,27 +84,47 @@ void respond(const Response& response, const Sample* xx, const Sample* yy, const
     }
 }
 
+/// What the kernel works with on one strip.
+template<class In, class Out>
+struct Strip
+{
+    const In *xx, *yy, *xy;
+    const Out* out;
+    bool isHarris;
+    HarrisMeasure harris;
+};
+template<class I, class O>
+Strip(const I*, const I*, const I*, const O*, bool, HarrisMeasure) -> Strip<I, O>;
+
 }  // namespace
 
 template<class Sample, core::eInstructionSet Set>
 BoolResult HarrisCorner2dImgLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
 {
-    const auto* const xx = parser<attr::InXXYStrip2d, Sample>();
-    const auto* const yy = parser<attr::InYYYStrip2d, Sample>();
-    const auto* const xy = parser<attr::InXYYStrip2d, Sample>();
-    const auto* const out = parser<attr::OutYStrip2d, Sample>();
-    if (!xx || !yy || !xy || !out)
+    typedef attr::CornerDetectionParams Params;
+    const auto* const strip = onceAStrip(info, [&] {
+        const Params& params = *value<attr::InCornerDetectionParams>();
+        return Strip{parser<attr::InXXYStrip2d, Sample>(), parser<attr::InYYYStrip2d, Sample>(),
+                     parser<attr::InXYYStrip2d, Sample>(), parser<attr::OutYStrip2d, Sample>(),
+                     params.get<Params::CornerResponseType>() == attr::eCRT_Harris,
+                     HarrisMeasure{params.get<Params::HarrisK>()}};
+    });
+    if (!strip)
         return wrongSampleType();
-    const attr::CornerDetectionParams& params = *value<attr::InCornerDetectionParams>();
     const auto run = [&](const auto& response) {
-        respond(response, xx->accessBuffer(), yy->accessBuffer(), xy->accessBuffer(), out->accessBuffer(),
-                info.nbAlignedData);
+        respond(response, strip->xx->accessBuffer(), strip->yy->accessBuffer(), strip->xy->accessBuffer(),
+                strip->out->accessBuffer(), info.nbAlignedData);
     };
-    if (params.template get<attr::CornerDetectionParams::CornerResponseType>() == attr::eCRT_Harris)
-        run(HarrisMeasure{params.template get<attr::CornerDetectionParams::HarrisK>()});
-    else
-        run(MinEigenvalue{});
+    strip->isHarris ? run(strip->harris) : run(MinEigenvalue{});
     return success();
 }
+
+}}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+ORVIK_REGISTER_KERNELS(HarrisCorner2dImgLvl3, AllKernelTypes)
 
 }}}  // namespace orvik::imaproc::fd

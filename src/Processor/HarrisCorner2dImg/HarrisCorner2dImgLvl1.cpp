@@ -4,6 +4,7 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageInitializers.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
@@ -14,10 +15,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HarrisCorner2dImgLvl1)
-
-HarrisCorner2dImgLvl1::HarrisCorner2dImgLvl1() = default;
-HarrisCorner2dImgLvl1::~HarrisCorner2dImgLvl1() = default;
+ORVIK_DEFINE_PROCESSOR(HarrisCorner2dImgLvl1)
 
 processor::RulePtr HarrisCorner2dImgLvl1::createRule() const
 {
@@ -49,84 +47,30 @@ processor::RetrievalResult HarrisCorner2dImgLvl1::retrieveProvider(const core::B
         same<InGradStdDev>(value<InOptGradStdDev>()), eachPlane<InSubImg2d>(value<InImg>()));
 }
 
-namespace {
+typedef FunctionForms<HarrisCorner2dImgLvl1, OutImg> Forms;
 
-typedef boost::shared_ptr<const image::BaseImage> InImage;
-typedef boost::shared_ptr<image::BaseImage> OutImage;
-typedef boost::shared_ptr<const GaussianCoverage> Coverage;
-typedef boost::shared_ptr<const CornerDetectionParams> Params;
-typedef boost::shared_ptr<HarrisCorner2dImgLvl1> ProcessorPtr;
-
-ProcessorPtr makeProcessor(const InImage& in)
+ORVIK_FUNCTION(harrisCorner2dImg, (const ConstImagePtr&, inImg))
 {
-    const ProcessorPtr processor = processor::createInitialised<HarrisCorner2dImgLvl1>();
-    processor->set<InImg>(in);
-    return processor;
+    processor.set<InImg>(inImg);
 }
 
-ProcessorPtr makeProcessor(const InImage& in, float stdDev)
+ORVIK_FUNCTION(harrisCorner2dImg, (const ConstImagePtr&, inImg)(float, inOptGradStdDev))
 {
-    const ProcessorPtr processor = makeProcessor(in);
-    processor->set<InOptGradStdDev>(stdDev);
-    return processor;
+    prepare(processor, inImg);
+    processor.set<InOptGradStdDev>(inOptGradStdDev);
 }
 
-ProcessorPtr makeProcessor(const InImage& in, float stdDev, const Coverage& coverage, const Params& params,
-                           const OutImage& out)
+ORVIK_PROCEDURE(harrisCorner2dImg, (const ConstImagePtr&, inImg)(float, inOptGradStdDev)
+                                   (const ConstPtr<GaussianCoverage>&, inOptGradientGaussianCoverage)
+                                   (const ConstPtr<CornerDetectionParams>&, inOptCornerDetectionParams)
+                                   (const ImagePtr&, outImg))
 {
-    const ProcessorPtr processor = makeProcessor(in, stdDev);
-    processor->set<InOptGradientGaussianCoverage>(coverage);
-    processor->set<InOptCornerDetectionParams2d>(params);
-    processor->set<OutImg>(out);
-    return processor;
+    prepare(processor, inImg, inOptGradStdDev);
+    processor.set<InOptGradientGaussianCoverage>(inOptGradientGaussianCoverage);
+    processor.set<InOptCornerDetectionParams2d>(inOptCornerDetectionParams);
+    processor.set<OutImg>(outImg);
 }
 
-OutImage runToNewImage(const ProcessorPtr& processor)
-{
-    processor::executeSyncRun(processor);
-    return processor->getStorage<OutImg>();
-}
-
-}  // namespace
-
-OutImage harrisCorner2dImg(const InImage& inImg)
-{
-    return runToNewImage(makeProcessor(inImg));
-}
-
-OutImage harrisCorner2dImg(const InImage& inImg, float inOptGradStdDev)
-{
-    return runToNewImage(makeProcessor(inImg, inOptGradStdDev));
-}
-
-void harrisCorner2dImg(const InImage& inImg, float inOptGradStdDev, const Coverage& inOptGradientGaussianCoverage,
-                       const Params& inOptCornerDetectionParams, const OutImage& outImg)
-{
-    processor::executeSyncRun(
-        makeProcessor(inImg, inOptGradStdDev, inOptGradientGaussianCoverage, inOptCornerDetectionParams, outImg));
-}
-
-ProcessorPtr harrisCorner2dImg_async(const InImage& inImg)
-{
-    return processor::startAsync(makeProcessor(inImg));
-}
-
-ProcessorPtr harrisCorner2dImg_async(const InImage& inImg, float inOptGradStdDev)
-{
-    return processor::startAsync(makeProcessor(inImg, inOptGradStdDev));
-}
-
-ProcessorPtr harrisCorner2dImg_async(const InImage& inImg, float inOptGradStdDev,
-                                     const Coverage& inOptGradientGaussianCoverage,
-                                     const Params& inOptCornerDetectionParams, const OutImage& outImg)
-{
-    return processor::startAsync(
-        makeProcessor(inImg, inOptGradStdDev, inOptGradientGaussianCoverage, inOptCornerDetectionParams, outImg));
-}
-
-OutImage getAsyncProcessorOutput(ProcessorPtr processor)
-{
-    return processor::waitForOutput<OutImg>(processor);
-}
+ORVIK_READER
 
 }}}  // namespace orvik::imaproc::fd

@@ -15,10 +15,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HarrisCorner2dImgLvl2)
-
-HarrisCorner2dImgLvl2::HarrisCorner2dImgLvl2() = default;
-HarrisCorner2dImgLvl2::~HarrisCorner2dImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(HarrisCorner2dImgLvl2)
 
 processor::RulePtr HarrisCorner2dImgLvl2::createRule() const
 {
@@ -31,28 +28,19 @@ processor::RulePtr HarrisCorner2dImgLvl2::createRule() const
 processor::RetrievalResult HarrisCorner2dImgLvl2::retrieveFirstProvider(const core::BasePriority& priority,
                                                                         processor::ProviderPtr& provider)
 {
-    const auto gradient = processor::createInitialised<filter::GaussianGradient2dImgLvl1>();
-    gradient->set<InImg>(value<InSubImg2d>());
-    gradient->set<InStdDevX>(value<InGradStdDev>());
-    gradient->set<InStdDevY>(value<InGradStdDev>());
-    gradient->set<InOptGradientGaussianCoverage>(value<InGaussianCoverage>());
-    gradient->set<OutOptGradXImg>(value<OutWk1Img>());
-    gradient->set<OutOptGradYImg>(value<OutWk2Img>());
-    return processor::provideProcessor(gradient, priority, provider);
+    return delegate<filter::GaussianGradient2dImgLvl1>(
+        priority, provider, same<InImg>(value<InSubImg2d>()), same<InStdDevX>(value<InGradStdDev>()),
+        same<InStdDevY>(value<InGradStdDev>()), same<InOptGradientGaussianCoverage>(value<InGaussianCoverage>()),
+        same<OutOptGradXImg>(value<OutWk1Img>()), same<OutOptGradYImg>(value<OutWk2Img>()));
 }
 
 processor::RetrievalResult HarrisCorner2dImgLvl2::retrieveSecondProvider(const core::BasePriority& priority,
                                                                          processor::ProviderPtr& provider)
 {
-    const auto tensor = processor::createInitialised<filter::StructureTensor2dImgLvl2>();
-    tensor->set<InSubGxImg2d>(value<OutWk1Img>());
-    tensor->set<InSubGyImg2d>(value<OutWk2Img>());
-    tensor->set<InSmoothingStdDev>(value<InGradStdDev>());
-    tensor->set<InGaussianCoverage>(value<InGaussianCoverage>());
-    tensor->set<OutGxGxImg>(value<OutWk1Img>());
-    tensor->set<OutGyGyImg>(value<OutWk2Img>());
-    tensor->set<OutGxGyImg>(value<OutWk3Img>());
-    return processor::provideProcessor(tensor, priority, provider);
+    return delegate<filter::StructureTensor2dImgLvl2>(
+        priority, provider, same<InSubGxImg2d>(value<OutWk1Img>()), same<InSubGyImg2d>(value<OutWk2Img>()),
+        same<InSmoothingStdDev>(value<InGradStdDev>()), same(attribute<InGaussianCoverage>()),
+        same<OutGxGxImg>(value<OutWk1Img>()), same<OutGyGyImg>(value<OutWk2Img>()), same<OutGxGyImg>(value<OutWk3Img>()));
 }
 
 processor::RetrievalResult HarrisCorner2dImgLvl2::retrieveThirdProvider(const core::BasePriority& priority,

@@ -6,6 +6,7 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/PlanIndexedInitializers.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
@@ -14,10 +15,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HoughLines2dLvl1)
-
-HoughLines2dLvl1::HoughLines2dLvl1() = default;
-HoughLines2dLvl1::~HoughLines2dLvl1() = default;
+ORVIK_DEFINE_PROCESSOR(HoughLines2dLvl1)
 
 processor::RulePtr HoughLines2dLvl1::createRule() const
 {
@@ -47,101 +45,36 @@ processor::RetrievalResult HoughLines2dLvl1::retrieveProvider(const core::BasePr
     const processor::RulePtr plans =
         matchImagePlans(attribute<OutPIHoughLines2dPpties>(), attribute<InGreyImg2d>(), eIPMP_Planes);
     if (!plans->testRule())
-        return processor::RetrievalResult(processor::eRRT_RetrievalFailed, plans->createRuleEvaluatedString(0));
+        return failure(plans->createRuleEvaluatedString(0));
     const BoolResult made =
         customOutput(attribute<OutOptImg>(),
                      outputHoughLines2d(attribute<InGreyImg2d>(), attribute<InOptHoughLinesImgParams>(),
                                         attribute<InOptHoughLinesExtractionParams>()))
             ->initOutputAttribute();
-    if (!made.getValue())
-        return processor::RetrievalResult(processor::eRRT_RetrievalFailed, made.getMessage());
+    if (!made)
+        return made;
     return dispatch<HoughLines2dLvl2>(
         priority, provider, entryOfEachPlane<OutHoughLines2dPpties>(value<OutPIHoughLines2dPpties>(), *value<InGreyImg2d>()),
         eachPlane<OutImg>(value<OutOptImg>()), sameIfSet(attribute<InOptHoughLinesImgParams>()),
         sameIfSet(attribute<InOptHoughLinesExtractionParams>()), eachPlane<InSubImg2d>(value<InGreyImg2d>()));
 }
 
-namespace {
+typedef FunctionForms<HoughLines2dLvl1, OutPIHoughLines2dPpties, OutOptImg> Forms;
 
-typedef boost::shared_ptr<const image::BaseImage> ImagePtr;
-typedef boost::shared_ptr<const HoughLinesImgParams> ParamsPtr;
-typedef boost::shared_ptr<const HoughLinesExtractionParams> ExtractionPtr;
-typedef boost::shared_ptr<HoughLines2dLvl1> ProcessorPtr;
-
-ProcessorPtr makeProcessor(eAskedPlanes planes, const ImagePtr& image, const ParamsPtr& params,
-                           const ExtractionPtr& extraction)
+ORVIK_PLANE_FUNCTIONS(houghLines2d, (const ConstImagePtr&, inGreyImg))
 {
-    const ProcessorPtr processor = processor::createInitialised<HoughLines2dLvl1>();
-    processor->set<InGreyImg2d>(image);
-    processor->set<InOptHoughLinesImgParams>(params);
-    processor->set<InOptHoughLinesExtractionParams>(extraction);
-    askFor<OutPIHoughLines2dPpties>(planes, *processor);
-    return processor;
+    processor.set<InGreyImg2d>(inGreyImg);
 }
 
-HoughLines2dResult firstPlaneOf(const MultiSliceHoughLines2dResult& result)
+ORVIK_PLANE_FUNCTIONS(houghLines2d, (const ConstImagePtr&, inGreyImg)
+                                    (const ConstPtr<HoughLinesImgParams>&, inOptHoughLinesImgParams)
+                                    (const ConstPtr<HoughLinesExtractionParams>&, inOptHoughLinesExtractionParams))
 {
-    return {firstEntryOf(result.first), result.second};
+    prepare(processor, inGreyImg);
+    processor.set<InOptHoughLinesImgParams>(inOptHoughLinesImgParams);
+    processor.set<InOptHoughLinesExtractionParams>(inOptHoughLinesExtractionParams);
 }
 
-MultiSliceHoughLines2dResult runForResult(const ProcessorPtr& processor)
-{
-    const auto lines = processor::runForOutput<OutPIHoughLines2dPpties>(processor);
-    return {lines, processor->getStorage<OutOptImg>()};
-}
-
-}  // namespace
-
-HoughLines2dResult houghLines2d(const ImagePtr& image, const ParamsPtr& params, const ExtractionPtr& extraction)
-{
-    return firstPlaneOf(runForResult(makeProcessor(eAP_One, image, params, extraction)));
-}
-
-HoughLines2dResult houghLines2d(const ImagePtr& image)
-{
-    return houghLines2d(image, ParamsPtr(), ExtractionPtr());
-}
-
-ProcessorPtr houghLines2d_async(const ImagePtr& image, const ParamsPtr& params, const ExtractionPtr& extraction)
-{
-    return processor::startAsync(makeProcessor(eAP_One, image, params, extraction));
-}
-
-ProcessorPtr houghLines2d_async(const ImagePtr& image)
-{
-    return houghLines2d_async(image, ParamsPtr(), ExtractionPtr());
-}
-
-MultiSliceHoughLines2dResult multiSlice_houghLines2d(const ImagePtr& image, const ParamsPtr& params,
-                                                     const ExtractionPtr& extraction)
-{
-    return runForResult(makeProcessor(eAP_All, image, params, extraction));
-}
-
-MultiSliceHoughLines2dResult multiSlice_houghLines2d(const ImagePtr& image)
-{
-    return multiSlice_houghLines2d(image, ParamsPtr(), ExtractionPtr());
-}
-
-ProcessorPtr multiSlice_houghLines2d_async(const ImagePtr& image, const ParamsPtr& params, const ExtractionPtr& extraction)
-{
-    return processor::startAsync(makeProcessor(eAP_All, image, params, extraction));
-}
-
-ProcessorPtr multiSlice_houghLines2d_async(const ImagePtr& image)
-{
-    return multiSlice_houghLines2d_async(image, ParamsPtr(), ExtractionPtr());
-}
-
-HoughLines2dResult getAsyncProcessorOutput(ProcessorPtr processor)
-{
-    return firstPlaneOf(getAsyncProcessorMultiSliceOutput(processor));
-}
-
-MultiSliceHoughLines2dResult getAsyncProcessorMultiSliceOutput(ProcessorPtr processor)
-{
-    const auto lines = processor::waitForOutput<OutPIHoughLines2dPpties>(processor);
-    return {lines, processor->getStorage<OutOptImg>()};
-}
+ORVIK_PLANE_READERS
 
 }}}  // namespace orvik::imaproc::fd

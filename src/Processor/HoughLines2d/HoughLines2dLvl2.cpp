@@ -6,7 +6,7 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
-#include "frame/processor/Dispatcher.h"
+#include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 #include "siblings/GlobalMeasure/CumulativeHistogramData.h"
 #include "siblings/GlobalMeasure/Processor/HistogramMsr/HistogramMsr2dLvl2.h"
@@ -19,15 +19,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HoughLines2dLvl2)
-
-HoughLines2dLvl2::HoughLines2dLvl2() = default;
-HoughLines2dLvl2::~HoughLines2dLvl2() = default;
-
-processor::RulePtr HoughLines2dLvl2::createRule() const
-{
-    return processor::none();
-}
+ORVIK_DEFINE_PROCESSOR(HoughLines2dLvl2)
 
 bool HoughLines2dLvl2::isMeasured() const
 {
@@ -52,18 +44,14 @@ processor::RetrievalResult HoughLines2dLvl2::retrieveProvider(const core::BasePr
     if (iterationNumber < last)
         return localExtrema(priority, provider);
     extractLines();
-    return processor::RetrievalResult(processor::eRRT_NoMoreProvider);
+    return processor::eRRT_NoMoreProvider;
 }
 
 processor::RetrievalResult HoughLines2dLvl2::houghLines(const core::BasePriority& priority,
                                                         processor::ProviderPtr& provider)
 {
-    const auto votes = processor::createInitialised<HoughLines2dImgLvl2>();
-    votes->set<InSubImg2d>(value<InSubImg2d>());
-    if (attribute<InOptHoughLinesImgParams>()->hasValue())
-        votes->set<InOptHoughLinesImgParams>(value<InOptHoughLinesImgParams>());
-    votes->set<OutImg>(value<OutImg>());
-    return processor::provideProcessor(votes, priority, provider);
+    return delegate<HoughLines2dImgLvl2>(priority, provider, same(attribute<InSubImg2d>()),
+                                         sameIfSet(attribute<InOptHoughLinesImgParams>()), same(attribute<OutImg>()));
 }
 
 void HoughLines2dLvl2::duplicateOutImgFirstRowsAtTheEndIfNecessary()
@@ -88,17 +76,13 @@ void HoughLines2dLvl2::duplicateOutImgFirstRowsAtTheEndIfNecessary()
 processor::RetrievalResult HoughLines2dLvl2::measure(const core::BasePriority& priority, processor::ProviderPtr& provider)
 {
     if (value<InOptHoughLinesExtractionParams>()->get<HoughLinesExtractionParams::ThresholdType>() == eHLTT_Ratio) {
-        const auto statsMsr = processor::createInitialised<glbmsr::StatsMsr2dLvl2>();
         m_stats = StatsResult::createNode();
-        statsMsr->set<InSubImg2d>(value<OutImg>());
-        statsMsr->set<OutStatsResult>(m_stats);
-        return processor::provideProcessor(statsMsr, priority, provider);
+        return delegate<glbmsr::StatsMsr2dLvl2>(priority, provider, same<InSubImg2d>(value<OutImg>()),
+                                                same<OutStatsResult>(m_stats));
     }
-    const auto histoMsr = processor::createInitialised<glbmsr::HistogramMsr2dLvl2>();
     m_histogram = HistogramResult::createNode();
-    histoMsr->set<InSubImg2d>(value<OutImg>());
-    histoMsr->set<OutHistogramResult>(m_histogram);
-    return processor::provideProcessor(histoMsr, priority, provider);
+    return delegate<glbmsr::HistogramMsr2dLvl2>(priority, provider, same<InSubImg2d>(value<OutImg>()),
+                                                same<OutHistogramResult>(m_histogram));
 }
 
 double HoughLines2dLvl2::getThreshold() const
@@ -116,14 +100,11 @@ processor::RetrievalResult HoughLines2dLvl2::localExtrema(const core::BasePriori
                                                           processor::ProviderPtr& provider)
 {
     const unsigned int peakDist = value<InOptHoughLinesExtractionParams>()->get<HoughLinesExtractionParams::PeakDist>();
-    const auto extrema = processor::createInitialised<ExtractLocalExtrema2dLvl2>();
     m_peaks = Pixels2d::createNode();
-    extrema->set<InSubImg2d>(value<OutImg>());
-    extrema->set<InFeaturesDistX>(peakDist);
-    extrema->set<InFeaturesDistY>(peakDist);
-    extrema->set<InLocalExtremaConfig>(createLocalExtremaConfig(eLET_Maxima, getThreshold()));
-    extrema->set<OutPixels2d>(m_peaks);
-    return processor::provideProcessor(extrema, priority, provider);
+    return delegate<ExtractLocalExtrema2dLvl2>(
+        priority, provider, same<InSubImg2d>(value<OutImg>()), same<InFeaturesDistX>(peakDist),
+        same<InFeaturesDistY>(peakDist), same<InLocalExtremaConfig>(createLocalExtremaConfig(eLET_Maxima, getThreshold())),
+        same<OutPixels2d>(m_peaks));
 }
 
 void HoughLines2dLvl2::extractLines()

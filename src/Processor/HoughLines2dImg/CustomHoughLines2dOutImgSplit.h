@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HoughLinesRowsMutexColl.h"
+#include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
 
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
 

@@ -1,6 +1,23 @@
+#pragma once
+
 // Which pixels vote, and when. Compiled once per instruction set.
 
-#include "HoughLinesVotes.h"
+#include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
+#include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
+#include "Processor/HoughLines2dImg/HoughLinesVotes.h"
+
+#include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/KernelRegistrator.h"
+#include "frame/simd/Simd.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
@@ -48,6 +65,19 @@ Accum toAccum(Sample pixel)
     }
 }
 
+/// What the kernel works with on one strip.
+template<class In, class Sample>
+struct Strip
+{
+    const In* in;
+    long firstX, firstY;  // of the strip, from the centre of the plane
+    unsigned long nbLines;
+    bool hasVoters;
+    Sample lowest;  // of those that vote
+};
+template<class I, class S>
+Strip(const I*, long, long, unsigned long, bool, S) -> Strip<I, S>;
+
 }  // namespace
 
 template<class Accum, core::eInstructionSet Set>
@@ -71,15 +101,19 @@ void HoughLines2dImgLvl3::vote()
 template<class Sample, class Accum, core::eInstructionSet Set>
 BoolResult HoughLines2dImgLvl3::processFunction(const processor::ProcessingInfo& info)
 {
-    const auto* const in = parser<attr::InYStrip2d, Sample>();
-    if (!in)
+    const auto* const strip = onceAStrip(info, [&] {
+        const image::InputImageYStrip2d& lines = *value<attr::InYStrip2d>();
+        Sample lowest;
+        const bool hasVoters = lowestVoter(m_threshold, lowest);
+        return Strip{parser<attr::InYStrip2d, Sample>(), -static_cast<long>(lines.getSizeX() / 2),
+                     static_cast<long>(lines.getStripStartOffsetY()) - static_cast<long>(lines.getImageSizeY() / 2),
+                     lines.getNbLines(), hasVoters, lowest};
+    });
+    if (!strip)
         return wrongSampleType();
-    const image::InputImageYStrip2d& strip = *value<attr::InYStrip2d>();
-    const long halfX = static_cast<long>(strip.getSizeX() / 2), halfY = static_cast<long>(strip.getImageSizeY() / 2);
-    const float y = static_cast<float>(static_cast<long>(strip.getStripStartOffsetY() + info.lineIndex) - halfY);
-    const Sample* const pixels = in->accessBuffer();
-    Sample lowest;
-    if (lowestVoter(m_threshold, lowest)) {
+    const float y = static_cast<float>(strip->firstY + static_cast<long>(info.lineIndex));
+    const Sample* const pixels = strip->in->accessBuffer();
+    if (strip->hasVoters) {
         const unsigned long capacity = m_positions.size() - kBlock;
         unsigned int begin = m_nbVoters;
         for (unsigned long i = 0; i < info.nbData; i += kBlock) {
@@ -89,8 +123,8 @@ BoolResult HoughLines2dImgLvl3::processFunction(const processor::ProcessingInfo&
                 vote<Accum, Set>();
                 begin = 0;
             }
-            const long shift = static_cast<long>(info.firstColumn + i) - halfX;
-            for (unsigned long voters = votersOf(pixels + i, std::min(kBlock, info.nbData - i), lowest); voters != 0;
+            const long shift = strip->firstX + static_cast<long>(info.firstColumn + i);
+            for (unsigned long voters = votersOf(pixels + i, std::min(kBlock, info.nbData - i), strip->lowest); voters != 0;
                  voters &= voters - 1) {
                 const long bit = __builtin_ctzl(voters);
                 m_positions[m_nbVoters] = static_cast<float>(bit + shift);
@@ -101,7 +135,7 @@ BoolResult HoughLines2dImgLvl3::processFunction(const processor::ProcessingInfo&
         if (m_nbVoters > begin)
             m_segments.push_back({y, begin, m_nbVoters});
     }
-    if (info.lineIndex + 1 == strip.getNbLines() && m_nbVoters > 0)
+    if (info.lineIndex + 1 == strip->nbLines && m_nbVoters > 0)
         vote<Accum, Set>();
     return success();
 }
@@ -116,5 +150,13 @@ BoolResult HoughLines2dImgLvl3::genericProcessFunction(const processor::Processi
     default: return success();
     }
 }
+
+}}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+ORVIK_REGISTER_KERNELS(HoughLines2dImgLvl3, AllKernelTypes)
 
 }}}  // namespace orvik::imaproc::fd

@@ -6,6 +6,7 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 
@@ -13,10 +14,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HoughLines2dImgLvl1)
-
-HoughLines2dImgLvl1::HoughLines2dImgLvl1() = default;
-HoughLines2dImgLvl1::~HoughLines2dImgLvl1() = default;
+ORVIK_DEFINE_PROCESSOR(HoughLines2dImgLvl1)
 
 processor::RulePtr HoughLines2dImgLvl1::createRule() const
 {
@@ -45,45 +43,20 @@ processor::RetrievalResult HoughLines2dImgLvl1::retrieveProvider(const core::Bas
                                          sameIfSet(attribute<InOptHoughLinesImgParams>()));
 }
 
-namespace {
+typedef FunctionForms<HoughLines2dImgLvl1, OutImg> Forms;
 
-typedef boost::shared_ptr<const image::BaseImage> ImagePtr;
-typedef boost::shared_ptr<const HoughLinesImgParams> ParamsPtr;
-typedef boost::shared_ptr<HoughLines2dImgLvl1> ProcessorPtr;
-
-ProcessorPtr makeProcessor(const ImagePtr& image, const ParamsPtr& params)
+ORVIK_FUNCTION(houghLines2dImg, (const ConstImagePtr&, inGreyImg))
 {
-    const ProcessorPtr processor = processor::createInitialised<HoughLines2dImgLvl1>();
-    processor->set<InGreyImg2d>(image);
-    processor->set<InOptHoughLinesImgParams>(params);
-    return processor;
+    processor.set<InGreyImg2d>(inGreyImg);
 }
 
-}  // namespace
-
-boost::shared_ptr<image::BaseImage> houghLines2dImg(const ImagePtr& image, const ParamsPtr& params)
+ORVIK_FUNCTION(houghLines2dImg, (const ConstImagePtr&, inGreyImg)
+                                (const ConstPtr<HoughLinesImgParams>&, inOptHoughLinesImgParams))
 {
-    return processor::runForOutput<OutImg>(makeProcessor(image, params));
+    prepare(processor, inGreyImg);
+    processor.set<InOptHoughLinesImgParams>(inOptHoughLinesImgParams);
 }
 
-boost::shared_ptr<image::BaseImage> houghLines2dImg(const ImagePtr& image)
-{
-    return houghLines2dImg(image, ParamsPtr());
-}
-
-ProcessorPtr houghLines2dImg_async(const ImagePtr& image, const ParamsPtr& params)
-{
-    return processor::startAsync(makeProcessor(image, params));
-}
-
-ProcessorPtr houghLines2dImg_async(const ImagePtr& image)
-{
-    return houghLines2dImg_async(image, ParamsPtr());
-}
-
-boost::shared_ptr<image::BaseImage> getAsyncProcessorOutput(ProcessorPtr processor)
-{
-    return processor::waitForOutput<OutImg>(processor);
-}
+ORVIK_READER
 
 }}}  // namespace orvik::imaproc::fd

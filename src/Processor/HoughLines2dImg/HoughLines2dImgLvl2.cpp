@@ -1,6 +1,6 @@
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl2.h"
 
-#include "CustomHoughLines2dOutImgSplit.h"
+#include "Processor/HoughLines2dImg/CustomHoughLines2dOutImgSplit.h"
 #include "Rule/HoughLines2dRules.h"
 
 #include "frame/attr/StripAttributes.h"
@@ -13,10 +13,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HoughLines2dImgLvl2)
-
-HoughLines2dImgLvl2::HoughLines2dImgLvl2() = default;
-HoughLines2dImgLvl2::~HoughLines2dImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(HoughLines2dImgLvl2)
 
 processor::RulePtr HoughLines2dImgLvl2::createRule() const
 {
@@ -31,9 +28,7 @@ processor::RulePtr HoughLines2dImgLvl2::createRule() const
 processor::RetrievalResult HoughLines2dImgLvl2::retrieveFirstProvider(const core::BasePriority& priority,
                                                                       processor::ProviderPtr& provider)
 {
-    const auto erase = processor::createInitialised<util::EraseImgLvl2>();
-    erase->set<OutSubImg2d>(value<OutImg>());
-    return processor::provideProcessor(erase, priority, provider);
+    return delegate<util::EraseImgLvl2>(priority, provider, same<OutSubImg2d>(value<OutImg>()));
 }
 
 processor::RetrievalResult HoughLines2dImgLvl2::retrieveSecondProvider(const core::BasePriority& priority,

@@ -1,27 +1,19 @@
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
 
+#include "Processor/HoughLines2dImg/HoughLines2dImgKernel.h"
+
 #include "HoughLinesGeometry.h"
-#include "HoughLinesRowsMutexColl.h"
+#include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
-#include "frame/processor/ProcessorFactory.h"
-#include "frame/simd/KernelUnit.h"
-
-#include "frame/simd/OpenGeneric.h"
-#include "HoughLines2dImgKernel.h"
-#include "frame/simd/CloseSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HoughLines2dImgLvl3)
-ORVIK_REGISTER_KERNELS(HoughLines2dImgLvl3, AllKernelTypes, core::eIS_Generic)
-
-HoughLines2dImgLvl3::HoughLines2dImgLvl3() = default;
-HoughLines2dImgLvl3::~HoughLines2dImgLvl3() = default;
+ORVIK_DEFINE_ALGORITHM(HoughLines2dImgLvl3)
 
 void HoughLines2dImgLvl3::setRowsMutexColl(const boost::shared_ptr<HoughLinesRowsMutexColl>& rowsMutexColl)
 {
@@ -35,10 +27,9 @@ processor::StageResult HoughLines2dImgLvl3::preProcess()
     const image::BaseImage& out = *value<OutImg>();
     m_nbRows = params.get<HoughLinesImgParams::NbThetaBins>();
     if (!m_rowsMutexColl || out.getSizeY() < m_nbRows)
-        return processor::StageResult(processor::eSRT_Failed,
-                                      getObjectName() + ": the accumulator has no lock for each of its rows, or "
-                                          + std::to_string(out.getSizeY()) + " rows for " + std::to_string(m_nbRows)
-                                          + " angles");
+        return failure(getObjectName() + ": the accumulator has no lock for each of its rows, or "
+                       + std::to_string(out.getSizeY()) + " rows for " + std::to_string(m_nbRows)
+                       + " angles");
 
     const double rhoStep = params.get<HoughLinesImgParams::RhoStep>();
     const double thetaMin = params.get<HoughLinesImgParams::ThetaMin>(), thetaStep = thetaStepOf(params);
@@ -62,7 +53,7 @@ processor::StageResult HoughLines2dImgLvl3::preProcess()
     m_nbVoters = 0;
     m_segments.clear();
     m_segments.reserve(std::min(nbVoters, strip.getNbLines()) + 1);
-    return processor::StageResult(processor::eSRT_Done);
+    return processor::eSRT_Done;
 }
 
 }}}  // namespace orvik::imaproc::fd

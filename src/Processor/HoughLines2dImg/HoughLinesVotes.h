@@ -1,6 +1,17 @@
-// The votes of gathered pixels of one line, in the row of one angle. Included by the kernel, inside its set.
+#pragma once
+
+// The votes of gathered pixels of one line, in the row of one angle.
 
 #include "frame/simd/Simd.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
@@ -201,3 +212,5 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
 
 }  // namespace
 }}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"

@@ -1,6 +1,15 @@
+#pragma once
+
 // The largest squared norm of one run. Compiled once per instruction set.
 
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/KernelRegistrator.h"
 #include "frame/simd/Simd.h"
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
@@ -41,7 +50,7 @@ float largest(const Sample* a, const Sample* b, unsigned long n)
             for (unsigned long k = 0; k < 4; ++k) {
                 const F x = load(blockA + j + k * lanes), y = load(blockB + j + k * lanes);
                 // The one place where the widest set rounds once instead of twice.
-                const F s = ORVIK_SET == core::eIS_Avx512 ? fma(x, x, y * y) : y * y + x * x;
+                const F s = ORVIK_UNIT_SET == core::eIS_Avx512 ? fma(x, x, y * y) : y * y + x * x;
                 ordered &= s == s;
                 m[k] = m[k] > s ? m[k] : s;
             }
@@ -56,23 +65,41 @@ float largest(const Sample* a, const Sample* b, unsigned long n)
     return result;
 }
 
+/// What the kernel works with on one strip.
+template<class In>
+struct Strip
+{
+    const In *a, *b;
+    attr::StatsResult& result;
+};
+template<class I>
+Strip(const I*, const I*, attr::StatsResult&) -> Strip<I>;
+
 }  // namespace
 
 template<class Sample, core::eInstructionSet Set>
 BoolResult MaxL2Norm2MsrLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
 {
-    const auto* const a = parser<attr::InYStrip2d1, Sample>();
-    const auto* const b = parser<attr::InYStrip2d2, Sample>();
-    if (!a || !b)
+    auto* const strip = onceAStrip(info, [&] {
+        return Strip{parser<attr::InYStrip2d1, Sample>(), parser<attr::InYStrip2d2, Sample>(), *value<attr::OutStatsResult>()};
+    });
+    if (!strip)
         return wrongSampleType();
+    const Sample* const a = strip->a->accessBuffer();
+    const Sample* const b = strip->b->accessBuffer();
     const bool wholeBlocks = Set != core::eIS_Generic && info.nbAlignedData == info.nbData;
-    const float m = wholeBlocks ? largest(a->accessBuffer(), b->accessBuffer(), info.nbData)
-                                : largestInOrder(a->accessBuffer(), b->accessBuffer(), info.nbData);
-    const double l = __builtin_sqrt(static_cast<double>(m));
-    attr::StatsResult& result = *value<attr::OutStatsResult>();
-    const double current = result.get<attr::StatsResult::Max>();
-    result.set<attr::StatsResult::Max>((current > l) ? current : l);
+    const float m = wholeBlocks ? largest(a, b, info.nbData) : largestInOrder(a, b, info.nbData);
+    const double l = __builtin_sqrt(static_cast<double>(m)), current = strip->result.template get<attr::StatsResult::Max>();
+    strip->result.template set<attr::StatsResult::Max>((current > l) ? current : l);
     return success();
 }
+
+}}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+ORVIK_REGISTER_KERNELS(MaxL2Norm2MsrLvl3, AllKernelTypes)
 
 }}}  // namespace orvik::imaproc::fd

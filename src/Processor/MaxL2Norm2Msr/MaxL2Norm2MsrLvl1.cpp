@@ -2,10 +2,11 @@
 
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl2.h"
 
-#include "MaxL2Norm2MsrMerge.h"
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrMerge.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
@@ -14,14 +15,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(MaxL2Norm2MsrLvl1)
-
-MaxL2Norm2MsrLvl1::MaxL2Norm2MsrLvl1()
-    : m_results(boost::make_shared<std::map<unsigned int, boost::shared_ptr<StatsResult> > >())
-{
-}
-
-MaxL2Norm2MsrLvl1::~MaxL2Norm2MsrLvl1() = default;
+ORVIK_DEFINE_PROCESSOR(MaxL2Norm2MsrLvl1)
 
 processor::RulePtr MaxL2Norm2MsrLvl1::createRule() const
 {
@@ -38,7 +32,7 @@ processor::RetrievalResult MaxL2Norm2MsrLvl1::retrieveProvider(const core::BaseP
 processor::StageResult MaxL2Norm2MsrLvl1::postProcess()
 {
     attribute<OutMax>()->accessValue() = largestOf(*m_results);
-    return processor::StageResult(processor::eSRT_Done);
+    return processor::eSRT_Done;
 }
 
 void MaxL2Norm2MsrLvl1::clearIntermediateData() noexcept
@@ -46,36 +40,14 @@ void MaxL2Norm2MsrLvl1::clearIntermediateData() noexcept
     m_results->clear();
 }
 
-namespace {
+typedef FunctionForms<MaxL2Norm2MsrLvl1, OutMax> Forms;
 
-boost::shared_ptr<MaxL2Norm2MsrLvl1> makeProcessor(const boost::shared_ptr<const image::BaseImage>& in1,
-                                                   const boost::shared_ptr<const image::BaseImage>& in2)
+ORVIK_FUNCTION(maxL2Norm2Msr, (const ConstImagePtr&, in1)(const ConstImagePtr&, in2))
 {
-    const boost::shared_ptr<MaxL2Norm2MsrLvl1> processor = processor::createInitialised<MaxL2Norm2MsrLvl1>();
-    processor->set<InImg1>(in1);
-    processor->set<InImg2>(in2);
-    return processor;
+    processor.set<InImg1>(in1);
+    processor.set<InImg2>(in2);
 }
 
-}  // namespace
-
-double maxL2Norm2Msr(const boost::shared_ptr<const image::BaseImage>& in1,
-                     const boost::shared_ptr<const image::BaseImage>& in2)
-{
-    const boost::shared_ptr<MaxL2Norm2MsrLvl1> processor = makeProcessor(in1, in2);
-    processor::executeSyncRun(processor);
-    return processor->getStorage<OutMax>();
-}
-
-boost::shared_ptr<MaxL2Norm2MsrLvl1> maxL2Norm2Msr_async(const boost::shared_ptr<const image::BaseImage>& in1,
-                                                         const boost::shared_ptr<const image::BaseImage>& in2)
-{
-    return processor::startAsync(makeProcessor(in1, in2));
-}
-
-double getAsyncProcessorOutput(boost::shared_ptr<MaxL2Norm2MsrLvl1> processor)
-{
-    return processor::waitForOutput<OutMax>(processor);
-}
+ORVIK_READER
 
 }}}  // namespace orvik::imaproc::fd

@@ -2,7 +2,7 @@
 
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
 
-#include "MaxL2Norm2MsrMerge.h"
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrMerge.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/StripAttributes.h"
@@ -15,14 +15,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(MaxL2Norm2MsrLvl2)
-
-MaxL2Norm2MsrLvl2::MaxL2Norm2MsrLvl2()
-    : m_results(boost::make_shared<std::map<processor::ElementsRange, boost::shared_ptr<StatsResult> > >())
-{
-}
-
-MaxL2Norm2MsrLvl2::~MaxL2Norm2MsrLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(MaxL2Norm2MsrLvl2)
 
 processor::RulePtr MaxL2Norm2MsrLvl2::createRule() const
 {
@@ -41,7 +34,7 @@ processor::RetrievalResult MaxL2Norm2MsrLvl2::retrieveProvider(const core::BaseP
 processor::StageResult MaxL2Norm2MsrLvl2::postProcess()
 {
     value<OutStatsResult>()->set<StatsResult::Max>(largestOf(*m_results));
-    return processor::StageResult(processor::eSRT_Done);
+    return processor::eSRT_Done;
 }
 
 void MaxL2Norm2MsrLvl2::clearIntermediateData() noexcept

@@ -2,22 +2,11 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
+#include "frame/processor/ElementsRange.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace image {
-class BaseImage;
-}}  // namespace orvik::image
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InImg1;
-struct InImg2;
-struct OutMax;
-class StatsResult;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 class MaxL2Norm2MsrLvl1;
 
@@ -34,13 +23,13 @@ class MaxL2Norm2MsrLvl1;
 /// attributes and both values.
 /// Cost: one pass over both images. Every instruction set gives the same result, but AVX-512, which rounds
 /// a^2 + b^2 once instead of twice.
-ORVIK_API double maxL2Norm2Msr(const boost::shared_ptr<const image::BaseImage>& in1,
-                               const boost::shared_ptr<const image::BaseImage>& in2);
+ORVIK_API double maxL2Norm2Msr(const ConstImagePtr& in1,
+                               const ConstImagePtr& in2);
 /// The same in the background; the result is had by getAsyncProcessorOutput.
-ORVIK_API boost::shared_ptr<MaxL2Norm2MsrLvl1> maxL2Norm2Msr_async(
-    const boost::shared_ptr<const image::BaseImage>& in1, const boost::shared_ptr<const image::BaseImage>& in2);
+ORVIK_API Ptr<MaxL2Norm2MsrLvl1> maxL2Norm2Msr_async(
+    const ConstImagePtr& in1, const ConstImagePtr& in2);
 /// Waits for the end. @throws what ended the run, when it failed.
-ORVIK_API double getAsyncProcessorOutput(boost::shared_ptr<MaxL2Norm2MsrLvl1> processor);
+ORVIK_API double getAsyncProcessorOutput(Ptr<MaxL2Norm2MsrLvl1> processor);
 
 /// Level 1: whole images, one child per plane; keeps the largest of the planes.
 class ORVIK_API MaxL2Norm2MsrLvl1 : public processor::Processor<MaxL2Norm2MsrLvl1, processor::BaseAsync1Processor,
@@ -57,8 +46,7 @@ class ORVIK_API MaxL2Norm2MsrLvl1 : public processor::Processor<MaxL2Norm2MsrLvl
 private:
     processor::RulePtr createRule() const;
 
-    boost::shared_ptr<std::map<unsigned int, boost::shared_ptr<attr::StatsResult> > > m_results;
+    processor::ResultsOfPlanes<attr::StatsResult> m_results;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

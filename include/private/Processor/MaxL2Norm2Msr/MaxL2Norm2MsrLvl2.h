@@ -2,22 +2,11 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
+#include "frame/processor/ElementsRange.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace processor {
-class ElementsRange;
-}}  // namespace orvik::processor
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d1;
-struct InSubImg2d2;
-struct OutStatsResult;
-class StatsResult;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: one plane of each image; keeps the largest of its strips.
 class ORVIK_API MaxL2Norm2MsrLvl2
@@ -35,8 +24,7 @@ class ORVIK_API MaxL2Norm2MsrLvl2
 private:
     processor::RulePtr createRule() const;
 
-    boost::shared_ptr<std::map<processor::ElementsRange, boost::shared_ptr<attr::StatsResult> > > m_results;
+    processor::ResultsOfStrips<attr::StatsResult> m_results;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,21 +2,14 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InYStrip2d1;
-struct InYStrip2d2;
-struct OutStatsResult;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 3: one strip of each plane.
 class ORVIK_API MaxL2Norm2MsrLvl3
-    : public processor::ProcessingAlgorithm<MaxL2Norm2MsrLvl3, attr::InYStrip2d1, attr::InYStrip2d2, attr::OutStatsResult>
+    : public ProcessingAlgorithm<MaxL2Norm2MsrLvl3, attr::InYStrip2d1, attr::InYStrip2d2, attr::OutStatsResult>
 {
     ORVIK_PROCESSOR(MaxL2Norm2MsrLvl3, 77)
 
@@ -30,5 +23,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

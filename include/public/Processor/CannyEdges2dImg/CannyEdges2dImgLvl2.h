@@ -2,18 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubGxImg2d;
-struct InSubGyImg2d;
-struct InCannyThresholds;
-struct OutBinImg;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: the classes of one plane, in an image of one byte per sample.
 class ORVIK_API CannyEdges2dImgLvl2
@@ -30,5 +22,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

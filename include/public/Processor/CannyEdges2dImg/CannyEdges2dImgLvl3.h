@@ -2,22 +2,15 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
+#include "frame/image/Buffers.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InGxKnlYStrip2d;
-struct InGyKnlYStrip2d;
-struct InCannyThresholds;
-struct OutYStrip2d;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 3: the classes of one strip: magnitude, suppression of what is no maximum, both thresholds, in one sweep.
 class ORVIK_API CannyEdges2dImgLvl3
-    : public processor::ProcessingAlgorithm<CannyEdges2dImgLvl3, attr::InGxKnlYStrip2d, attr::InGyKnlYStrip2d,
+    : public ProcessingAlgorithm<CannyEdges2dImgLvl3, attr::InGxKnlYStrip2d, attr::InGyKnlYStrip2d,
                                             attr::InCannyThresholds, attr::OutYStrip2d>
 {
     ORVIK_PROCESSOR(CannyEdges2dImgLvl3, 2)
@@ -29,13 +22,11 @@ class ORVIK_API CannyEdges2dImgLvl3
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info);
 
 private:
-    processor::RulePtr createRule() const;
     template<class Sample, class Magnitude, core::eInstructionSet Set>
     BoolResult processFunction(const processor::ProcessingInfo& info);
 
     /// Squared magnitudes of the lines above, at and below the current one, for each part of a line.
-    boost::shared_ptr<image::FragHybridBuffer> m_magnitudes[3];
+    image::FragHybridBuffer m_magnitudes[3];
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,26 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace image {
-class BaseImage;
-}}  // namespace orvik::image
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InImg;
-struct InFeaturesDistX;
-struct InFeaturesDistY;
-struct InOptLocalExtremaConfig;
-struct OutPIPixels2d;
-class LocalExtremaConfig;
-class Pixels2d;
-class PlanIndexedPixels2d;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 class ExtractLocalExtrema2dLvl1;
 
@@ -47,38 +31,38 @@ class ExtractLocalExtrema2dLvl1;
 /// form) or a distance that is too large; the text names the attribute and both values.
 /// Cost: a few passes over the image, and some more with the logarithm of inFeaturesDistX; memory for
 /// 3 * inFeaturesDistY lines per thread, and for the list. The same list for any strips, threads and instruction set.
-ORVIK_API boost::shared_ptr<attr::Pixels2d> extractLocalExtrema2d(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
-    const boost::shared_ptr<const attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
-ORVIK_API boost::shared_ptr<attr::Pixels2d> extractLocalExtrema2d(const boost::shared_ptr<const image::BaseImage>& inImg,
+ORVIK_API Ptr<attr::Pixels2d> extractLocalExtrema2d(
+    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
+    const ConstPtr<attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
+ORVIK_API Ptr<attr::Pixels2d> extractLocalExtrema2d(const ConstImagePtr& inImg,
                                                                   unsigned int inFeaturesDistX,
                                                                   unsigned int inFeaturesDistY);
 
 /// The same in the background; the list is had by getAsyncProcessorOutput.
-ORVIK_API boost::shared_ptr<ExtractLocalExtrema2dLvl1> extractLocalExtrema2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY);
-ORVIK_API boost::shared_ptr<ExtractLocalExtrema2dLvl1> extractLocalExtrema2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
-    const boost::shared_ptr<const attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
+ORVIK_API Ptr<ExtractLocalExtrema2dLvl1> extractLocalExtrema2d_async(
+    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY);
+ORVIK_API Ptr<ExtractLocalExtrema2dLvl1> extractLocalExtrema2d_async(
+    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
+    const ConstPtr<attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
 
 /// The same for an image of any number of planes: a list for each (z, c, t), planes are no neighbours of each other.
-ORVIK_API boost::shared_ptr<attr::PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY);
-ORVIK_API boost::shared_ptr<attr::PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
-    const boost::shared_ptr<const attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(
+    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_extractLocalExtrema2d(
+    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
+    const ConstPtr<attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
 
 /// The same in the background; the lists are had by getAsyncProcessorMultiSliceOutput.
-ORVIK_API boost::shared_ptr<ExtractLocalExtrema2dLvl1> multiSlice_extractLocalExtrema2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY);
-ORVIK_API boost::shared_ptr<ExtractLocalExtrema2dLvl1> multiSlice_extractLocalExtrema2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
-    const boost::shared_ptr<const attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
+ORVIK_API Ptr<ExtractLocalExtrema2dLvl1> multiSlice_extractLocalExtrema2d_async(
+    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY);
+ORVIK_API Ptr<ExtractLocalExtrema2dLvl1> multiSlice_extractLocalExtrema2d_async(
+    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
+    const ConstPtr<attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
 
 /// Wait for the end. The first gives the list of plane (0, 0, 0). @throws what ended the run, when it failed.
-ORVIK_API boost::shared_ptr<attr::Pixels2d> getAsyncProcessorOutput(boost::shared_ptr<ExtractLocalExtrema2dLvl1> processor);
-ORVIK_API boost::shared_ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(
-    boost::shared_ptr<ExtractLocalExtrema2dLvl1> processor);
+ORVIK_API Ptr<attr::Pixels2d> getAsyncProcessorOutput(Ptr<ExtractLocalExtrema2dLvl1> processor);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(
+    Ptr<ExtractLocalExtrema2dLvl1> processor);
 
 /// Level 1: whole images, one child per plane.
 class ORVIK_API ExtractLocalExtrema2dLvl1
@@ -97,5 +81,4 @@ private:
     void initInitializers(processor::InitializerMap& initializers);
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

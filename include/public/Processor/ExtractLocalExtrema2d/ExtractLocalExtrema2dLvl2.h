@@ -2,24 +2,11 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
+#include "frame/processor/ElementsRange.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace processor {
-class ElementsRange;
-}}  // namespace orvik::processor
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InFeaturesDistX;
-struct InFeaturesDistY;
-struct InLocalExtremaConfig;
-struct OutPixels2d;
-class Pixels2d;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: one plane. Joins the lists of its strips, and keeps the most extreme pixels in their order.
 class ORVIK_API ExtractLocalExtrema2dLvl2
@@ -36,10 +23,7 @@ class ORVIK_API ExtractLocalExtrema2dLvl2
     void clearIntermediateData() noexcept override;
 
 private:
-    processor::RulePtr createRule() const;
-
-    boost::shared_ptr<std::map<processor::ElementsRange, boost::shared_ptr<attr::Pixels2d> > > m_results;
+    processor::ResultsOfStrips<attr::Pixels2d> m_results;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,33 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace image {
-class BaseImage;
-}}  // namespace orvik::image
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InImg;
-struct InOptGradStdDev;
-struct InOptGradientGaussianCoverage;
-struct InOptCornerDetectionParams2d;
-struct InLocalExtremaConfig;
-struct InFeaturesDistX;
-struct InFeaturesDistY;
-struct OutWk1Img;
-struct OutWk2Img;
-struct OutWk3Img;
-struct OutPIPixels2d;
-class GaussianCoverage;
-class CornerDetectionParams;
-class Pixels2d;
-class PlanIndexedPixels2d;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 class HarrisCorner2dLvl1;
 
@@ -50,11 +27,11 @@ class HarrisCorner2dLvl1;
 /// attributes and their values.
 /// Cost: that of harrisCorner2dImg and of extractLocalExtrema2d; three float images while it runs. The same list for any
 /// strips, threads and instruction set.
-ORVIK_API boost::shared_ptr<attr::Pixels2d> harrisCorner2d(const boost::shared_ptr<const image::BaseImage>& inImg,
+ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg,
                                                            unsigned long maxNbCorners, unsigned int featuresDist);
 
 /// The same with a standard deviation for gradient and smoothing, in pixels, finite and above 0.
-ORVIK_API boost::shared_ptr<attr::Pixels2d> harrisCorner2d(const boost::shared_ptr<const image::BaseImage>& inImg,
+ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg,
                                                            float inOptGradStdDev, unsigned long maxNbCorners,
                                                            unsigned int featuresDist);
 
@@ -64,52 +41,52 @@ ORVIK_API boost::shared_ptr<attr::Pixels2d> harrisCorner2d(const boost::shared_p
 /// @param threshold  least response that is listed: of the smaller eigenvalue itself, of the square root of the Harris
 /// measure, in units of the squared sample per squared pixel. Compared as a 32-bit float.
 /// @param featuresDistX, featuresDistY  half-size of the rectangle along each axis.
-ORVIK_API boost::shared_ptr<attr::Pixels2d> harrisCorner2d(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev,
-    const boost::shared_ptr<const attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const boost::shared_ptr<const attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
+ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(
+    const ConstImagePtr& inImg, float inOptGradStdDev,
+    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
     double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
 
 /// The same in the background; the list is had by getAsyncProcessorOutput.
-ORVIK_API boost::shared_ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
-ORVIK_API boost::shared_ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
+ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
+    const ConstImagePtr& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
+ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
+    const ConstImagePtr& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
     unsigned int featuresDist);
-ORVIK_API boost::shared_ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev,
-    const boost::shared_ptr<const attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const boost::shared_ptr<const attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
+ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
+    const ConstImagePtr& inImg, float inOptGradStdDev,
+    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
     double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
 
 /// The same for an image of any number of planes: a list for each (z, c, t), each with at most `maxNbCorners`.
-ORVIK_API boost::shared_ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
-ORVIK_API boost::shared_ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
+    const ConstImagePtr& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
+    const ConstImagePtr& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
     unsigned int featuresDist);
-ORVIK_API boost::shared_ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev,
-    const boost::shared_ptr<const attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const boost::shared_ptr<const attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
+    const ConstImagePtr& inImg, float inOptGradStdDev,
+    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
     double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
 
 /// The same in the background; the lists are had by getAsyncProcessorMultiSliceOutput.
-ORVIK_API boost::shared_ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
-ORVIK_API boost::shared_ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
+ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
+    const ConstImagePtr& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
+ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
+    const ConstImagePtr& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
     unsigned int featuresDist);
-ORVIK_API boost::shared_ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev,
-    const boost::shared_ptr<const attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const boost::shared_ptr<const attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
+ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
+    const ConstImagePtr& inImg, float inOptGradStdDev,
+    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
     double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
 
 /// Wait for the end. The first gives the list of plane (0, 0, 0). @throws what ended the run, when it failed.
-ORVIK_API boost::shared_ptr<attr::Pixels2d> getAsyncProcessorOutput(boost::shared_ptr<HarrisCorner2dLvl1> processor);
-ORVIK_API boost::shared_ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(
-    boost::shared_ptr<HarrisCorner2dLvl1> processor);
+ORVIK_API Ptr<attr::Pixels2d> getAsyncProcessorOutput(Ptr<HarrisCorner2dLvl1> processor);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(
+    Ptr<HarrisCorner2dLvl1> processor);
 
 /// Level 1: whole images, one child per plane. The first working image holds the response at the end.
 class ORVIK_API HarrisCorner2dLvl1
@@ -129,5 +106,4 @@ private:
     void initInitializers(processor::InitializerMap& initializers);
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

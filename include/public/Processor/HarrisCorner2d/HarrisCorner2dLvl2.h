@@ -2,25 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InGradStdDev;
-struct InGaussianCoverage;
-struct InCornerDetectionParams;
-struct InLocalExtremaConfig;
-struct InFeaturesDistX;
-struct InFeaturesDistY;
-struct OutWk1Img;
-struct OutWk2Img;
-struct OutWk3Img;
-struct OutPixels2d;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: one plane. The response overwrites the first working image, and is searched for local extrema there.
 class ORVIK_API HarrisCorner2dLvl2
@@ -40,5 +25,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,28 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace image {
-class BaseImage;
-}}  // namespace orvik::image
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InImg;
-struct InOptGradStdDev;
-struct InOptGradientGaussianCoverage;
-struct InOptCornerDetectionParams2d;
-struct OutWk1Img;
-struct OutWk2Img;
-struct OutWk3Img;
-struct OutImg;
-class GaussianCoverage;
-class CornerDetectionParams;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 class HarrisCorner2dImgLvl1;
 
@@ -45,10 +27,10 @@ class HarrisCorner2dImgLvl1;
 /// attributes and their values.
 /// Cost: X * Y * 14 * half-size multiplications, three float images while it runs, half-size as below. Formed in float,
 /// with double sums of the gradient. The same bits for any strips, threads and instruction set.
-ORVIK_API boost::shared_ptr<image::BaseImage> harrisCorner2dImg(const boost::shared_ptr<const image::BaseImage>& inImg);
+ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg);
 
 /// The same with a standard deviation for gradient and smoothing, in pixels, finite and above 0.
-ORVIK_API boost::shared_ptr<image::BaseImage> harrisCorner2dImg(const boost::shared_ptr<const image::BaseImage>& inImg,
+ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg,
                                                                 float inOptGradStdDev);
 
 /// The same into an image of the caller's.
@@ -59,24 +41,24 @@ ORVIK_API boost::shared_ptr<image::BaseImage> harrisCorner2dImg(const boost::sha
 /// value. Null for the default, Harris with k = 0.04. Negative k and such beyond 0.25, where no corner is above 0, are
 /// served as they are.
 /// @param outImg  of the size of `inImg` and of float samples, as the working images are.
-ORVIK_API void harrisCorner2dImg(const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev,
-                                 const boost::shared_ptr<const attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-                                 const boost::shared_ptr<const attr::CornerDetectionParams>& inOptCornerDetectionParams,
-                                 const boost::shared_ptr<image::BaseImage>& outImg);
+ORVIK_API void harrisCorner2dImg(const ConstImagePtr& inImg, float inOptGradStdDev,
+                                 const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+                                 const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams,
+                                 const ImagePtr& outImg);
 
 /// The same in the background; the result is had by getAsyncProcessorOutput.
-ORVIK_API boost::shared_ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg);
-ORVIK_API boost::shared_ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev);
-ORVIK_API boost::shared_ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
-    const boost::shared_ptr<const image::BaseImage>& inImg, float inOptGradStdDev,
-    const boost::shared_ptr<const attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const boost::shared_ptr<const attr::CornerDetectionParams>& inOptCornerDetectionParams,
-    const boost::shared_ptr<image::BaseImage>& outImg);
+ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
+    const ConstImagePtr& inImg);
+ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
+    const ConstImagePtr& inImg, float inOptGradStdDev);
+ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
+    const ConstImagePtr& inImg, float inOptGradStdDev,
+    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams,
+    const ImagePtr& outImg);
 
 /// Waits for the end. @throws what ended the run, when it failed.
-ORVIK_API boost::shared_ptr<image::BaseImage> getAsyncProcessorOutput(boost::shared_ptr<HarrisCorner2dImgLvl1> processor);
+ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<HarrisCorner2dImgLvl1> processor);
 
 /// Level 1: whole images, one child per plane. The four images are of one type, float unless the caller gives others:
 /// gradients and tensor are then rounded to whole numbers and saturated, the response is cut to one and wraps.
@@ -98,5 +80,4 @@ private:
     void initInitializers(processor::InitializerMap& initializers);
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

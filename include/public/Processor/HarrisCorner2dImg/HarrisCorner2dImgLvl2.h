@@ -2,22 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InGradStdDev;
-struct InGaussianCoverage;
-struct InCornerDetectionParams;
-struct OutWk1Img;
-struct OutWk2Img;
-struct OutWk3Img;
-struct OutImg;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: one plane. The gradient goes to the first two working images, which the tensor overwrites, with its third
 /// component in the third one; then the response, which may overwrite the first.
@@ -39,5 +27,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

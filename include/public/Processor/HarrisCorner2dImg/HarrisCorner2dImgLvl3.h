@@ -2,23 +2,14 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InXXYStrip2d;
-struct InXYYStrip2d;
-struct InYYYStrip2d;
-struct InCornerDetectionParams;
-struct OutYStrip2d;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 3: the response of one strip, each pixel for itself.
 class ORVIK_API HarrisCorner2dImgLvl3
-    : public processor::ProcessingAlgorithm<HarrisCorner2dImgLvl3, attr::InXXYStrip2d, attr::InXYYStrip2d,
+    : public ProcessingAlgorithm<HarrisCorner2dImgLvl3, attr::InXXYStrip2d, attr::InXYYStrip2d,
                                             attr::InYYYStrip2d, attr::InCornerDetectionParams, attr::OutYStrip2d>
 {
     ORVIK_PROCESSOR(HarrisCorner2dImgLvl3, 33)
@@ -33,5 +24,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,34 +2,17 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace image {
-class BaseImage;
-}}  // namespace orvik::image
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InGreyImg2d;
-struct InOptHoughLinesImgParams;
-struct InOptHoughLinesExtractionParams;
-struct OutOptImg;
-struct OutPIHoughLines2dPpties;
-class HoughLinesImgParams;
-class HoughLinesExtractionParams;
-class HoughLines2dPpties;
-class PlanIndexedHoughLines2dPpties;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 class HoughLines2dLvl1;
 
 /// The lines of a plane and the accumulator that they were found in.
-typedef std::pair<boost::shared_ptr<attr::HoughLines2dPpties>, boost::shared_ptr<image::BaseImage> > HoughLines2dResult;
+typedef std::pair<Ptr<attr::HoughLines2dPpties>, ImagePtr > HoughLines2dResult;
 /// The same for each plane.
-typedef std::pair<boost::shared_ptr<attr::PlanIndexedHoughLines2dPpties>, boost::shared_ptr<image::BaseImage> >
+typedef std::pair<Ptr<attr::PlanIndexedHoughLines2dPpties>, ImagePtr >
     MultiSliceHoughLines2dResult;
 
 /// Lists the lines of an image of edges.
@@ -56,36 +39,36 @@ typedef std::pair<boost::shared_ptr<attr::PlanIndexedHoughLines2dPpties>, boost:
 /// Cost: that of houghLines2dImg, and some passes over the accumulator. The same lines for any strips, threads and
 /// instruction set where the image is not of floats; sums of floats depend on the order of strips with several threads.
 ORVIK_API HoughLines2dResult houghLines2d(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg,
-    const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
-    const boost::shared_ptr<const attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
-ORVIK_API HoughLines2dResult houghLines2d(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
+    const ConstImagePtr& inGreyImg,
+    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+    const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
+ORVIK_API HoughLines2dResult houghLines2d(const ConstImagePtr& inGreyImg);
 
 /// The same in the background; lines and accumulator are had by getAsyncProcessorOutput.
-ORVIK_API boost::shared_ptr<HoughLines2dLvl1> houghLines2d_async(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
-ORVIK_API boost::shared_ptr<HoughLines2dLvl1> houghLines2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg,
-    const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
-    const boost::shared_ptr<const attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
+ORVIK_API Ptr<HoughLines2dLvl1> houghLines2d_async(const ConstImagePtr& inGreyImg);
+ORVIK_API Ptr<HoughLines2dLvl1> houghLines2d_async(
+    const ConstImagePtr& inGreyImg,
+    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+    const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
 
 /// The same for an image of any number of planes: a list for each (z, c, t).
-ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLines2d(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
+ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLines2d(const ConstImagePtr& inGreyImg);
 ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLines2d(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg,
-    const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
-    const boost::shared_ptr<const attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
+    const ConstImagePtr& inGreyImg,
+    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+    const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
 
 /// The same in the background; lists and accumulator are had by getAsyncProcessorMultiSliceOutput.
-ORVIK_API boost::shared_ptr<HoughLines2dLvl1> multiSlice_houghLines2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg);
-ORVIK_API boost::shared_ptr<HoughLines2dLvl1> multiSlice_houghLines2d_async(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg,
-    const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
-    const boost::shared_ptr<const attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
+ORVIK_API Ptr<HoughLines2dLvl1> multiSlice_houghLines2d_async(
+    const ConstImagePtr& inGreyImg);
+ORVIK_API Ptr<HoughLines2dLvl1> multiSlice_houghLines2d_async(
+    const ConstImagePtr& inGreyImg,
+    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+    const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
 
 /// Wait for the end. The first gives the lines of plane (0, 0, 0). @throws what ended the run, when it failed.
-ORVIK_API HoughLines2dResult getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dLvl1> processor);
-ORVIK_API MultiSliceHoughLines2dResult getAsyncProcessorMultiSliceOutput(boost::shared_ptr<HoughLines2dLvl1> processor);
+ORVIK_API HoughLines2dResult getAsyncProcessorOutput(Ptr<HoughLines2dLvl1> processor);
+ORVIK_API MultiSliceHoughLines2dResult getAsyncProcessorMultiSliceOutput(Ptr<HoughLines2dLvl1> processor);
 
 /// Level 1: whole images, one child per plane.
 class ORVIK_API HoughLines2dLvl1
@@ -104,5 +87,4 @@ private:
     void initInitializers(processor::InitializerMap& initializers);
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,22 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InOptHoughLinesImgParams;
-struct InOptHoughLinesExtractionParams;
-struct OutImg;
-struct OutHoughLines2dPpties;
-class StatsResult;
-class HistogramResult;
-class Pixels2d;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: one plane. Votes, continues a cyclic accumulator beyond its last angle, measures it where the threshold asks
 /// for that, finds its local maxima, and makes lines of them.
@@ -34,7 +22,6 @@ class ORVIK_API HoughLines2dLvl2
     void clearIntermediateData() noexcept override;
 
 private:
-    processor::RulePtr createRule() const;
     bool isMeasured() const;
     processor::RetrievalResult houghLines(const core::BasePriority& priority, processor::ProviderPtr& provider);
     void duplicateOutImgFirstRowsAtTheEndIfNecessary();
@@ -43,10 +30,9 @@ private:
     double getThreshold() const;
     void extractLines();
 
-    boost::shared_ptr<attr::StatsResult> m_stats;
-    boost::shared_ptr<attr::HistogramResult> m_histogram;
-    boost::shared_ptr<attr::Pixels2d> m_peaks;
+    Ptr<attr::StatsResult> m_stats;
+    Ptr<attr::HistogramResult> m_histogram;
+    Ptr<attr::Pixels2d> m_peaks;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

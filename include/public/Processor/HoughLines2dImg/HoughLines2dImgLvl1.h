@@ -2,22 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace image {
-class BaseImage;
-}}  // namespace orvik::image
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InGreyImg2d;
-struct InOptHoughLinesImgParams;
-struct OutImg;
-class HoughLinesImgParams;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 class HoughLines2dImgLvl1;
 
@@ -46,20 +34,20 @@ class HoughLines2dImgLvl1;
 /// for.
 /// Cost: voters * NbThetaBins; memory for the accumulator, and for 2048 voters per thread. Whole numbers are the same for
 /// any strips, threads and instruction set; sums of floats are for one thread, and depend on the order of strips otherwise.
-ORVIK_API boost::shared_ptr<image::BaseImage> houghLines2dImg(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg,
-    const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
-ORVIK_API boost::shared_ptr<image::BaseImage> houghLines2dImg(const boost::shared_ptr<const image::BaseImage>& inGreyImg);
+ORVIK_API ImagePtr houghLines2dImg(
+    const ConstImagePtr& inGreyImg,
+    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
+ORVIK_API ImagePtr houghLines2dImg(const ConstImagePtr& inGreyImg);
 
 /// The same in the background; the accumulator is had by getAsyncProcessorOutput.
-ORVIK_API boost::shared_ptr<HoughLines2dImgLvl1> houghLines2dImg_async(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg);
-ORVIK_API boost::shared_ptr<HoughLines2dImgLvl1> houghLines2dImg_async(
-    const boost::shared_ptr<const image::BaseImage>& inGreyImg,
-    const boost::shared_ptr<const attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
+ORVIK_API Ptr<HoughLines2dImgLvl1> houghLines2dImg_async(
+    const ConstImagePtr& inGreyImg);
+ORVIK_API Ptr<HoughLines2dImgLvl1> houghLines2dImg_async(
+    const ConstImagePtr& inGreyImg,
+    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
 
 /// Waits for the end. @throws what ended the run, when it failed.
-ORVIK_API boost::shared_ptr<image::BaseImage> getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dImgLvl1> processor);
+ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<HoughLines2dImgLvl1> processor);
 
 /// Level 1: whole images, one child per plane.
 class ORVIK_API HoughLines2dImgLvl1
@@ -77,5 +65,4 @@ private:
     void initInitializers(processor::InitializerMap& initializers);
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,17 +2,10 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InOptHoughLinesImgParams;
-struct OutImg;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: one plane. Its strips vote into one accumulator, which may have more rows than there are angles: they stay 0.
 class ORVIK_API HoughLines2dImgLvl2
@@ -30,5 +23,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,24 +2,17 @@
 
 #include "Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InYStrip2d;
-struct InOptHoughLinesImgParams;
-struct OutImg;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 class HoughLinesRowsMutexColl;
 
 /// Level 3: one strip. Voters are gathered first, then all of them vote row by row, so that a row is in the cache while
 /// they do, and its lock is taken once for many of them.
 class ORVIK_API HoughLines2dImgLvl3
-    : public processor::ProcessingAlgorithm<HoughLines2dImgLvl3, attr::InYStrip2d, attr::InOptHoughLinesImgParams,
+    : public ProcessingAlgorithm<HoughLines2dImgLvl3, attr::InYStrip2d, attr::InOptHoughLinesImgParams,
                                             attr::OutImg>
 {
     ORVIK_PROCESSOR(HoughLines2dImgLvl3, 54)
@@ -61,5 +54,4 @@ private:
     std::vector<Segment> m_segments;
 };
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -16,7 +16,7 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(ConnectedComponent2dImgLvl1)
+ORVIK_DEFINE_PROCESSOR(ConnectedComponent2dImgLvl1)
 
 namespace {
 
@@ -44,13 +44,6 @@ unsigned long greatestLabel(eDataType type)
 }
 
 }  // namespace
-
-ConnectedComponent2dImgLvl1::ConnectedComponent2dImgLvl1()
-    : m_components(boost::make_shared<std::map<unsigned int, boost::shared_ptr<PlaneComponents> > >())
-{
-}
-
-ConnectedComponent2dImgLvl1::~ConnectedComponent2dImgLvl1() = default;
 
 processor::RulePtr ConnectedComponent2dImgLvl1::createRule() const
 {
@@ -97,7 +90,7 @@ processor::StageResult ConnectedComponent2dImgLvl1::postProcess()
         next += plane.second->runs.getNbComponents();
     }
     attribute<OutMaxLabel>()->accessValue() = static_cast<unsigned int>(nbLabels);
-    return processor::StageResult(processor::eSRT_Done);
+    return processor::eSRT_Done;
 }
 
 void ConnectedComponent2dImgLvl1::clearIntermediateData() noexcept

@@ -2,18 +2,11 @@
 
 #include "siblings/AdvancedMorphology/Library.h"
 
+#include "frame/attr/Declarations.h"
+#include "frame/processor/ElementsRange.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InBinLabImg;
-struct InOptNeighborhood2d;
-struct OutLabelImg;
-struct OutMaxLabel;
-}  // namespace attr
-
-namespace advmorpho {
+namespace orvik { namespace imaproc { namespace advmorpho {
 
 class PlaneComponents;
 
@@ -36,8 +29,7 @@ private:
     processor::RulePtr createRule() const;
     void initInitializers(processor::InitializerMap& initializers);
 
-    boost::shared_ptr<std::map<unsigned int, boost::shared_ptr<PlaneComponents> > > m_components;
+    processor::ResultsOfPlanes<PlaneComponents> m_components;
 };
 
-}  // namespace advmorpho
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::advmorpho

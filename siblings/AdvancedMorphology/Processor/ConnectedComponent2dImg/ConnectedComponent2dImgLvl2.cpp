@@ -8,10 +8,7 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(ConnectedComponent2dImgLvl2)
-
-ConnectedComponent2dImgLvl2::ConnectedComponent2dImgLvl2() = default;
-ConnectedComponent2dImgLvl2::~ConnectedComponent2dImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(ConnectedComponent2dImgLvl2)
 
 BoolResult ConnectedComponent2dImgLvl2::runDerived()
 {

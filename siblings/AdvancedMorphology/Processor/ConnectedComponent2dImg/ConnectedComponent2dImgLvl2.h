@@ -3,16 +3,10 @@
 #include "siblings/AdvancedMorphology/Library.h"
 #include "siblings/AdvancedMorphology/Processor/PlaneRuns.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InNeighborhood2d;
-}  // namespace attr
-
-namespace advmorpho {
+namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Partial result of one plane.
 class PlaneComponents : public BaseDataItemNode
@@ -37,5 +31,4 @@ protected:
     BoolResult runDerived() override;
 };
 
-}  // namespace advmorpho
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::advmorpho

@@ -1,7 +1,18 @@
+#pragma once
+
 // Finds the weak pixels (1) beside strong ones (2 and above) of one strip and spreads from them. Compiled once per
 // instruction set.
 
+#include "siblings/AdvancedMorphology/Processor/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImgLvl3.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/KernelRegistrator.h"
 #include "frame/simd/Simd.h"
+
+#include <algorithm>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace advmorpho {
 namespace {
@@ -77,5 +88,13 @@ BoolResult IterativeExtremumPropagation2dImgLvl3::genericProcessFunction(const p
     value<attr::OutStatsResult>()->template set<attr::StatsResult::Max>(largest);
     return success();
 }
+
+}}}  // namespace orvik::imaproc::advmorpho
+
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace advmorpho {
+
+ORVIK_REGISTER_KERNELS(IterativeExtremumPropagation2dImgLvl3, UInt8KernelTypes)
 
 }}}  // namespace orvik::imaproc::advmorpho

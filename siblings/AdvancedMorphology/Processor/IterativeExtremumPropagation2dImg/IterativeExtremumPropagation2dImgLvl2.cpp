@@ -17,7 +17,7 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(IterativeExtremumPropagation2dImgLvl2)
+ORVIK_DEFINE_PROCESSOR(IterativeExtremumPropagation2dImgLvl2)
 
 namespace {
 
@@ -47,13 +47,6 @@ void spreadByComponents(image::BaseImage& plane, eNeighborhood2d neighborhood, b
 
 }  // namespace
 
-IterativeExtremumPropagation2dImgLvl2::IterativeExtremumPropagation2dImgLvl2()
-    : m_strips(boost::make_shared<std::map<processor::ElementsRange, boost::shared_ptr<StatsResult> > >())
-{
-}
-
-IterativeExtremumPropagation2dImgLvl2::~IterativeExtremumPropagation2dImgLvl2() = default;
-
 processor::RulePtr IterativeExtremumPropagation2dImgLvl2::createRule() const
 {
     return matchSizeAndType(attribute<InSubImg2d>(), attribute<OutImg>());
@@ -73,14 +66,14 @@ processor::StageResult IterativeExtremumPropagation2dImgLvl2::preProcess()
         for (unsigned long y = 0; y < out.getSizeY(); ++y)
             std::memcpy(out.accessLine(y), in.getLine(y),
                         out.getSizeX() * image::getImageBufferBaseSize(out.getBufferType()));
-    return processor::StageResult(processor::eSRT_Done);
+    return processor::eSRT_Done;
 }
 
 processor::RetrievalResult IterativeExtremumPropagation2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
                                                                                    processor::ProviderPtr& provider)
 {
     if (!spreadsByStrips())
-        return processor::RetrievalResult(processor::eRRT_ProviderRetrieved);
+        return processor::eRRT_ProviderRetrieved;
     return dispatch<IterativeExtremumPropagation2dImgLvl3>(priority, provider, strips<OutYStrip2d>(value<OutImg>()),
                                                            resultOfEach<OutStatsResult>(m_strips));
 }
@@ -96,14 +89,14 @@ processor::StageResult IterativeExtremumPropagation2dImgLvl2::postProcess()
             typedef decltype(zero) Sample;
             spreadByComponents<Sample>(plane, value<InNeighborhood2d>(), isMinima(value<InLocalExtremumType>()));
         });
-        return processor::StageResult(processor::eSRT_Done);
+        return processor::eSRT_Done;
     }
     WeakSpreader spreader(plane.getSizeX(), 0, plane.getSizeY(), [&](unsigned long y) {
         return static_cast<unsigned char*>(plane.accessLine(y));
     });
     for (const auto& strip : *m_strips)
         spreader.spreadAcross(strip.first.getStart());
-    return processor::StageResult(processor::eSRT_Done);
+    return processor::eSRT_Done;
 }
 
 void IterativeExtremumPropagation2dImgLvl2::clearIntermediateData() noexcept

@@ -2,20 +2,12 @@
 
 #include "siblings/AdvancedMorphology/Library.h"
 
+#include "frame/attr/Declarations.h"
+#include "frame/processor/ElementsRange.h"
 #include "frame/processor/Processor.h"
 #include "frame/processor/Split.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InNeighborhood2d;
-struct InLocalExtremumType;
-struct OutImg;
-class StatsResult;
-}  // namespace attr
-
-namespace advmorpho {
+namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Level 2: each pixel of a plane that is not 0 takes the largest value (or the smallest, for minima) that can be reached
 /// from it through pixels that are not 0. Input and result may be one image; else they are of one size and type.
@@ -38,8 +30,7 @@ private:
     processor::RulePtr createRule() const;
     bool spreadsByStrips() const;
 
-    boost::shared_ptr<std::map<processor::ElementsRange, boost::shared_ptr<attr::StatsResult> > > m_strips;
+    processor::ResultsOfStrips<attr::StatsResult> m_strips;
 };
 
-}  // namespace advmorpho
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::advmorpho

@@ -1,21 +1,13 @@
 #include "siblings/AdvancedMorphology/Processor/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImgLvl3.h"
 
+#include "siblings/AdvancedMorphology/Processor/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImgKernel.h"
+
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
-#include "frame/processor/ProcessorFactory.h"
-#include "frame/simd/KernelUnit.h"
-
-#include "frame/simd/OpenGeneric.h"
-#include "IterativeExtremumPropagation2dImgKernel.h"
-#include "frame/simd/CloseSet.h"
 
 namespace orvik { namespace imaproc { namespace advmorpho {
 
-ORVIK_REGISTER_PROCESSOR(IterativeExtremumPropagation2dImgLvl3)
-ORVIK_REGISTER_KERNELS(IterativeExtremumPropagation2dImgLvl3, UInt8KernelTypes, core::eIS_Generic)
-
-IterativeExtremumPropagation2dImgLvl3::IterativeExtremumPropagation2dImgLvl3() = default;
-IterativeExtremumPropagation2dImgLvl3::~IterativeExtremumPropagation2dImgLvl3() = default;
+ORVIK_DEFINE_ALGORITHM(IterativeExtremumPropagation2dImgLvl3)
 
 void IterativeExtremumPropagation2dImgLvl3::initDataParserColl(processor::DataParserColl& coll)
 {

@@ -2,18 +2,12 @@
 
 #include "siblings/AdvancedMorphology/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
 #include <functional>
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct OutYStrip2d;
-struct OutStatsResult;
-}  // namespace attr
-
-namespace advmorpho {
+namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Spreads 2 over the 1 that hang together with it, eight neighbours, within some lines of a plane.
 class WeakSpreader
@@ -47,7 +41,7 @@ private:
 /// Level 3: one strip of unsigned bytes, in place; only its own lines are looked at, Level 2 joins the strips. `Max` of
 /// the result is the largest value of the strip: above 2 there is more to do than this class does.
 class ORVIK_API IterativeExtremumPropagation2dImgLvl3
-    : public processor::ProcessingAlgorithm<IterativeExtremumPropagation2dImgLvl3, attr::OutYStrip2d, attr::OutStatsResult>
+    : public ProcessingAlgorithm<IterativeExtremumPropagation2dImgLvl3, attr::OutYStrip2d, attr::OutStatsResult>
 {
     ORVIK_PROCESSOR(IterativeExtremumPropagation2dImgLvl3, 3)
 
@@ -59,5 +53,4 @@ class ORVIK_API IterativeExtremumPropagation2dImgLvl3
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info);
 };
 
-}  // namespace advmorpho
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::advmorpho

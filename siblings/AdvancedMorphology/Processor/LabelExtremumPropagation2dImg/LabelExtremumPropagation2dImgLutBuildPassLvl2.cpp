@@ -11,7 +11,7 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(LabelExtremumPropagation2dImgLutBuildPassLvl2)
+ORVIK_DEFINE_PROCESSOR(LabelExtremumPropagation2dImgLutBuildPassLvl2)
 
 namespace {
 
@@ -28,9 +28,6 @@ void readLine(const image::BaseImage& plane, unsigned long y, std::vector<T>& li
 }
 
 }  // namespace
-
-LabelExtremumPropagation2dImgLutBuildPassLvl2::LabelExtremumPropagation2dImgLutBuildPassLvl2() = default;
-LabelExtremumPropagation2dImgLutBuildPassLvl2::~LabelExtremumPropagation2dImgLutBuildPassLvl2() = default;
 
 processor::RulePtr LabelExtremumPropagation2dImgLutBuildPassLvl2::createRule() const
 {

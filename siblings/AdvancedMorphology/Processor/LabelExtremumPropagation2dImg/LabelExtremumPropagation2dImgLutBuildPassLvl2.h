@@ -2,19 +2,10 @@
 
 #include "siblings/AdvancedMorphology/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InSubLabelImg2d;
-struct InLocalExtremumType;
-struct InNbLabels;
-struct OutImg;
-}  // namespace attr
-
-namespace advmorpho {
+namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Level 2: each labelled pixel of a plane takes the largest value (or the smallest, for minima) of its label; what has
 /// no label becomes 0. All values are looked at before one is written: input and result may be one image.
@@ -33,5 +24,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace advmorpho
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::advmorpho

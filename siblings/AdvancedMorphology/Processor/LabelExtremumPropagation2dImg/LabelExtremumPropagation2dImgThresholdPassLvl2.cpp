@@ -13,10 +13,7 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(LabelExtremumPropagation2dImgThresholdPassLvl2)
-
-LabelExtremumPropagation2dImgThresholdPassLvl2::LabelExtremumPropagation2dImgThresholdPassLvl2() = default;
-LabelExtremumPropagation2dImgThresholdPassLvl2::~LabelExtremumPropagation2dImgThresholdPassLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(LabelExtremumPropagation2dImgThresholdPassLvl2)
 
 processor::RulePtr LabelExtremumPropagation2dImgThresholdPassLvl2::createRule() const
 {

@@ -2,16 +2,10 @@
 
 #include "siblings/AdvancedMorphology/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct OutBinImg;
-}  // namespace attr
-
-namespace advmorpho {
+namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Level 2: 1 where a plane is not 0, else 0, also for NaN.
 class ORVIK_API LabelExtremumPropagation2dImgThresholdPassLvl2
@@ -28,5 +22,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace advmorpho
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::advmorpho

@@ -5,6 +5,7 @@
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
+#include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageInitializers.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
@@ -15,7 +16,7 @@ namespace orvik { namespace imaproc { namespace filter {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(GaussianGradient2dImgLvl1)
+ORVIK_DEFINE_PROCESSOR(GaussianGradient2dImgLvl1)
 
 namespace {
 
@@ -46,9 +47,6 @@ processor::InitializerPtr outputOfNoneGiven(const boost::shared_ptr<BaseOutputIm
 
 }  // namespace
 
-GaussianGradient2dImgLvl1::GaussianGradient2dImgLvl1() = default;
-GaussianGradient2dImgLvl1::~GaussianGradient2dImgLvl1() = default;
-
 processor::RulePtr GaussianGradient2dImgLvl1::createRule() const
 {
     return makesGaussian(attribute<InStdDevX>(), attribute<InOptGradientGaussianCoverage>())
@@ -78,41 +76,34 @@ processor::RetrievalResult GaussianGradient2dImgLvl1::retrieveProvider(const cor
         ifSet(eachPlane<OutOptSubGradYImg2d>(value<OutOptGradYImg>())));
 }
 
-namespace {
+typedef FunctionForms<GaussianGradient2dImgLvl1, OutOptGradXImg, OutOptGradYImg> Forms;
 
-boost::shared_ptr<GaussianGradient2dImgLvl1> makeProcessor(const boost::shared_ptr<const image::BaseImage>& in,
-                                                           float stdDevX, float stdDevY)
+static void prepare(Forms::Processor& processor, const ConstImagePtr& in, float stdDevX, float stdDevY)
 {
-    const boost::shared_ptr<GaussianGradient2dImgLvl1> processor =
-        processor::createInitialised<GaussianGradient2dImgLvl1>();
-    processor->set<InImg>(in);
-    processor->set<InStdDevX>(stdDevX);
-    processor->set<InStdDevY>(stdDevY);
-    return processor;
+    processor.set<InImg>(in);
+    processor.set<InStdDevX>(stdDevX);
+    processor.set<InStdDevY>(stdDevY);
 }
 
-}  // namespace
-
-void gaussianGradient2dImg(const boost::shared_ptr<const image::BaseImage>& in, float stdDevX, float stdDevY,
-                           double coverage, const boost::shared_ptr<image::BaseImage>& outX,
-                           const boost::shared_ptr<image::BaseImage>& outY)
+void gaussianGradient2dImg(const ConstImagePtr& in, float stdDevX, float stdDevY, double coverage, const ImagePtr& outX,
+                           const ImagePtr& outY)
 {
     if (!outX && !outY)
         ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
                     processor::eProcessorMessage::eRunFailed, "gaussianGradient2dImg", "outX and outY are both null");
-    const boost::shared_ptr<GaussianGradient2dImgLvl1> processor = makeProcessor(in, stdDevX, stdDevY);
-    processor->set<InOptGradientGaussianCoverage>(GaussianCoverage::createNode(coverage));
-    processor->set<OutOptGradXImg>(outX);
-    processor->set<OutOptGradYImg>(outY);
-    processor::executeSyncRun(processor);
+    Forms::run(Forms::eAllPlanes, [&](Forms::Processor& processor) {
+        prepare(processor, in, stdDevX, stdDevY);
+        processor.set<InOptGradientGaussianCoverage>(GaussianCoverage::createNode(coverage));
+        processor.set<OutOptGradXImg>(outX);
+        processor.set<OutOptGradYImg>(outY);
+    });
 }
 
-std::pair<boost::shared_ptr<image::BaseImage>, boost::shared_ptr<image::BaseImage> > gaussianGradient2dImg(
-    const boost::shared_ptr<const image::BaseImage>& in, float stdDev)
+std::pair<ImagePtr, ImagePtr> gaussianGradient2dImg(const ConstImagePtr& in, float stdDev)
 {
-    const boost::shared_ptr<GaussianGradient2dImgLvl1> processor = makeProcessor(in, stdDev, stdDev);
-    processor::executeSyncRun(processor);
-    return {processor->getStorage<OutOptGradXImg>(), processor->getStorage<OutOptGradYImg>()};
+    return Forms::all(Forms::run(Forms::eAllPlanes, [&](Forms::Processor& processor) {
+        prepare(processor, in, stdDev, stdDev);
+    }));
 }
 
 }}}  // namespace orvik::imaproc::filter

@@ -2,26 +2,12 @@
 
 #include "siblings/Filtering/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
 #include <utility>
 
-namespace orvik { namespace image {
-class BaseImage;
-}}  // namespace orvik::image
-
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InImg;
-struct InStdDevX;
-struct InStdDevY;
-struct InOptGradientGaussianCoverage;
-struct OutOptGradXImg;
-struct OutOptGradYImg;
-}  // namespace attr
-
-namespace filter {
+namespace orvik { namespace imaproc { namespace filter {
 
 /// The gradient of each plane of an image, smoothed by a Gaussian.
 ///
@@ -42,12 +28,12 @@ namespace filter {
 /// standard deviation or coverage that makes no kernel, or a half-size above 2^20; the text names attribute and value.
 /// Cost: X * Y * (2 * half-size along x + 2 * half-size along y) multiplications for both outputs, half of it for one. The
 /// same bits for any strips, threads and instruction set.
-ORVIK_API void gaussianGradient2dImg(const boost::shared_ptr<const image::BaseImage>& in, float stdDevX, float stdDevY,
-                                     double coverage, const boost::shared_ptr<image::BaseImage>& outX,
-                                     const boost::shared_ptr<image::BaseImage>& outY);
+ORVIK_API void gaussianGradient2dImg(const ConstImagePtr& in, float stdDevX, float stdDevY,
+                                     double coverage, const ImagePtr& outX,
+                                     const ImagePtr& outY);
 /// The gradient along x and along y as float images, with one standard deviation for both axes and a coverage of 4.
-ORVIK_API std::pair<boost::shared_ptr<image::BaseImage>, boost::shared_ptr<image::BaseImage> > gaussianGradient2dImg(
-    const boost::shared_ptr<const image::BaseImage>& in, float stdDev);
+ORVIK_API std::pair<ImagePtr, ImagePtr > gaussianGradient2dImg(
+    const ConstImagePtr& in, float stdDev);
 
 /// Level 1: whole images, one child per plane. Outputs that the caller gave are computed; when there is none, both are,
 /// as float images.
@@ -67,5 +53,4 @@ private:
     void initInitializers(processor::InitializerMap& initializers);
 };
 
-}  // namespace filter
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::filter

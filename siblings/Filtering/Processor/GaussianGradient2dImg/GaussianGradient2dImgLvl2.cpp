@@ -10,16 +10,11 @@
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 
-#include <algorithm>
-
 namespace orvik { namespace imaproc { namespace filter {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(GaussianGradient2dImgLvl2)
-
-GaussianGradient2dImgLvl2::GaussianGradient2dImgLvl2() = default;
-GaussianGradient2dImgLvl2::~GaussianGradient2dImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(GaussianGradient2dImgLvl2)
 
 processor::RulePtr GaussianGradient2dImgLvl2::createRule() const
 {
@@ -32,12 +27,9 @@ processor::RulePtr GaussianGradient2dImgLvl2::createRule() const
 processor::RetrievalResult GaussianGradient2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
                                                                        processor::ProviderPtr& provider)
 {
-    const double coverage = value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>();
-    const unsigned long halfSize = static_cast<unsigned long>(getGaussianHalfSize(value<InStdDevY>(), coverage));
-    image::StripMargins margins;
-    // Lines farther than the image is high are all the same one; its kernel is folded there.
-    margins.startY = std::min(halfSize, value<InSubImg2d>()->getSizeY());
-    margins.endY = margins.startY + GaussianGradient2dImgLvl3::s_nbLinesAtOnce - 1;
+    const image::StripMargins margins =
+        makeGaussianMargins(image::eSA_Y, value<InStdDevY>(), value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(),
+                            *value<InSubImg2d>());
     return dispatch<GaussianGradient2dImgLvl3>(
         priority, provider, stripsWithMargins<InKnlYStrip2d>(value<InSubImg2d>(), margins),
         same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),

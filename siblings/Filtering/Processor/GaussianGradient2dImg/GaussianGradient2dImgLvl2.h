@@ -2,20 +2,10 @@
 
 #include "siblings/Filtering/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InStdDevX;
-struct InStdDevY;
-struct InGaussianCoverage;
-struct OutOptSubGradXImg2d;
-struct OutOptSubGradYImg2d;
-}  // namespace attr
-
-namespace filter {
+namespace orvik { namespace imaproc { namespace filter {
 
 /// Level 2: one plane, by strips. An output that is unset is not computed.
 class ORVIK_API GaussianGradient2dImgLvl2
@@ -33,5 +23,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace filter
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::filter

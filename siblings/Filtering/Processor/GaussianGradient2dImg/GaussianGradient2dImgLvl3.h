@@ -2,26 +2,17 @@
 
 #include "siblings/Filtering/GaussianWeights.h"
 #include "siblings/Filtering/Library.h"
+#include "siblings/Filtering/SeparableStrips.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/image/Buffers.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
-namespace orvik { namespace imaproc {
+namespace orvik { namespace imaproc { namespace filter {
 
-namespace attr {
-struct InKnlYStrip2d;
-struct InStdDevX;
-struct InStdDevY;
-struct InGaussianCoverage;
-struct OutOptGradXYStrip2d;
-struct OutOptGradYYStrip2d;
-}  // namespace attr
-
-namespace filter {
-
-/// Level 3: one strip. The margin of its lines is the half-size along y and, below, s_nbLinesAtOnce - 1 more.
+/// Level 3: one strip. The margin of its lines is the half-size along y and, below, g_nbLinesAtOnce - 1 more.
 class ORVIK_API GaussianGradient2dImgLvl3
-    : public processor::ProcessingAlgorithm<GaussianGradient2dImgLvl3, attr::InKnlYStrip2d, attr::InStdDevX,
+    : public ProcessingAlgorithm<GaussianGradient2dImgLvl3, attr::InKnlYStrip2d, attr::InStdDevX,
                                             attr::InStdDevY, attr::InGaussianCoverage, attr::OutOptGradXYStrip2d,
                                             attr::OutOptGradYYStrip2d>
 {
@@ -29,9 +20,7 @@ class ORVIK_API GaussianGradient2dImgLvl3
 
     typedef LineStripParserMode ParserMode;
 
-    /// Lines that go through the column pass together: each line that they share is made double once.
-    static constexpr unsigned long s_nbLinesAtOnce = 8;
-    static constexpr unsigned long s_minStripLines = 4 * s_nbLinesAtOnce;
+    static constexpr unsigned long s_minStripLines = g_minStripLines;
 
     processor::StageResult preProcess() override;
     template<class Sample, core::eInstructionSet Set>
@@ -39,23 +28,15 @@ class ORVIK_API GaussianGradient2dImgLvl3
 
 private:
     processor::RulePtr createRule() const;
-    /// Column pass of the line and those that go with it.
+    /// Column pass of the line and those that go with it; null where it is not wanted.
     template<core::eInstructionSet Set, class Parser>
-    void combineLines(const Parser& lines, const processor::ProcessingInfo& info);
-    /// Row pass of a combined line; false when the output has no sample type.
-    template<class Attribute, core::eInstructionSet Set>
-    bool writeLine(const double* line, unsigned long n);
-
-    double* smoothLine(unsigned long i) const { return static_cast<double*>(m_smooth.getDataPtr(i, m_startX)); }
-    double* derivativeLine(unsigned long i) const { return static_cast<double*>(m_derivative.getDataPtr(i, m_startX)); }
+    void combineLines(const Parser& lines, const processor::ProcessingInfo& info, const CombinedLines* smooth,
+                      const CombinedLines* derivative);
 
     GaussianWeights m_x, m_y;
-    unsigned long m_startX = 0;  // of column 0 in a combined line
     image::TypedOwnBuffer m_tile;  // a block of columns of all lines of the kernel, as double
-    // Combined lines, with margins; without fragments where they are not wanted.
-    image::FragHybridBuffer m_smooth;  // smoothed along y, for the gradient along x
-    image::FragHybridBuffer m_derivative;  // differentiated along y, for the gradient along y
+    CombinedLines m_smooth;      // smoothed along y, for the gradient along x
+    CombinedLines m_derivative;  // differentiated along y, for the gradient along y
 };
 
-}  // namespace filter
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::filter

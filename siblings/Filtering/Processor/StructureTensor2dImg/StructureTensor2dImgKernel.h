@@ -1,6 +1,19 @@
+#pragma once
+
 // The products of the gradients and the two passes of their smoothing. Compiled once per instruction set.
 
+#include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgLvl3.h"
 #include "siblings/Filtering/SeparableFilter.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/KernelRegistrator.h"
+#include "frame/simd/Simd.h"
+
+#include <algorithm>
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace filter {
 namespace {
@@ -20,14 +33,23 @@ void multiplyBlock(const Sum* gx, const Sum* gy, Sum* xx, Sum* yy, Sum* xy)
     }
 }
 
+/// What the kernel works with on one strip.
+template<class In, class Sum>
+struct Strip
+{
+    const In *gx, *gy;
+    const PlainStripParser* out[3];  // xx, yy, xy
+    LineFilter<Sum> write[3];
+};
+
 }  // namespace
 
 template<core::eInstructionSet Set, class Sum, class Parser>
 void StructureTensor2dImgLvl3::combineLines(const Parser& gx, const Parser& gy, const processor::ProcessingInfo& info)
 {
-    const TypedGaussianWeights<Sum>& weights = kernels<Sum>().y;
-    const unsigned long nbLines = std::min(s_nbLinesAtOnce, gx.getNbLines() - info.lineIndex);
-    const unsigned long nbRows = nbLines + 2 * weights.halfSize(), product = nbRows * kBlock;
+    const TensorKernels<Sum>& weights = kernels<Sum>();
+    const unsigned long nbLines = std::min(g_nbLinesAtOnce, gx.getNbLines() - info.lineIndex);
+    const unsigned long nbRows = nbLines + 2 * weights.y.halfSize(), product = nbRows * kBlock;
     Sum* const tile = static_cast<Sum*>(m_tile.getDataPtr());
     alignas(64) Sum roomX[kBlock], roomY[kBlock];
     for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
@@ -37,42 +59,45 @@ void StructureTensor2dImgLvl3::combineLines(const Parser& gx, const Parser& gy, 
                           to + product, to + 2 * product);
         }
         for (unsigned long p = 0; p < 3; ++p)
-            for (unsigned long line = 0; line < nbLines; ++line) {
-                Sum* const to = combinedLine<Sum>(p, line) + x;
-                filterBlock<true, false>(tile + p * product + (weights.halfSize() + line) * kBlock, kBlock, weights, to,
-                                         to);
-            }
+            filterTile(tile + p * product, nbLines, weights.y, x, &m_combined[p], nullptr);
     }
-    const unsigned long margin = kernels<Sum>().x.halfSize(), end = info.nbAlignedData + margin;
-    for (unsigned long p = 0; p < 3; ++p)
-        for (unsigned long line = 0; line < nbLines; ++line)
-            extendLine(combinedLine<Sum>(p, line), info.nbData, margin, end);
-}
-
-template<class Attribute, core::eInstructionSet Set, class Sum>
-bool StructureTensor2dImgLvl3::writeLine(const Sum* line, unsigned long n)
-{
-    return withParser<Attribute>([&](const auto& out) {
-        filterLine<false>(line, n, kernels<Sum>().x, out.accessBuffer());
-    });
+    for (const CombinedLines& combined : m_combined)
+        extendLines<Sum>(combined, nbLines, info.nbData, info.nbAlignedData, weights.x.halfSize());
 }
 
 template<class Sample, core::eInstructionSet Set>
 BoolResult StructureTensor2dImgLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
 {
     typedef SumOf<Sample> Sum;
-    const auto* const gx = parser<attr::InGxKnlYStrip2d, Sample>();
-    const auto* const gy = parser<attr::InGyKnlYStrip2d, Sample>();
-    if (!gx || !gy)
+    const auto* const strip = onceAStrip(info, [&] {
+        const auto* const gx = parser<attr::InGxKnlYStrip2d, Sample>();
+        const auto filterFor = [](const BaseStripAttribute& out) {
+            return lineFilterFor<false, Sum>(out.getImageBufferType());
+        };
+        return Strip<typename std::remove_pointer<decltype(gx)>::type, Sum>{
+            gx,
+            parser<attr::InGyKnlYStrip2d, Sample>(),
+            {plainParser<attr::OutGxGxYStrip2d>(), plainParser<attr::OutGyGyYStrip2d>(), plainParser<attr::OutGxGyYStrip2d>()},
+            {filterFor(*attribute<attr::OutGxGxYStrip2d>()), filterFor(*attribute<attr::OutGyGyYStrip2d>()),
+             filterFor(*attribute<attr::OutGxGyYStrip2d>())}};
+    });
+    if (!strip)
         return wrongSampleType();
     // Lines of an output that is an input are overwritten here; the parsers have copied theirs and those below before.
-    const unsigned long line = info.lineIndex % s_nbLinesAtOnce, n = info.nbAlignedData;
+    const unsigned long line = info.lineIndex % g_nbLinesAtOnce;
     if (line == 0)
-        combineLines<Set, Sum>(*gx, *gy, info);
-    const bool written = writeLine<attr::OutGxGxYStrip2d, Set>(combinedLine<Sum>(0, line), n)
-                         && writeLine<attr::OutGyGyYStrip2d, Set>(combinedLine<Sum>(1, line), n)
-                         && writeLine<attr::OutGxGyYStrip2d, Set>(combinedLine<Sum>(2, line), n);
-    return written ? success() : wrongSampleType();
+        combineLines<Set, Sum>(*strip->gx, *strip->gy, info);
+    for (unsigned long p = 0; p < 3; ++p)
+        strip->write[p](m_combined[p].get<Sum>(line), info.nbAlignedData, kernels<Sum>().x, strip->out[p]->accessSamples());
+    return success();
 }
+
+}}}  // namespace orvik::imaproc::filter
+
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace filter {
+
+ORVIK_REGISTER_KERNELS(StructureTensor2dImgLvl3, AllKernelTypes)
 
 }}}  // namespace orvik::imaproc::filter

@@ -10,16 +10,11 @@
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 
-#include <algorithm>
-
 namespace orvik { namespace imaproc { namespace filter {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(StructureTensor2dImgLvl2)
-
-StructureTensor2dImgLvl2::StructureTensor2dImgLvl2() = default;
-StructureTensor2dImgLvl2::~StructureTensor2dImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(StructureTensor2dImgLvl2)
 
 processor::RulePtr StructureTensor2dImgLvl2::createRule() const
 {
@@ -38,12 +33,9 @@ processor::RulePtr StructureTensor2dImgLvl2::createRule() const
 processor::RetrievalResult StructureTensor2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
                                                                       processor::ProviderPtr& provider)
 {
-    const double coverage = value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>();
-    const double halfSize = getGaussianHalfSize(static_cast<double>(value<InSmoothingStdDev>()), coverage);
-    image::StripMargins margins;
-    // Lines farther than the image is high are all the same one; its kernel is folded there.
-    margins.startY = std::min(static_cast<unsigned long>(halfSize), value<InSubGxImg2d>()->getSizeY());
-    margins.endY = margins.startY + StructureTensor2dImgLvl3::s_nbLinesAtOnce - 1;
+    const image::StripMargins margins =
+        makeGaussianMargins(image::eSA_Y, static_cast<double>(value<InSmoothingStdDev>()),
+                            value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(), *value<InSubGxImg2d>());
     return dispatch<StructureTensor2dImgLvl3>(
         priority, provider, stripsInPlace<InGxKnlYStrip2d>(value<InSubGxImg2d>(), margins),
         stripsInPlace<InGyKnlYStrip2d>(value<InSubGyImg2d>(), margins),

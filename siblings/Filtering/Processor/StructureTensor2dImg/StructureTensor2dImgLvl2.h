@@ -2,21 +2,10 @@
 
 #include "siblings/Filtering/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubGxImg2d;
-struct InSubGyImg2d;
-struct InSmoothingStdDev;
-struct InGaussianCoverage;
-struct OutGxGxImg;
-struct OutGyGyImg;
-struct OutGxGyImg;
-}  // namespace attr
-
-namespace filter {
+namespace orvik { namespace imaproc { namespace filter {
 
 /// Level 2: the structure tensor of one plane, by strips: gx * gx, gy * gy and gx * gy, each smoothed by a Gaussian.
 ///
@@ -51,5 +40,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace filter
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::filter

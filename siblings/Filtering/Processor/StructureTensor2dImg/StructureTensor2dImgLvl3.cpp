@@ -1,12 +1,16 @@
 #include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgLvl3.h"
 
+#include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgKernel.h"
+
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/ImageRules.h"
-#include "frame/processor/ProcessorFactory.h"
-#include "frame/simd/KernelUnit.h"
 
 namespace orvik { namespace imaproc { namespace filter {
+
+using namespace attr;
+
+ORVIK_DEFINE_ALGORITHM(StructureTensor2dImgLvl3)
 
 template<>
 const TensorKernels<float>& StructureTensor2dImgLvl3::kernels<float>() const
@@ -19,22 +23,6 @@ const TensorKernels<double>& StructureTensor2dImgLvl3::kernels<double>() const
 {
     return m_doubleKernels;
 }
-
-}}}  // namespace orvik::imaproc::filter
-
-#include "frame/simd/OpenGeneric.h"
-#include "StructureTensor2dImgKernel.h"
-#include "frame/simd/CloseSet.h"
-
-namespace orvik { namespace imaproc { namespace filter {
-
-using namespace attr;
-
-ORVIK_REGISTER_PROCESSOR(StructureTensor2dImgLvl3)
-ORVIK_REGISTER_KERNELS(StructureTensor2dImgLvl3, AllKernelTypes, core::eIS_Generic)
-
-StructureTensor2dImgLvl3::StructureTensor2dImgLvl3() = default;
-StructureTensor2dImgLvl3::~StructureTensor2dImgLvl3() = default;
 
 processor::RulePtr StructureTensor2dImgLvl3::createRule() const
 {
@@ -54,24 +42,20 @@ processor::StageResult StructureTensor2dImgLvl3::preProcess()
     m_floatKernels.x = toFloat(m_doubleKernels.x);
     m_floatKernels.y = toFloat(m_doubleKernels.y);
     const unsigned long halfSizeX = m_doubleKernels.x.halfSize(), halfSizeY = m_doubleKernels.y.halfSize();
-    for (const image::StripMargins& margins : {gx.getMargins(), gy.getMargins()})
-        if (margins.startY != halfSizeY || margins.endY != halfSizeY + s_nbLinesAtOnce - 1)
-            return processor::StageResult(processor::eSRT_Failed,
-                                          getObjectName() + ": the margins of the strip do not fit the kernel, half-size "
-                                              + std::to_string(halfSizeY));
-    borderParser<InGxKnlYStrip2d, KernelYStrip2dParser>().setBorder2dPolicy(image::nearestBorder2d());
-    borderParser<InGyKnlYStrip2d, KernelYStrip2dParser>().setBorder2dPolicy(image::nearestBorder2d());
+    for (const image::InputImageYStrip2dWithKernel* const strip : {&gx, &gy}) {
+        const BoolResult fits = checkGaussianMargins(*strip, halfSizeY);
+        if (!fits)
+            return failure(getObjectName() + ": " + fits.getMessage());
+    }
+    setBorder<InGxKnlYStrip2d>(image::nearestBorder2d());
+    setBorder<InGyKnlYStrip2d>(image::nearestBorder2d());
 
     const bool isFloat = image::toDataType(gx.getBufferType()) == eDT_Real32;
     const eDataType sum = isFloat ? eDT_Real32 : eDT_Real64;
-    const unsigned long vector = 16;  // floats of the widest set: column 0 is aligned like the line
-    m_startX = processor::alignedCount(halfSizeX, vector);
-    const unsigned long lineSize =
-        m_startX + processor::alignedCount(gx.getSizeX(), getRunGranularity()) + halfSizeX;
-    m_tile.init(3 * kBlock * (2 * halfSizeY + s_nbLinesAtOnce), sum);
-    for (image::FragHybridBuffer& lines : m_combined)
-        lines.init(sum, lineSize, s_nbLinesAtOnce);
-    return processor::StageResult(processor::eSRT_Done);
+    m_tile.init(3 * kBlock * (2 * halfSizeY + g_nbLinesAtOnce), sum);
+    for (CombinedLines& lines : m_combined)
+        lines.init(sum, processor::alignedCount(gx.getSizeX(), getRunGranularity()), halfSizeX);
+    return processor::eSRT_Done;
 }
 
 }}}  // namespace orvik::imaproc::filter

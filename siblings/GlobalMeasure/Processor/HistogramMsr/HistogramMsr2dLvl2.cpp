@@ -13,7 +13,7 @@ namespace orvik { namespace imaproc { namespace glbmsr {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(HistogramMsr2dLvl2)
+ORVIK_DEFINE_PROCESSOR(HistogramMsr2dLvl2)
 
 namespace {
 
@@ -100,14 +100,11 @@ void measure(const image::BaseImage& plane, HistogramResult& histogram)
 
 }  // namespace
 
-HistogramMsr2dLvl2::HistogramMsr2dLvl2() = default;
-HistogramMsr2dLvl2::~HistogramMsr2dLvl2() = default;
-
 BoolResult HistogramMsr2dLvl2::runDerived()
 {
     const image::BaseImage& plane = *value<InSubImg2d>();
     const BoolResult result = checkOnePlane(plane, InSubImg2d::getObjectNameStr());
-    if (result.getValue())
+    if (result)
         image::withSampleType(image::toDataType(plane.getBufferType()),
                               [&](auto zero) { measure<decltype(zero)>(plane, *value<OutHistogramResult>()); });
     return result;

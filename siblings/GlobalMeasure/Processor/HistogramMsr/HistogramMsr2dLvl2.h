@@ -2,16 +2,10 @@
 
 #include "siblings/GlobalMeasure/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct OutHistogramResult;
-}  // namespace attr
-
-namespace glbmsr {
+namespace orvik { namespace imaproc { namespace glbmsr {
 
 /// Level 2: counts how often the values of one plane occur, of any type, from its lowest to its highest value.
 ///
@@ -31,5 +25,4 @@ protected:
     BoolResult runDerived() override;
 };
 
-}  // namespace glbmsr
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::glbmsr

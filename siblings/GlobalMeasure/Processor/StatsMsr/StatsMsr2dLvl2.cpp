@@ -15,7 +15,7 @@ namespace orvik { namespace imaproc { namespace glbmsr {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(StatsMsr2dLvl2)
+ORVIK_DEFINE_PROCESSOR(StatsMsr2dLvl2)
 
 namespace {
 
@@ -86,14 +86,11 @@ void measure(const image::BaseImage& plane, StatsResult& stats)
 
 }  // namespace
 
-StatsMsr2dLvl2::StatsMsr2dLvl2() = default;
-StatsMsr2dLvl2::~StatsMsr2dLvl2() = default;
-
 BoolResult StatsMsr2dLvl2::runDerived()
 {
     const image::BaseImage& plane = *value<InSubImg2d>();
     const BoolResult result = checkOnePlane(plane, InSubImg2d::getObjectNameStr());
-    if (result.getValue())
+    if (result)
         image::withSampleType(image::toDataType(plane.getBufferType()),
                               [&](auto zero) { measure<decltype(zero)>(plane, *value<OutStatsResult>()); });
     return result;

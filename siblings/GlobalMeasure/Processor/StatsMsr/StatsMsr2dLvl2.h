@@ -2,16 +2,10 @@
 
 #include "siblings/GlobalMeasure/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct OutStatsResult;
-}  // namespace attr
-
-namespace glbmsr {
+namespace orvik { namespace imaproc { namespace glbmsr {
 
 /// Level 2: number, sum, mean, standard deviation and extremes of the samples of one plane of any type, in its unit.
 ///
@@ -29,5 +23,4 @@ protected:
     BoolResult runDerived() override;
 };
 
-}  // namespace glbmsr
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::glbmsr

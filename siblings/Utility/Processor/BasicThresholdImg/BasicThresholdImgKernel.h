@@ -1,6 +1,20 @@
+#pragma once
+
 // Marks the samples of one run whose value lies within, or outside, two thresholds. Compiled once per instruction set.
 
+#include "siblings/Utility/Processor/BasicThresholdImg/BasicThresholdImgLvl3.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+#include "frame/processor/KernelRegistrator.h"
 #include "frame/simd/Simd.h"
+#include "frame/util/NumericLimits.h"
+
+#include <cmath>
+#include <cstring>
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace util {
 namespace {
@@ -32,8 +46,9 @@ Bounds<Sample> boundsOf(double min, double max)
 
 /// Blocks go through room of their own: input and result may be the same samples, which loops over both must not know.
 template<class Sample, class Result>
-void mark(const Sample* from, Result* to, unsigned long n, const Bounds<Sample>& bounds, bool outside)
+void mark(const Sample* from, void* result, unsigned long n, const Bounds<Sample>& bounds, bool outside)
 {
+    Result* const to = static_cast<Result*>(result);
     const typename Bounds<Sample>::T min = bounds.min, max = bounds.max;
     const Result in = bounds.empty ? outside : !outside, out = outside;
     for (unsigned long i = 0; i < n; i += kBlock) {
@@ -51,20 +66,58 @@ void mark(const Sample* from, Result* to, unsigned long n, const Bounds<Sample>&
     }
 }
 
+template<class Sample>
+using Mark = void (*)(const Sample*, void*, unsigned long, const Bounds<Sample>&, bool);
+
+/// `mark` for a type of result; null for no type.
+template<class Sample>
+Mark<Sample> markFor(image::eImageBufferType type)
+{
+    Mark<Sample> found = nullptr;
+    image::withSampleType(image::toDataType(type), [&](auto zero) {
+        typedef decltype(zero) Result;
+        if constexpr (!std::is_same<Result, double>::value)
+            found = &mark<Sample, Result>;
+    });
+    return found;
+}
+
+/// What the kernel works with on one strip.
+template<class In, class Sample>
+struct Strip
+{
+    const In* in;
+    const PlainStripParser* out;
+    Mark<Sample> mark;
+    Bounds<Sample> bounds;
+    bool outside;
+};
+template<class I, class S>
+Strip(const I*, const PlainStripParser*, Mark<S>, Bounds<S>, bool) -> Strip<I, S>;
+
 }  // namespace
 
 template<class Sample, core::eInstructionSet Set>
 BoolResult BasicThresholdImgLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
 {
-    const auto* const in = parser<attr::InYStrip2d, Sample>();
-    if (!in)
-        return wrongSampleType();
-    const Bounds<Sample> bounds = boundsOf<Sample>(value<attr::InThresholdMin>(), value<attr::InThresholdMax>());
-    const bool outside = value<attr::InOptOutside>() != 0;
-    const bool served = withParser<attr::OutYStrip2d>([&](const auto& out) {
-        mark(in->accessBuffer(), out.accessBuffer(), info.nbAlignedData, bounds, outside);
+    const auto* const strip = onceAStrip(info, [&] {
+        return Strip{parser<attr::InYStrip2d, Sample>(), plainParser<attr::OutYStrip2d>(),
+                     markFor<Sample>(attribute<attr::OutYStrip2d>()->getImageBufferType()),
+                     boundsOf<Sample>(value<attr::InThresholdMin>(), value<attr::InThresholdMax>()),
+                     value<attr::InOptOutside>() != 0};
     });
-    return served ? success() : wrongSampleType();
+    if (!strip || !strip->out)
+        return wrongSampleType();
+    strip->mark(strip->in->accessBuffer(), strip->out->accessSamples(), info.nbAlignedData, strip->bounds, strip->outside);
+    return success();
 }
+
+}}}  // namespace orvik::imaproc::util
+
+#include "frame/simd/CloseSet.h"
+
+namespace orvik { namespace imaproc { namespace util {
+
+ORVIK_REGISTER_KERNELS(BasicThresholdImgLvl3, AllKernelTypes)
 
 }}}  // namespace orvik::imaproc::util

@@ -13,10 +13,7 @@ namespace orvik { namespace imaproc { namespace util {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(BasicThresholdImgLvl1)
-
-BasicThresholdImgLvl1::BasicThresholdImgLvl1() = default;
-BasicThresholdImgLvl1::~BasicThresholdImgLvl1() = default;
+ORVIK_DEFINE_PROCESSOR(BasicThresholdImgLvl1)
 
 processor::RulePtr BasicThresholdImgLvl1::createRule() const
 {

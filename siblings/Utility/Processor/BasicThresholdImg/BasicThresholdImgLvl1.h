@@ -2,18 +2,10 @@
 
 #include "siblings/Utility/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InImg;
-struct InThresholdMin;
-struct InThresholdMax;
-struct OutBinImg;
-}  // namespace attr
-
-namespace util {
+namespace orvik { namespace imaproc { namespace util {
 
 /// Level 1: whole images. The result is binary unless the caller gives an image of another type.
 class ORVIK_API BasicThresholdImgLvl1
@@ -31,5 +23,4 @@ private:
     void initInitializers(processor::InitializerMap& initializers);
 };
 
-}  // namespace util
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::util

@@ -13,10 +13,7 @@ namespace orvik { namespace imaproc { namespace util {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(BasicThresholdImgLvl2)
-
-BasicThresholdImgLvl2::BasicThresholdImgLvl2() = default;
-BasicThresholdImgLvl2::~BasicThresholdImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(BasicThresholdImgLvl2)
 
 processor::RulePtr BasicThresholdImgLvl2::createRule() const
 {

@@ -2,18 +2,10 @@
 
 #include "siblings/Utility/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InSubImg2d;
-struct InThresholdMin;
-struct InThresholdMax;
-struct OutBinImg;
-}  // namespace attr
-
-namespace util {
+namespace orvik { namespace imaproc { namespace util {
 
 /// Level 2: one plane. 1 where min <= value <= max, else 0, also for NaN. Input and result may be one image.
 class ORVIK_API BasicThresholdImgLvl2
@@ -30,5 +22,4 @@ private:
     processor::RulePtr createRule() const;
 };
 
-}  // namespace util
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::util

@@ -2,23 +2,14 @@
 
 #include "siblings/Utility/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InYStrip2d;
-struct InThresholdMin;
-struct InThresholdMax;
-struct InOptOutside;
-struct OutYStrip2d;
-}  // namespace attr
-
-namespace util {
+namespace orvik { namespace imaproc { namespace util {
 
 /// Level 3: one strip, into a strip of any type.
 class ORVIK_API BasicThresholdImgLvl3
-    : public processor::ProcessingAlgorithm<BasicThresholdImgLvl3, attr::InYStrip2d, attr::InThresholdMin,
+    : public ProcessingAlgorithm<BasicThresholdImgLvl3, attr::InYStrip2d, attr::InThresholdMin,
                                             attr::InThresholdMax, attr::InOptOutside, attr::OutYStrip2d>
 {
     ORVIK_PROCESSOR(BasicThresholdImgLvl3, 2)
@@ -29,5 +20,4 @@ class ORVIK_API BasicThresholdImgLvl3
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info);
 };
 
-}  // namespace util
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::util

@@ -9,10 +9,7 @@ namespace orvik { namespace imaproc { namespace util {
 
 using namespace attr;
 
-ORVIK_REGISTER_PROCESSOR(EraseImgLvl2)
-
-EraseImgLvl2::EraseImgLvl2() = default;
-EraseImgLvl2::~EraseImgLvl2() = default;
+ORVIK_DEFINE_PROCESSOR(EraseImgLvl2)
 
 BoolResult EraseImgLvl2::runDerived()
 {

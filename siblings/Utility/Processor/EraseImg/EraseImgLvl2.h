@@ -2,15 +2,10 @@
 
 #include "siblings/Utility/Library.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct OutSubImg2d;
-}  // namespace attr
-
-namespace util {
+namespace orvik { namespace imaproc { namespace util {
 
 /// Level 2: sets every sample of an image to 0, whatever its sample type and its sizes Z, C and T. Bytes between the lines
 /// of a caller's buffer stay as they are. Cost: one write per sample, by one thread.
@@ -23,5 +18,4 @@ protected:
     BoolResult runDerived() override;
 };
 
-}  // namespace util
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::util

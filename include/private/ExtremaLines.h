@@ -1,7 +1,15 @@
-// Lines as extrema are looked for in them: what is looked for is high, what does not count is low. Included by the
-// kernel, inside its set.
+#pragma once
+
+// Lines as extrema are looked for in them: what is looked for is high, what does not count is low.
 
 #include "frame/simd/Simd.h"
+#include "frame/util/NumericLimits.h"
+
+#include <algorithm>
+#include <cmath>
+#include <type_traits>
+
+#include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
@@ -102,3 +110,5 @@ void foldAlong(const T* from, unsigned long n, unsigned long length, T* to)
 
 }  // namespace
 }}}  // namespace orvik::imaproc::fd
+
+#include "frame/simd/CloseSet.h"

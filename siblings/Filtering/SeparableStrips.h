@@ -1,0 +1,39 @@
+#pragma once
+
+#include "frame/image/Buffers.h"
+#include "frame/image/Strips.h"
+
+namespace orvik { namespace imaproc { namespace filter {
+
+/// Lines that go through a pass across lines together: what they share is made once.
+constexpr unsigned long g_nbLinesAtOnce = 8;
+/// Strips of fewer lines spend too much on the lines of their margins.
+constexpr unsigned long g_minStripLines = 4 * g_nbLinesAtOnce;
+
+/// Margins of strips along `axis` of an image for a Gaussian kernel across their elements: its half-size, and behind, for
+/// the elements that go together, g_nbLinesAtOnce - 1 more. Elements farther than the image is large are all the same one;
+/// its kernel is folded there.
+image::StripMargins makeGaussianMargins(image::eStripAxis axis, double stdDev, double coverage, const image::BaseImage& image);
+
+/// False, with the half-size, for a strip whose margins along its axis are not those of a kernel of that half-size.
+BoolResult checkGaussianMargins(const image::BaseImageFragment& strip, unsigned long halfSize);
+
+/// Sums of the pass across lines, g_nbLinesAtOnce lines of them, with the margins of the pass along them.
+class CombinedLines
+{
+public:
+    /// For lines of `sizeX` values, a whole number of blocks, and a kernel of `halfSize` along them.
+    void init(eDataType type, unsigned long sizeX, unsigned long halfSize);
+    /// Value 0 of a line; lies as aligned vectors do.
+    template<class Sum>
+    Sum* get(unsigned long line) const
+    {
+        return static_cast<Sum*>(m_lines.getDataPtr(line, m_startX));
+    }
+
+private:
+    image::FragHybridBuffer m_lines;
+    unsigned long m_startX = 0;  // of value 0 in a line
+};
+
+}}}  // namespace orvik::imaproc::filter
