@@ -29,9 +29,9 @@ list(APPEND ORVIK_SIBLING_SOURCES
   ${F}/StructureTensor2dImg/StructureTensor2dImgLvl2.cpp ${StructureTensor2dImg})
 
 set(S ${siblings}/GlobalMeasure/Processor)
-orvik_kernels(${S}/StatsMsr/StatsMsr2dLvl2.cpp ${S}/HistogramMsr/HistogramMsr2dLvl2.cpp)
+orvik_kernels(${S}/StatsMsr/ImageStats.cpp ${S}/HistogramMsr/ImageHistogram.cpp)
 list(APPEND ORVIK_SIBLING_SOURCES
   ${siblings}/GlobalMeasure/CumulativeHistogramData.cpp
   ${siblings}/GlobalMeasure/Library.cpp
-  ${S}/HistogramMsr/HistogramMsr2dLvl2.cpp
-  ${S}/StatsMsr/StatsMsr2dLvl2.cpp)
+  ${S}/HistogramMsr/HistogramMsr2dLvl2.cpp ${S}/HistogramMsr/ImageHistogram.cpp
+  ${S}/StatsMsr/StatsMsr2dLvl2.cpp ${S}/StatsMsr/ImageStats.cpp)
