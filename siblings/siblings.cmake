@@ -5,13 +5,14 @@ set(M ${siblings}/AdvancedMorphology/Processor)
 orvik_level3(BasicThresholdImg ${U}/BasicThresholdImg/BasicThresholdImg sse2 avx2 avx512)
 orvik_level3(IterativeExtremumPropagation2dImg
   ${M}/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImg sse2 avx2 avx512)
+orvik_kernels(${M}/WeakSpreader.cpp)
 
 set(ORVIK_SIBLING_SOURCES
   ${siblings}/Utility/Library.cpp
   ${siblings}/AdvancedMorphology/Library.cpp
   ${U}/BasicThresholdImg/BasicThresholdImgLvl1.cpp ${U}/BasicThresholdImg/BasicThresholdImgLvl2.cpp ${BasicThresholdImg}
   ${U}/EraseImg/EraseImgLvl2.cpp
-  ${M}/PlaneRuns.cpp
+  ${M}/ComponentLabels.cpp ${M}/ComponentRuns.cpp ${M}/ExtremumPropagation.cpp ${M}/WeakSpreader.cpp
   ${M}/ConnectedComponent2dImg/ConnectedComponent2dImgLvl1.cpp ${M}/ConnectedComponent2dImg/ConnectedComponent2dImgLvl2.cpp
   ${M}/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImgLvl2.cpp ${IterativeExtremumPropagation2dImg}
   ${M}/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgLutBuildPassLvl2.cpp

@@ -15,7 +15,7 @@ struct OutMaxLabel;
 
 namespace advmorpho {
 
-class PlaneComponents;
+class ImageComponents;
 
 /// Level 1: labels what hangs together in each plane: from 1 in raster order of the components' first samples, running
 /// on over all planes. What is 0 stays 0. More components than the label image can name end the run with a message,
@@ -36,7 +36,7 @@ private:
     processor::RulePtr createRule() const;
     void initInitializers(processor::InitializerMap& initializers);
 
-    boost::shared_ptr<std::map<unsigned int, boost::shared_ptr<PlaneComponents> > > m_components;
+    boost::shared_ptr<std::map<unsigned int, boost::shared_ptr<ImageComponents> > > m_components;
 };
 
 }  // namespace advmorpho

@@ -15,7 +15,7 @@ ConnectedComponent2dImgLvl2::~ConnectedComponent2dImgLvl2() = default;
 
 BoolResult ConnectedComponent2dImgLvl2::runDerived()
 {
-    value<OutPlaneComponents>()->runs.find(*value<InSubImg2d>(), value<InNeighborhood2d>());
+    value<OutPlaneComponents>()->runs.find(*value<InSubImg2d>(), neighborhoodOf(value<InNeighborhood2d>()));
     return success();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "siblings/AdvancedMorphology/Library.h"
+#include "siblings/AdvancedMorphology/Processor/ExtremumPropagation.h"
 
 #include "frame/processor/Processor.h"
-#include "frame/processor/Split.h"
 
 namespace orvik { namespace imaproc {
 
@@ -12,7 +12,6 @@ struct InSubImg2d;
 struct InNeighborhood2d;
 struct InLocalExtremumType;
 struct OutImg;
-class StatsResult;
 }  // namespace attr
 
 namespace advmorpho {
@@ -38,7 +37,7 @@ private:
     processor::RulePtr createRule() const;
     bool spreadsByStrips() const;
 
-    boost::shared_ptr<std::map<processor::ElementsRange, boost::shared_ptr<attr::StatsResult> > > m_strips;
+    boost::shared_ptr<StatsOfStrips> m_strips;
 };
 
 }  // namespace advmorpho
