@@ -18,6 +18,7 @@ orvik_sibling(Utility/Processor/EraseImg)
 file(GLOB shared CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/siblings/*/*.cpp ${CMAKE_SOURCE_DIR}/siblings/*/Processor/*.cpp)
 list(APPEND ORVIK_SIBLING_SOURCES ${shared})
 
-# Measures have loops that the compiler makes vectors of, though no kernels by set.
-orvik_kernels(${CMAKE_SOURCE_DIR}/siblings/GlobalMeasure/Processor/HistogramMsr/HistogramMsr2dLvl2.cpp
-  ${CMAKE_SOURCE_DIR}/siblings/GlobalMeasure/Processor/StatsMsr/StatsMsr2dLvl2.cpp)
+# Loops that the compiler makes vectors of, though they have no kernels by set.
+orvik_kernels(${CMAKE_SOURCE_DIR}/siblings/AdvancedMorphology/Processor/WeakSpreader.cpp
+  ${CMAKE_SOURCE_DIR}/siblings/GlobalMeasure/Processor/HistogramMsr/ImageHistogram.cpp
+  ${CMAKE_SOURCE_DIR}/siblings/GlobalMeasure/Processor/StatsMsr/ImageStats.cpp)

@@ -1,5 +1,6 @@
 #include "frame/image/BaseImage.h"
 
+#include "frame/image/ImageLines.h"
 #include "frame/util/FrameMessages.h"
 
 #include <boost/make_shared.hpp>
@@ -10,7 +11,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <new>
 
@@ -137,17 +137,6 @@ boost::shared_ptr<BaseImage> wrap(char* data, eImageBufferType type, const Image
                                          checkedStrides(strides, type, sizes), false);
 }
 
-/// Calls f(y, z, c, t) for each line.
-template<class F>
-void forEachLine(const BaseImage& image, F&& f)
-{
-    for (unsigned long t = 0; t < image.getSizeT(); ++t)
-        for (unsigned long c = 0; c < image.getSizeC(); ++c)
-            for (unsigned long z = 0; z < image.getSizeZ(); ++z)
-                for (unsigned long y = 0; y < image.getSizeY(); ++y)
-                    f(y, z, c, t);
-}
-
 }  // namespace
 
 bool operator==(const ImageSizes& a, const ImageSizes& b)
@@ -240,19 +229,13 @@ void copyIn(BaseImage& image, const void* data, const ImageStrides& strides)
 {
     const boost::shared_ptr<const BaseImage> from = wrapBuffer(data, image.getBufferType(), image.getGeometry().getSizes(),
                                                                strides);
-    const std::size_t lineBytes = image.getSizeX() * getImageBufferBaseSize(image.getBufferType());
-    forEachLine(image, [&](unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
-        std::memcpy(image.accessLine(y, z, c, t), from->getLine(y, z, c, t), lineBytes);
-    });
+    copySamples(*from, image);
 }
 
 void copyOut(const BaseImage& image, void* data, const ImageStrides& strides)
 {
     const boost::shared_ptr<BaseImage> to = wrapBuffer(data, image.getBufferType(), image.getGeometry().getSizes(), strides);
-    const std::size_t lineBytes = image.getSizeX() * getImageBufferBaseSize(image.getBufferType());
-    forEachLine(image, [&](unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
-        std::memcpy(to->accessLine(y, z, c, t), image.getLine(y, z, c, t), lineBytes);
-    });
+    copySamples(image, *to);
 }
 
 }}  // namespace orvik::image

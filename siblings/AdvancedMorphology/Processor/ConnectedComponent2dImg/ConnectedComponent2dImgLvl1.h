@@ -8,7 +8,7 @@
 
 namespace orvik { namespace imaproc { namespace advmorpho {
 
-class PlaneComponents;
+class ImageComponents;
 
 /// Level 1: labels what hangs together in each plane: from 1 in raster order of the components' first samples, running
 /// on over all planes. What is 0 stays 0. More components than the label image can name end the run with a message,
@@ -29,7 +29,7 @@ private:
     processor::RulePtr createRule() const;
     void initInitializers(processor::InitializerMap& initializers);
 
-    processor::ResultsOfPlanes<PlaneComponents> m_components;
+    processor::ResultsOfPlanes<ImageComponents> m_components;
 };
 
 }}}  // namespace orvik::imaproc::advmorpho

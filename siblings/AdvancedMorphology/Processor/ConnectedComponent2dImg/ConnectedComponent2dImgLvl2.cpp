@@ -12,7 +12,7 @@ ORVIK_DEFINE_PROCESSOR(ConnectedComponent2dImgLvl2)
 
 BoolResult ConnectedComponent2dImgLvl2::runDerived()
 {
-    value<OutPlaneComponents>()->runs.find(*value<InSubImg2d>(), value<InNeighborhood2d>());
+    value<OutPlaneComponents>()->runs.find(*value<InSubImg2d>(), neighborhoodOf(value<InNeighborhood2d>()));
     return success();
 }
 

@@ -1,24 +1,14 @@
 #pragma once
 
 #include "siblings/AdvancedMorphology/Library.h"
-#include "siblings/AdvancedMorphology/Processor/PlaneRuns.h"
+#include "siblings/AdvancedMorphology/Processor/ComponentLabels.h"
 
 #include "frame/attr/Declarations.h"
 #include "frame/processor/Processor.h"
 
 namespace orvik { namespace imaproc { namespace advmorpho {
 
-/// Partial result of one plane.
-class PlaneComponents : public BaseDataItemNode
-{
-public:
-    const char* getNodeName() const override { return "PlaneComponents"; }
-    static boost::shared_ptr<PlaneComponents> createNode() { return boost::make_shared<PlaneComponents>(); }
-
-    PlaneRuns runs;
-};
-
-ORVIK_OUTPUT(OutPlaneComponents, (processor::OutputDataItem<PlaneComponents>), "components of one plane");
+ORVIK_OUTPUT(OutPlaneComponents, (processor::OutputDataItem<ImageComponents>), "components of one plane");
 
 /// Level 2: finds the components of one plane; numbering them is left to Level 1, which knows all planes.
 class ConnectedComponent2dImgLvl2

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "siblings/AdvancedMorphology/Library.h"
+#include "siblings/AdvancedMorphology/Processor/ExtremumPropagation.h"
 
 #include "frame/attr/Declarations.h"
 #include "frame/processor/ElementsRange.h"
 #include "frame/processor/Processor.h"
-#include "frame/processor/Split.h"
 
 namespace orvik { namespace imaproc { namespace advmorpho {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/image/BaseImage.h"
+#include "frame/image/ImageLines.h"
 #include "frame/util/ProcessingResult.h"
 
 namespace orvik { namespace imaproc { namespace glbmsr {
@@ -13,12 +13,13 @@ inline BoolResult checkOnePlane(const image::BaseImage& image, const std::string
     return failure(attribute + ": one plane is measured, not an image of size " + toString(image.getGeometry().getSizes()));
 }
 
-/// Calls f(line) with the first sample of each line of a plane, in order.
+/// Calls f(line) with the first sample of each line, in raster order.
 template<class Sample, class F>
-void forEachLine(const image::BaseImage& plane, F&& f)
+void forEachSampleLine(const image::BaseImage& image, F&& f)
 {
-    for (unsigned long y = 0; y < plane.getSizeY(); ++y)
-        f(static_cast<const Sample*>(plane.getLine(y)));
+    image::forEachLine(image, [&](unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
+        f(static_cast<const Sample*>(image.getLine(y, z, c, t)));
+    });
 }
 
 }}}  // namespace orvik::imaproc::glbmsr
