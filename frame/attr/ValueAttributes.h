@@ -38,8 +38,6 @@ ORVIK_INPUT(InSmoothingStdDev, (processor::BaseValueAttribute<float>), "standard
 ORVIK_INPUT(InCornerDetectionParams, (processor::InputDataItem<CornerDetectionParams>), "what is measured at a corner");
 ORVIK_OPTIONAL_INPUT(InOptCornerDetectionParams2d, (processor::InputOptionalDataItem<CornerDetectionParams>),
                      createCornerDetectionParams2d(), "what is measured at a corner; Harris with k = 0.04 unless set");
-/// Beyond it the extent of a neighbourhood would not fit into 32 bits; most such values are negative numbers gone wrong.
-constexpr unsigned int g_maxFeaturesDist = 2147483647u;
 ORVIK_INPUT(InFeaturesDistX, (processor::BaseValueAttribute<unsigned int>), "half-width of the neighbourhood along x");
 ORVIK_INPUT(InFeaturesDistY, (processor::BaseValueAttribute<unsigned int>), "half-height of the neighbourhood along y");
 ORVIK_INPUT(InLocalExtremaConfig, (processor::InputDataItem<LocalExtremaConfig>), "which local extrema are listed");

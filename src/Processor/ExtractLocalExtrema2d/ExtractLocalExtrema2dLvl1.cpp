@@ -20,9 +20,7 @@ ExtractLocalExtrema2dLvl1::~ExtractLocalExtrema2dLvl1() = default;
 
 processor::RulePtr ExtractLocalExtrema2dLvl1::createRule() const
 {
-    return matchImagePlans(attribute<OutPIPixels2d>(), attribute<InImg>(), eIPMP_Planes)
-           && processor::atMost(attribute<InFeaturesDistX>(), g_maxFeaturesDist)
-           && processor::atMost(attribute<InFeaturesDistY>(), g_maxFeaturesDist);
+    return matchImagePlans(attribute<OutPIPixels2d>(), attribute<InImg>(), eIPMP_Planes);
 }
 
 void ExtractLocalExtrema2dLvl1::initInitializers(processor::InitializerMap& initializers)
