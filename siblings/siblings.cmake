@@ -21,6 +21,7 @@ set(F ${siblings}/Filtering/Processor)
 orvik_level3(GaussianGradient2dImg ${F}/GaussianGradient2dImg/GaussianGradient2dImg sse2 avx2 avx512)
 orvik_level3(StructureTensor2dImg ${F}/StructureTensor2dImg/StructureTensor2dImg sse2 avx2 avx512)
 list(APPEND ORVIK_SIBLING_SOURCES
+  ${siblings}/Filtering/FilteringMessages.cpp
   ${siblings}/Filtering/GaussianRules.cpp
   ${siblings}/Filtering/GaussianWeights.cpp
   ${siblings}/Filtering/Library.cpp

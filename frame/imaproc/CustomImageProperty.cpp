@@ -1,8 +1,7 @@
 #include "frame/imaproc/CustomImageProperty.h"
 
-#include "frame/imaproc/AttributeImages.h"
+#include "frame/imaproc/ImageRuleParts.h"
 #include "frame/imaproc/BaseImageRules.h"
-#include "frame/util/FrameMessages.h"
 
 #include <algorithm>
 
@@ -34,12 +33,12 @@ public:
     {
         std::string text;
         if (m_property->isChecked(eCIP_SizeX))
-            text += "size X, ";
+            text += textOf(eImageRuleMessage::eCheckedSizeX);
         if (m_property->isChecked(eCIP_SizeY))
-            text += "size Y, ";
+            text += textOf(eImageRuleMessage::eCheckedSizeY);
         if (m_property->isChecked(eCIP_BufferType))
-            text += "buffer type, ";
-        return text + "of " + getAttribute1()->getObjectName() + " as computed from the inputs";
+            text += textOf(eImageRuleMessage::eCheckedBufferType);
+        return textOf(eImageRuleMessage::eAsComputed, text, getAttribute1()->getObjectName());
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
@@ -48,11 +47,13 @@ public:
             const boost::shared_ptr<const BaseAttribute> attribute = getAttribute1();
             const image::BaseImage& image = imageOf(*attribute);
             if (m_property->isChecked(eCIP_SizeX))
-                text += ": X " + pair(image.getSizeX(), m_property->getSizeX());
+                text += textOf(eImageRuleMessage::eSizeXAgainst, std::to_string(image.getSizeX()),
+                               std::to_string(m_property->getSizeX()));
             if (m_property->isChecked(eCIP_SizeY))
-                text += ": Y " + pair(image.getSizeY(), m_property->getSizeY());
+                text += textOf(eImageRuleMessage::eSizeYAgainst, std::to_string(image.getSizeY()),
+                               std::to_string(m_property->getSizeY()));
             if (m_property->isChecked(eCIP_BufferType))
-                text += ": " + toString(image.getBufferType()) + " against " + allowedTypes();
+                text += textOf(eImageRuleMessage::eBufferTypeAgainst, toString(image.getBufferType()), allowedTypes());
         }
         return text + "\n";
     }
@@ -68,12 +69,8 @@ private:
     {
         std::string text;
         for (const image::eImageBufferType type : m_property->getAllowedImageBufferTypes())
-            text += (text.empty() ? "" : " or ") + toString(type);
+            text = text.empty() ? toString(type) : textOf(eImageRuleMessage::eEitherBufferType, text, toString(type));
         return text;
-    }
-    static std::string pair(unsigned long found, unsigned long computed)
-    {
-        return std::to_string(found) + " against " + std::to_string(computed);
     }
 
     boost::shared_ptr<BaseCustomCheckedImageProperty> m_property;
@@ -91,9 +88,9 @@ void BaseCustomCheckedImageProperty::initBase(const WeakImage& input)
 boost::shared_ptr<const image::BaseImage> BaseCustomCheckedImageProperty::getInputImage() const
 {
     const boost::shared_ptr<const BaseImageAttribute> input = m_input.lock();
-    if (!input) {
-        ORVIK_THROW_PROCESSING("Attribute weak pointer has expired, can't get it");
-    }
+    if (!input)
+        ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
+                    processor::eRuleMessage::eAttributeExpired);
     return input->getImage();
 }
 

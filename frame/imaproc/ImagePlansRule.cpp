@@ -1,6 +1,6 @@
 #include "frame/imaproc/ImageRules.h"
 
-#include "frame/imaproc/AttributeImages.h"
+#include "frame/imaproc/ImageRuleParts.h"
 
 namespace orvik { namespace imaproc {
 
@@ -33,18 +33,18 @@ public:
     }
     std::string createRuleFormalString() const override
     {
-        return "entries of " + getAttribute1()->getObjectName() + " are the " + elements() + " of "
-               + getAttribute2()->getObjectName();
+        return textOf(m_policy == eIPMP_Planes ? eImageRuleMessage::ePlanesMatch : eImageRuleMessage::eVolumesMatch,
+                      getAttribute1()->getObjectName(), getAttribute2()->getObjectName());
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
         const boost::shared_ptr<const BaseAttribute> coll = getAttribute1(), image = getAttribute2();
-        std::string text = createRuleEvaluatedStartString(depth) + createRuleFormalString();
+        std::string text = createRuleFormalString();
         if (coll->hasValue() && image->hasValue())
-            text += ": " + std::to_string(planIndexed(*coll)->getNbPlans()) + " entries, "
-                    + std::to_string(plansOf(sizesOf(*image), m_policy).size()) + " " + elements() + " in "
-                    + readSizes(*image);
-        return text + "\n";
+            text = textOf(m_policy == eIPMP_Planes ? eImageRuleMessage::ePlanesFound : eImageRuleMessage::eVolumesFound, text,
+                          std::to_string(planIndexed(*coll)->getNbPlans()),
+                          std::to_string(plansOf(sizesOf(*image), m_policy).size()), readSizes(*image));
+        return createRuleEvaluatedStartString(depth) + text + "\n";
     }
 
 private:
@@ -52,7 +52,6 @@ private:
     {
         return static_cast<const BasePlanIndexedAttribute&>(attribute).accessStorage();
     }
-    std::string elements() const { return m_policy == eIPMP_Planes ? "planes (z, c, t)" : "volumes (0, c, t)"; }
 
     eImagePlansMatchPolicy m_policy;
 };

@@ -1,7 +1,7 @@
 #include "frame/imaproc/ImageRules.h"
 
 #include "frame/image/SharedMemory.h"
-#include "frame/imaproc/AttributeImages.h"
+#include "frame/imaproc/ImageRuleParts.h"
 
 namespace orvik { namespace imaproc {
 
@@ -15,11 +15,10 @@ const image::BaseImageFragment& stripOf(const BaseAttribute& attribute)
     return *static_cast<const BaseStripAttribute&>(attribute).getImageStrip();
 }
 
-/// What a comparison needs to know: what it compares, whether it holds, how one side reads.
+/// What a comparison needs to know: what it says of two sides, whether it holds, how one side reads.
 struct Comparison
 {
-    const char* noun;
-    const char* relation;
+    eImageRuleMessage::domain message;
     bool (*holds)(const BaseAttribute&, const BaseAttribute&);
     std::string (*read)(const BaseAttribute&);
 };
@@ -38,23 +37,20 @@ public:
     }
     std::string createRuleFormalString() const override
     {
-        return text(this->getAttribute1()->getObjectName(), this->getAttribute2()->getObjectName());
+        return textOf(m_comparison.message, this->getAttribute1()->getObjectName(), this->getAttribute2()->getObjectName());
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
         return this->createRuleEvaluatedStartString(depth)
-               + text(evaluated(*this->getAttribute1()), evaluated(*this->getAttribute2())) + "\n";
+               + textOf(m_comparison.message, evaluated(*this->getAttribute1()), evaluated(*this->getAttribute2())) + "\n";
     }
 
 private:
-    std::string text(const std::string& a, const std::string& b) const
-    {
-        return std::string(m_comparison.noun) + " of " + a + " " + m_comparison.relation + " that of " + b;
-    }
     std::string evaluated(const BaseAttribute& attribute) const
     {
-        return attribute.getObjectName() + " (" + (attribute.hasValue() ? m_comparison.read(attribute) : "no value yet")
-               + ")";
+        return attribute.hasValue()
+                   ? textOf(eImageRuleMessage::eSideWithValue, attribute.getObjectName(), m_comparison.read(attribute))
+                   : textOf(eImageRuleMessage::eSideWithoutValue, attribute.getObjectName());
     }
 
     const Comparison& m_comparison;
@@ -68,63 +64,68 @@ RulePtr compare(const Comparison& comparison, const processor::WeakAttribute& a,
     return rule;
 }
 
-const Comparison g_size = {"size X x Y x Z x C x T", "equals",
+const Comparison g_size = {eImageRuleMessage::eEqualSizes,
                            [](const BaseAttribute& a, const BaseAttribute& b) { return sizesOf(a) == sizesOf(b); },
                            &readSizes};
-const Comparison g_sizeX = {"size X", "equals",
+const Comparison g_sizeX = {eImageRuleMessage::eEqualSizeX,
                             [](const BaseAttribute& a, const BaseAttribute& b) { return sizesOf(a).x == sizesOf(b).x; },
                             &readSizes};
-const Comparison g_sizeY = {"size Y", "equals",
+const Comparison g_sizeY = {eImageRuleMessage::eEqualSizeY,
                             [](const BaseAttribute& a, const BaseAttribute& b) { return sizesOf(a).y == sizesOf(b).y; },
                             &readSizes};
-const Comparison g_sizeZ = {"size Z", "equals",
+const Comparison g_sizeZ = {eImageRuleMessage::eEqualSizeZ,
                             [](const BaseAttribute& a, const BaseAttribute& b) { return sizesOf(a).z == sizesOf(b).z; },
                             &readSizes};
-const Comparison g_sizeZct = {"number of planes Z x C x T", "equals",
+const Comparison g_sizeZct = {eImageRuleMessage::eEqualNbPlanes,
                               [](const BaseAttribute& a, const BaseAttribute& b) {
                                   return sizesOf(a).z == sizesOf(b).z && sizesOf(a).c == sizesOf(b).c
                                          && sizesOf(a).t == sizesOf(b).t;
                               },
                               &readSizes};
-const Comparison g_bufferType = {"buffer type", "equals",
+const Comparison g_bufferType = {eImageRuleMessage::eEqualBufferTypes,
                                  [](const BaseAttribute& a, const BaseAttribute& b) {
                                      return imageOf(a).getBufferType() == imageOf(b).getBufferType();
                                  },
                                  [](const BaseAttribute& a) { return toString(imageOf(a).getBufferType()); }};
-const Comparison g_colorGeometry = {"colour geometry", "equals",
+const Comparison g_colorGeometry = {eImageRuleMessage::eEqualColorGeometries,
                                     [](const BaseAttribute& a, const BaseAttribute& b) {
                                         return imageOf(a).getGeometry().getColorGeometryType()
                                                == imageOf(b).getGeometry().getColorGeometryType();
                                     },
-                                    [](const BaseAttribute& a) { return std::to_string(sizesOf(a).c) + " channels"; }};
-const Comparison g_volumeGeometry = {"volume geometry", "equals",
+                                    [](const BaseAttribute& a) {
+                                        return textOf(eImageRuleMessage::eNbChannels, std::to_string(sizesOf(a).c));
+                                    }};
+const Comparison g_volumeGeometry = {eImageRuleMessage::eEqualVolumeGeometries,
                                      [](const BaseAttribute& a, const BaseAttribute& b) {
                                          return imageOf(a).getGeometry().getVolumeGeometryType()
                                                 == imageOf(b).getGeometry().getVolumeGeometryType();
                                      },
-                                     [](const BaseAttribute& a) { return std::to_string(sizesOf(a).z) + " slices"; }};
-const Comparison g_notInSitu = {"memory", "differs from",
+                                     [](const BaseAttribute& a) {
+                                         return textOf(eImageRuleMessage::eNbSlices, std::to_string(sizesOf(a).z));
+                                     }};
+const Comparison g_notInSitu = {eImageRuleMessage::eDifferentMemory,
                                 [](const BaseAttribute& a, const BaseAttribute& b) {
                                     return !shareMemory(imageOf(a), imageOf(b));
                                 },
                                 [](const BaseAttribute& a) {
-                                    return "at " + std::to_string(reinterpret_cast<std::size_t>(imageOf(a).getLine(0)));
+                                    const std::size_t address = reinterpret_cast<std::size_t>(imageOf(a).getLine(0));
+                                    return textOf(eImageRuleMessage::eAddress, std::to_string(address));
                                 }};
-const Comparison g_inSituOrApart = {"memory", "is, or lies apart from,",
+const Comparison g_inSituOrApart = {eImageRuleMessage::eSameOrDifferentMemory,
                                     [](const BaseAttribute& a, const BaseAttribute& b) {
                                         return isSame(imageOf(a), imageOf(b)) || !shareMemory(imageOf(a), imageOf(b));
                                     },
                                     g_notInSitu.read};
-const Comparison g_stripSize = {"size of the strip, X x lines,", "equals",
+const Comparison g_stripSize = {eImageRuleMessage::eEqualStripSizes,
                                 [](const BaseAttribute& a, const BaseAttribute& b) {
                                     return stripOf(a).getSizeX() == stripOf(b).getSizeX()
                                            && stripOf(a).getNbLines() == stripOf(b).getNbLines();
                                 },
                                 [](const BaseAttribute& a) {
-                                    return std::to_string(stripOf(a).getSizeX()) + " x "
-                                           + std::to_string(stripOf(a).getNbLines());
+                                    return textOf(eImageRuleMessage::eStripSize, std::to_string(stripOf(a).getSizeX()),
+                                                  std::to_string(stripOf(a).getNbLines()));
                                 }};
-const Comparison g_stripBufferType = {"buffer type of the strip", "equals",
+const Comparison g_stripBufferType = {eImageRuleMessage::eEqualStripBufferTypes,
                                       [](const BaseAttribute& a, const BaseAttribute& b) {
                                           return stripOf(a).getBufferType() == stripOf(b).getBufferType();
                                       },

@@ -1,6 +1,6 @@
 #include "frame/imaproc/ScalarToImageSizeRule.h"
 
-#include "frame/imaproc/AttributeImages.h"
+#include "frame/imaproc/ImageRuleParts.h"
 
 namespace orvik { namespace imaproc {
 
@@ -25,20 +25,22 @@ bool BaseRuleMatchScalarToImageSize::testRule() const
 
 std::string BaseRuleMatchScalarToImageSize::createRuleFormalString() const
 {
-    return retrieveValueAttributeName() + " is not negative, and beyond " + (m_scale == eMISS_Half ? "half of " : "")
-           + (m_type == eMIST_MinXYZ ? "the smallest of X, Y and Z" : "the smaller of X and Y") + " of "
-           + getAttribute1()->getObjectName() + " narrowed to it";
+    const bool half = m_scale == eMISS_Half;
+    return textOf(m_type == eMIST_MinXYZ
+                      ? half ? eImageRuleMessage::eScalarInHalfXYZ : eImageRuleMessage::eScalarInXYZ
+                      : half ? eImageRuleMessage::eScalarInHalfXY : eImageRuleMessage::eScalarInXY,
+                  retrieveValueAttributeName(), getAttribute1()->getObjectName());
 }
 
 std::string BaseRuleMatchScalarToImageSize::createRuleEvaluatedString(unsigned int depth) const
 {
-    std::string text = createRuleEvaluatedStartString(depth) + createRuleFormalString();
+    std::string text = createRuleFormalString();
     if (getAttribute2()->hasValue())
-        text += ": " + std::to_string(retrieveValue());
+        text = textOf(eImageRuleMessage::eScalarFound, text, std::to_string(retrieveValue()));
     const boost::shared_ptr<const processor::BaseAttribute> image = getAttribute1();
     if (image->hasValue())
-        text += ", image " + readSizes(*image);
-    return text + "\n";
+        text = textOf(eImageRuleMessage::eScalarImageFound, text, readSizes(*image));
+    return createRuleEvaluatedStartString(depth) + text + "\n";
 }
 
 }}  // namespace orvik::imaproc
