@@ -24,8 +24,9 @@ endforeach()
 install(DIRECTORY include/public/ DESTINATION ${headers} COMPONENT development FILES_MATCHING PATTERN "*.h")
 file(GLOB_RECURSE headers_of_users RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS
   ${CMAKE_SOURCE_DIR}/frame/*.h ${CMAKE_SOURCE_DIR}/frame/*.inc ${CMAKE_SOURCE_DIR}/siblings/*Lvl1.h)
-list(FILTER headers_of_users EXCLUDE REGEX "^frame/(simd/|core/(Environment|RunState)|image/ImageLines\
-|imaproc/(FunctionForms|ImageSplits|PlanIndexedInitializers|Stages)\
+list(FILTER headers_of_users EXCLUDE REGEX "^frame/(simd/\
+|core/(BackgroundRuns|Environment|RunState|StageRun|TaskHandOver|ThreadPool)|image/(ImageLines|SharedMemory)\
+|imaproc/(FunctionForms|ImageRuleParts|ImageSplits|PlanIndexedInitializers|Stages)\
 |processor/(Dispatcher|KernelRegistrator|Split|ValueArchiving)|util/FrameMessages)")
 list(APPEND headers_of_users
   siblings/AdvancedMorphology/Library.h siblings/Filtering/Library.h siblings/Utility/Library.h)

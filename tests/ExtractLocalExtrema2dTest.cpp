@@ -276,12 +276,17 @@ TEST(Extrema, RefuseWhatDoesNotFitInWords)
               thrownText<Refusal>([] { extractLocalExtrema2d(nullptr, 1, 1); }));
     EXPECT_NE(std::string::npos, thrownText<Refusal>([&] { extractLocalExtrema2d(stack, 1, 1); })
                                      .find("failed: entries of OutPIPixels2d are the planes (z, c, t) of InImg: 1 entries, 2 planes"));
-    EXPECT_NE(std::string::npos,
-              thrownText<Refusal>([&] { multiSlice_extractLocalExtrema2d(stack, 1, static_cast<unsigned int>(-1)); })
-                  .find("failed: InFeaturesDistY is 4294967295, it must be at most 2147483647"));
-    // The largest one that is served sees the whole image.
-    setSample(*plane, 5, 2, 1);
-    EXPECT_EQ((List{{2, 1, 5}}), listOf(*extractLocalExtrema2d(plane, 2147483647u, 2147483647u)));
+}
+
+TEST(Extrema, WithinAnyDistanceBeyondTheImageAreThoseOfItsSize)
+{
+    const ImagePtr plane = randomImage(image::eIBT_Int16, {40, 30}, 8);
+    for (const unsigned int distX : {3u, 40u}) {
+        const List expected = listOf(*extractLocalExtrema2d(plane, distX, 30));
+        EXPECT_LE(distX == 3 ? 2u : 1u, expected.size());
+        for (const unsigned int beyond : {3000000000u, 4294967295u})
+            EXPECT_EQ(expected, listOf(*extractLocalExtrema2d(plane, distX == 3 ? distX : beyond, beyond)));
+    }
 }
 
 }  // namespace

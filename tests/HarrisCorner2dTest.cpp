@@ -143,7 +143,6 @@ TEST(HarrisCorner2d, RefusesBeforeAnyWorkAndSaysWhy)
     };
     expectPart("failed: InOptGradStdDev is 0, it must be a finite number above 0", [&] { harrisCorner2d(in, 0.0f, 5, 1); });
     expectPart("OutPIPixels2d", [&] { harrisCorner2d(planes, 5, 1); });
-    expectPart("InFeaturesDistX", [&] { harrisCorner2d(in, 5, 2147483648u); });
     expectPart("mandatory attribute InImg has no value", [&] { multiSlice_harrisCorner2d(nullptr, 5, 1); });
     const auto processor = harrisCorner2d_async(planes, 5, 1);
     expectPart("OutPIPixels2d", [&] { getAsyncProcessorOutput(processor); });

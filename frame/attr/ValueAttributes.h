@@ -16,9 +16,6 @@ using InOptRecord = processor::InputOptionalDataItem<Record>;
 template<class Record>
 using OutRecord = processor::OutputDataItem<Record>;
 
-/// Beyond it the extent of a neighbourhood would not fit into 32 bits; most such values are negative numbers gone wrong.
-constexpr unsigned int g_maxFeaturesDist = 2147483647u;
-
 #define ORVIK_ROLE(Role, ...) ORVIK_##Role(__VA_ARGS__)
 #include "frame/attr/ValueAttributes.inc"
 #undef ORVIK_ROLE

@@ -1,7 +1,7 @@
 #include "frame/core/BaseAction.h"
 
+#include "frame/core/BackgroundRuns.h"
 #include "frame/core/RunState.h"
-#include "frame/core/Scheduler.h"
 #include "frame/util/FrameMessages.h"
 
 #include <algorithm>

@@ -7,23 +7,26 @@ namespace orvik { namespace imaproc {
 
 namespace {
 
-[[noreturn]] void throwInitializerFailure(const char* text)
+template<class... Arguments>
+std::string textOf(eImageInitializerMessage::domain message, const Arguments&... arguments)
 {
-    ORVIK_THROW_PROCESSING(text);
+    return messageText(getORVIKImageProcessingLogMessageManager(), message, arguments...);
 }
 
 boost::shared_ptr<const BaseImageAttribute> lockInput(const WeakImage& input)
 {
     const boost::shared_ptr<const BaseImageAttribute> locked = input.lock();
     if (!locked)
-        throwInitializerFailure("Attribute weak pointer has expired, can't get it");
+        ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
+                    processor::eOutputInitializerMessage::eAttributeExpired);
     return locked;
 }
 
 void checkInput(const WeakImage& input)
 {
     if (!input.lock())
-        throwInitializerFailure("Input attribute should not be null");
+        ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
+                    processor::eOutputInitializerMessage::eNullAttribute);
 }
 
 /// The image of an attribute; false with its name when there is none.
@@ -31,7 +34,7 @@ BoolResult imageOf(const WeakImage& input, boost::shared_ptr<const image::BaseIm
 {
     const boost::shared_ptr<const BaseImageAttribute> attribute = lockInput(input);
     image = attribute->getImage();
-    return image ? success() : failure("Attribute " + attribute->getObjectName() + " has no value, no output can be made");
+    return image ? success() : failure(textOf(eImageInitializerMessage::eInputUnset, attribute->getObjectName()));
 }
 
 }  // namespace
@@ -75,8 +78,8 @@ BoolResult BaseImageProcessingOutputInitializer::initAttribute()
 
 std::string BaseImageProcessingOutputInitializer::createInitializerFormalString() const
 {
-    return getOutputAttribute()->getObjectName() + ": a new image of the size of " + lockInput(m_input)->getObjectName()
-           + ", " + getDescription();
+    return textOf(eImageInitializerMessage::eLikeInput, getOutputAttribute()->getObjectName(),
+                  lockInput(m_input)->getObjectName(), getDescription());
 }
 
 std::string BaseImageProcessingOutputInitializer::createInitializerEvaluatedString() const
@@ -85,8 +88,8 @@ std::string BaseImageProcessingOutputInitializer::createInitializerEvaluatedStri
     const BoolResult result = getInput(input);
     if (!result)
         return result.getMessage();
-    return getOutputAttribute()->getObjectName() + ": a new image of size " + toString(getOutputSizes(*input)) + ", "
-           + toString(getOutputType(*input));
+    return textOf(eImageInitializerMessage::eNewImage, getOutputAttribute()->getObjectName(),
+                  toString(getOutputSizes(*input)), toString(getOutputType(*input)));
 }
 
 void BaseDuplicateImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
@@ -104,7 +107,7 @@ image::eImageBufferType BaseDuplicateImageInitializer::getOutputType(const image
 
 std::string BaseDuplicateImageInitializer::getDescription() const
 {
-    return image::isValid(m_type) ? toString(m_type) : "of its type";
+    return image::isValid(m_type) ? toString(m_type) : textOf(eImageInitializerMessage::eOfItsType);
 }
 
 void BasePromoteUnaryImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
@@ -127,7 +130,8 @@ boost::shared_ptr<const image::BaseImage> BaseFromImageCustomImageInfo::getInput
 {
     const boost::shared_ptr<const image::BaseImage> image = lockInput(m_input)->getImage();
     if (!image)
-        throwInitializerFailure("The input image of an output initializer has no value");
+        ORVIK_THROW(processor::ORVIKBaseProcessingException, g_imageProcessingLogSource,
+                    eImageInitializerMessage::eCustomInputUnset);
     return image;
 }
 
@@ -153,13 +157,13 @@ BoolResult BaseCustomImageInitializer::initAttribute()
 
 std::string BaseCustomImageInitializer::createInitializerFormalString() const
 {
-    return getOutputAttribute()->getObjectName() + ": a new image of a size computed from the inputs";
+    return textOf(eImageInitializerMessage::eAsComputed, getOutputAttribute()->getObjectName());
 }
 
 std::string BaseCustomImageInitializer::createInitializerEvaluatedString() const
 {
-    return getOutputAttribute()->getObjectName() + ": a new image of size " + toString(getSizes()) + ", "
-           + toString(m_info->getImageBufferType());
+    return textOf(eImageInitializerMessage::eNewImage, getOutputAttribute()->getObjectName(), toString(getSizes()),
+                  toString(m_info->getImageBufferType()));
 }
 
 void BaseFromImagePlanIndexedInitializer::initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
@@ -195,15 +199,17 @@ void BaseFromImagePlanIndexedInitializer::initPlanIndexed(unsigned long sizeZ, u
 
 std::string BaseFromImagePlanIndexedInitializer::createInitializerFormalString() const
 {
-    return getOutputAttribute()->getObjectName() + ": an empty entry per "
-           + (m_policy == eFIPIP_Planes ? "plane" : "volume") + " of " + lockInput(m_input)->getObjectName();
+    return textOf(m_policy == eFIPIP_Planes ? eImageInitializerMessage::eEntryPerPlane
+                                            : eImageInitializerMessage::eEntryPerVolume,
+                  getOutputAttribute()->getObjectName(), lockInput(m_input)->getObjectName());
 }
 
 std::string BaseFromImagePlanIndexedInitializer::createInitializerEvaluatedString() const
 {
     boost::shared_ptr<const image::BaseImage> input;
     const BoolResult result = imageOf(m_input, input);
-    return result.getValue() ? createInitializerFormalString() + " (" + toString(input->getGeometry().getSizes()) + ")"
+    return result.getValue() ? textOf(eImageInitializerMessage::eEntriesOf, createInitializerFormalString(),
+                                      toString(input->getGeometry().getSizes()))
                              : result.getMessage();
 }
 

@@ -1,6 +1,7 @@
 #include "frame/processor/AsyncProcessors.h"
 
 #include "frame/core/Scheduler.h"
+#include "frame/core/StageRun.h"
 
 namespace orvik { namespace processor {
 

@@ -6,18 +6,13 @@ namespace orvik { namespace processor {
 
 namespace {
 
-[[noreturn]] void throwInitializerFailure(const char* text)
-{
-    ORVIK_THROW_PROCESSING(text);
-}
-
 boost::shared_ptr<BaseAttribute> lockOutput(const boost::weak_ptr<BaseAttribute>& attribute, bool initialised)
 {
     if (!initialised)
-        throwInitializerFailure("Initialize output initializer before trying to use its data");
+        ORVIK_THROW(ORVIKBaseProcessingException, g_baseProcessingLogSource, eOutputInitializerMessage::eNotInitialised);
     const boost::shared_ptr<BaseAttribute> locked = attribute.lock();
     if (!locked)
-        throwInitializerFailure("Attribute weak pointer has expired, can't get it");
+        ORVIK_THROW(ORVIKBaseProcessingException, g_baseProcessingLogSource, eOutputInitializerMessage::eAttributeExpired);
     return locked;
 }
 
@@ -28,7 +23,7 @@ BaseOutputInitializer::~BaseOutputInitializer() = default;
 void BaseOutputInitializer::initBase(const boost::weak_ptr<BaseAttribute>& outputAttribute)
 {
     if (!outputAttribute.lock())
-        throwInitializerFailure("Input attribute should not be null");
+        ORVIK_THROW(ORVIKBaseProcessingException, g_baseProcessingLogSource, eOutputInitializerMessage::eNullAttribute);
     m_outputAttribute = outputAttribute;
     m_initialised = true;
 }
@@ -41,6 +36,12 @@ boost::shared_ptr<const BaseAttribute> BaseOutputInitializer::getOutputAttribute
 boost::shared_ptr<BaseAttribute> BaseOutputInitializer::getOutputAttribute()
 {
     return lockOutput(m_outputAttribute, m_initialised);
+}
+
+std::string BaseOutputInitializer::describeNewRecord(const std::string& recordName) const
+{
+    return messageText(getORVIKBaseProcessingLogMessageManager(), eOutputInitializerMessage::eNewRecord,
+                       getOutputAttribute()->getObjectName(), recordName);
 }
 
 BoolResult BaseOutputInitializer::initOutputAttribute()

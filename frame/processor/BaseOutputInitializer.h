@@ -33,6 +33,10 @@ public:
     virtual std::string createInitializerFormalString() const = 0;
     virtual std::string createInitializerEvaluatedString() const = 0;
 
+protected:
+    /// What an initialiser says that makes an empty record.
+    std::string describeNewRecord(const std::string& recordName) const;
+
 private:
     boost::weak_ptr<BaseAttribute> m_outputAttribute;
     bool m_initialised = false;
@@ -53,10 +57,7 @@ public:
         static_cast<A&>(*getOutputAttribute()).init(A::Entry::createNode());
         return success();
     }
-    std::string createInitializerFormalString() const override
-    {
-        return getOutputAttribute()->getObjectName() + ": a new " + A::Entry::getRecordName();
-    }
+    std::string createInitializerFormalString() const override { return describeNewRecord(A::Entry::getRecordName()); }
     std::string createInitializerEvaluatedString() const override { return createInitializerFormalString(); }
 };
 

@@ -8,9 +8,10 @@ namespace orvik { namespace processor {
 
 namespace {
 
-[[noreturn]] void throwRuleFailure(const char* text)
+template<class... Arguments>
+std::string textOf(eRuleMessage::domain message, const Arguments&... arguments)
 {
-    ORVIK_THROW_PROCESSING(text);
+    return messageText(getORVIKBaseProcessingLogMessageManager(), message, arguments...);
 }
 
 class CombinedRule : public BaseRule
@@ -26,11 +27,12 @@ public:
     bool testRule() const override { return m_a->testRule() && m_b->testRule(); }
     std::string createRuleFormalString() const override
     {
-        return m_a->createRuleFormalString() + " && " + m_b->createRuleFormalString();
+        return textOf(eRuleMessage::eBothHold, m_a->createRuleFormalString(), m_b->createRuleFormalString());
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
-        return createRuleEvaluatedStartString(depth) + "all hold:\n" + createListOf(*this, depth + 1);
+        return createRuleEvaluatedStartString(depth) + textOf(eRuleMessage::eAllHold) + "\n"
+               + createListOf(*this, depth + 1);
     }
 
 private:
@@ -55,15 +57,16 @@ public:
     bool testRule() const override { return m_condition->testRule() ? m_then->testRule() : m_else->testRule(); }
     std::string createRuleFormalString() const override
     {
-        return "If(" + m_condition->createRuleFormalString() + ", " + m_then->createRuleFormalString() + ", "
-               + m_else->createRuleFormalString() + ")";
+        return textOf(eRuleMessage::eIf, m_condition->createRuleFormalString(), m_then->createRuleFormalString(),
+                      m_else->createRuleFormalString());
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
         const bool condition = m_condition->testRule();
-        return createRuleEvaluatedStartString(depth) + "as " + m_condition->createRuleFormalString()
-               + (condition ? " holds:\n" : " does not hold:\n")
-               + (condition ? m_then : m_else)->createRuleEvaluatedString(depth + 1);
+        return createRuleEvaluatedStartString(depth)
+               + textOf(condition ? eRuleMessage::eAsConditionHolds : eRuleMessage::eAsConditionFails,
+                        m_condition->createRuleFormalString())
+               + "\n" + (condition ? m_then : m_else)->createRuleEvaluatedString(depth + 1);
     }
 
 private:
@@ -75,10 +78,11 @@ class NotRule : public CombinedRule
 public:
     explicit NotRule(const RulePtr& a) : m_a(a) {}
     bool testRule() const override { return !m_a->testRule(); }
-    std::string createRuleFormalString() const override { return "Not(" + m_a->createRuleFormalString() + ")"; }
+    std::string createRuleFormalString() const override { return textOf(eRuleMessage::eNot, m_a->createRuleFormalString()); }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
-        return createRuleEvaluatedStartString(depth) + "does not hold:\n" + m_a->createRuleEvaluatedString(depth + 1);
+        return createRuleEvaluatedStartString(depth) + textOf(eRuleMessage::eDoesNotHold) + "\n"
+               + m_a->createRuleEvaluatedString(depth + 1);
     }
 
 private:
@@ -89,37 +93,18 @@ class NoneRule : public CombinedRule
 {
 public:
     bool testRule() const override { return true; }
-    std::string createRuleFormalString() const override { return "none"; }
+    std::string createRuleFormalString() const override { return textOf(eRuleMessage::eNone); }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
-        return createRuleEvaluatedStartString(depth) + "no condition\n";
+        return createRuleEvaluatedStartString(depth) + textOf(eRuleMessage::eNoCondition) + "\n";
     }
 };
 
-class AtMostRule : public BaseValuePropertyRule
+void checkNotNull(const WeakAttribute& attribute)
 {
-public:
-    explicit AtMostRule(unsigned int limit) : m_limit(limit) {}
-    eValueRuleType getValueRuleType() const override { return eVRT_Property; }
-    bool testRule() const override { return getValue() <= m_limit; }
-    std::string createRuleFormalString() const override
-    {
-        return getAttribute1()->getObjectName() + " is at most " + std::to_string(m_limit);
-    }
-    std::string createRuleEvaluatedString(unsigned int depth) const override
-    {
-        return createRuleEvaluatedStartString(depth) + getAttribute1()->getObjectName() + " is " + std::to_string(getValue())
-               + ", it must be at most " + std::to_string(m_limit) + "\n";
-    }
-
-private:
-    unsigned int getValue() const
-    {
-        return static_cast<const BaseValueAttribute<unsigned int>&>(*getAttribute1()).getStorage();
-    }
-
-    const unsigned int m_limit;
-};
+    if (!attribute.lock())
+        ORVIK_THROW(ORVIKBaseProcessingException, g_baseProcessingLogSource, eRuleMessage::eNullAttribute);
+}
 
 }  // namespace
 
@@ -127,15 +112,14 @@ BaseRule::~BaseRule() = default;
 
 std::string BaseRule::createRuleEvaluatedStartString(unsigned int depth) const
 {
-    return std::string(2 * depth, ' ') + (testRule() ? "ok: " : "failed: ");
+    return std::string(2 * depth, ' ') + textOf(testRule() ? eRuleMessage::eHolds : eRuleMessage::eFails);
 }
 
 BaseAttributeRule::~BaseAttributeRule() = default;
 
 void BaseAttributeRule::initBase(const WeakAttribute& attribute1)
 {
-    if (!attribute1.lock())
-        throwRuleFailure("Input attribute should not be null");
+    checkNotNull(attribute1);
     m_attribute1 = attribute1;
     m_nbAttributes = 1;
 }
@@ -143,8 +127,7 @@ void BaseAttributeRule::initBase(const WeakAttribute& attribute1)
 void BaseAttributeRule::initBase(const WeakAttribute& attribute1, const WeakAttribute& attribute2)
 {
     initBase(attribute1);
-    if (!attribute2.lock())
-        throwRuleFailure("Input attribute should not be null");
+    checkNotNull(attribute2);
     m_attribute2 = attribute2;
     m_nbAttributes = 2;
 }
@@ -152,10 +135,10 @@ void BaseAttributeRule::initBase(const WeakAttribute& attribute1, const WeakAttr
 boost::shared_ptr<const BaseAttribute> BaseAttributeRule::lock(const WeakAttribute& attribute, bool initialised)
 {
     if (!initialised)
-        throwRuleFailure("Initialize rule before trying to use its data");
+        ORVIK_THROW(ORVIKBaseProcessingException, g_baseProcessingLogSource, eRuleMessage::eNotInitialised);
     const boost::shared_ptr<const BaseAttribute> locked = attribute.lock();
     if (!locked)
-        throwRuleFailure("Attribute weak pointer has expired, can't get it");
+        ORVIK_THROW(ORVIKBaseProcessingException, g_baseProcessingLogSource, eRuleMessage::eAttributeExpired);
     return locked;
 }
 
@@ -169,7 +152,7 @@ bool RuleOptionalIsSet::testRule() const
 
 std::string RuleOptionalIsSet::createRuleFormalString() const
 {
-    return getAttribute1()->getObjectName() + " is set";
+    return textOf(eRuleMessage::eIsSet, getAttribute1()->getObjectName());
 }
 
 std::string RuleOptionalIsSet::createRuleEvaluatedString(unsigned int depth) const
@@ -195,13 +178,6 @@ RulePtr If(const RulePtr& condition, const RulePtr& thenRule, const RulePtr& els
 RulePtr Not(const RulePtr& a)
 {
     return boost::make_shared<NotRule>(a);
-}
-
-RulePtr atMost(const WeakAttribute& attribute, unsigned int limit)
-{
-    const boost::shared_ptr<AtMostRule> rule = boost::make_shared<AtMostRule>(limit);
-    rule->initBase(attribute);
-    return rule;
 }
 
 RulePtr none()

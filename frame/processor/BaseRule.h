@@ -203,8 +203,6 @@ ORVIK_API RulePtr If(const RulePtr& condition, const RulePtr& thenRule, const Ru
 ORVIK_API RulePtr Not(const RulePtr& a);
 /// Always holds.
 ORVIK_API RulePtr none();
-/// An attribute of an unsigned 32-bit value does not exceed a limit.
-ORVIK_API RulePtr atMost(const WeakAttribute& attribute, unsigned int limit);
 /// RuleOptionalIsSet on that attribute.
 ORVIK_API RulePtr isSet(const WeakAttribute& attribute);
 

@@ -2,7 +2,7 @@
 
 #include "frame/util/Log.h"
 
-// The frame's own catalogues. Numbers are fixed: they are referred to from outside.
+// The frame's own catalogues. The numbers that stand here are fixed: they are referred to from outside.
 
 namespace orvik {
 
@@ -28,6 +28,34 @@ struct eAlgorithmFunctionMessage
     enum domain { eRegistrationFailed = 12 };
 };
 
+/// What rules and their combinations say.
+struct eRuleMessage
+{
+    enum domain {
+        eAttributeExpired,
+        eNotInitialised,
+        eNullAttribute,
+        eHolds,
+        eFails,
+        eBothHold,
+        eAllHold,
+        eIf,
+        eAsConditionHolds,
+        eAsConditionFails,
+        eNot,
+        eDoesNotHold,
+        eNone,
+        eNoCondition,
+        eIsSet
+    };
+};
+
+/// What initialisers of outputs say.
+struct eOutputInitializerMessage
+{
+    enum domain { eAttributeExpired, eNotInitialised, eNullAttribute, eNewRecord };
+};
+
 ORVIK_API extern const LogSource g_baseProcessingLogSource;
 
 }  // namespace processor
@@ -37,6 +65,65 @@ namespace imaproc {
 struct eImageMessage
 {
     enum domain { eInvalidImage = 0 };
+};
+
+/// What rules on images and strips say.
+struct eImageRuleMessage
+{
+    enum domain {
+        eEqualSizes,
+        eEqualSizeX,
+        eEqualSizeY,
+        eEqualSizeZ,
+        eEqualNbPlanes,
+        eEqualBufferTypes,
+        eEqualColorGeometries,
+        eEqualVolumeGeometries,
+        eDifferentMemory,
+        eSameOrDifferentMemory,
+        eEqualStripSizes,
+        eEqualStripBufferTypes,
+        eSideWithValue,
+        eSideWithoutValue,
+        eNbChannels,
+        eNbSlices,
+        eAddress,
+        eStripSize,
+        ePlanesMatch,
+        ePlanesFound,
+        eVolumesMatch,
+        eVolumesFound,
+        eCheckedSizeX,
+        eCheckedSizeY,
+        eCheckedBufferType,
+        eAsComputed,
+        eSizeXAgainst,
+        eSizeYAgainst,
+        eBufferTypeAgainst,
+        eEitherBufferType,
+        eScalarInXY,
+        eScalarInHalfXY,
+        eScalarInXYZ,
+        eScalarInHalfXYZ,
+        eScalarFound,
+        eScalarImageFound
+    };
+};
+
+/// What initialisers of images, and of lists per plane, say.
+struct eImageInitializerMessage
+{
+    enum domain {
+        eInputUnset,
+        eCustomInputUnset,
+        eLikeInput,
+        eOfItsType,
+        eAsComputed,
+        eNewImage,
+        eEntryPerPlane,
+        eEntryPerVolume,
+        eEntriesOf
+    };
 };
 
 ORVIK_API extern const LogSource g_imageProcessingLogSource;

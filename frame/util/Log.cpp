@@ -1,4 +1,4 @@
-#include "frame/util/FrameMessages.h"
+#include "frame/util/Log.h"
 
 #include <log4cplus/logger.h>
 #include <log4cplus/loglevel.h>
@@ -27,16 +27,6 @@ void logMessageFailure(const char* function, const char* file, unsigned int line
     } catch (...) {
         // A log that can't be written may be the failure itself; the exception that follows tells of it.
     }
-}
-
-/// A catalogue with its rows, filled when it is first asked for.
-LogMessageManager& filled(const char* name, const std::string& domain,
-                          std::initializer_list<std::pair<int, const char*> > rows)
-{
-    LogMessageManager& manager = LogMessageManager::getInstance(name);
-    for (const std::pair<int, const char*>& row : rows)
-        manager.addMessage(domain, row.first, row.second);
-    return manager;
 }
 
 }  // namespace
@@ -81,53 +71,6 @@ log4cplus::Logger& imaproc::getORVIKImageProcessingLogger()
     static log4cplus::Logger& logger = makeLogger(".ORVIKImageProcessing");
     return logger;
 }
-
-LogMessageManager& getORVIKUtilLogMessageManager()
-{
-    static LogMessageManager& manager =
-        filled("ORVIKUtil", typeid(eORVIKUtilErrors::domain).name(),
-               {{eORVIKUtilErrors::eCopyNotSupported, "Objects of class %s can't be copied"}});
-    return manager;
-}
-
-LogMessageManager& getORVIKSerializationLogMessageManager()
-{
-    static LogMessageManager& manager =
-        filled("ORVIKSerialization", typeid(eORVIKSerializationMessage::domain).name(),
-               {{eORVIKSerializationMessage::eClassVersionTooRecent,
-                 "The archive holds version %2% of class %1%, which is more recent than the version in use (%3%)"}});
-    return manager;
-}
-
-LogMessageManager& processor::getORVIKBaseProcessingLogMessageManager()
-{
-    static LogMessageManager& manager = [] () -> LogMessageManager& {
-        filled("ORVIKBaseProcessing", typeid(eAlgorithmFunctionMessage::domain).name(),
-               {{eAlgorithmFunctionMessage::eRegistrationFailed, "Kernels could not be registered (%2%):\n%1%"}});
-        return filled("ORVIKBaseProcessing", typeid(eProcessorMessage::domain).name(),
-                      {{eProcessorMessage::eRunRefused, "%s refuses to run:\n%s"},
-                       {eProcessorMessage::eMandatoryAttributeMissing,
-                        "%s refuses to run: mandatory attribute %s has no value (unset or null)"},
-                       {eProcessorMessage::eRunFailed, "%s failed: %s"},
-                       {eProcessorMessage::eProcessorNotInitialised,
-                        "Processor %s has not been initialised, call init first"}});
-    }();
-    return manager;
-}
-
-LogMessageManager& imaproc::getORVIKImageProcessingLogMessageManager()
-{
-    static LogMessageManager& manager = filled("ORVIKImageProcessing", typeid(eImageMessage::domain).name(),
-                                               {{eImageMessage::eInvalidImage, "Invalid image: %s"}});
-    return manager;
-}
-
-const LogSource g_utilLogSource = {&getORVIKUtilLogger, &getORVIKUtilLogMessageManager};
-const LogSource g_serializationLogSource = {&getORVIKSerializationLogger, &getORVIKSerializationLogMessageManager};
-const LogSource processor::g_baseProcessingLogSource = {&getORVIKBaseProcessingLogger,
-                                                        &getORVIKBaseProcessingLogMessageManager};
-const LogSource imaproc::g_imageProcessingLogSource = {&getORVIKImageProcessingLogger,
-                                                       &getORVIKImageProcessingLogMessageManager};
 
 void logMessage(log4cplus::Logger& logger, const int& level, const std::string& message, const std::string& file,
                 int line)

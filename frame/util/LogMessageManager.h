@@ -68,6 +68,15 @@ private:
     std::vector<std::string> m_arguments;
 };
 
+/// A text of a catalogue with its arguments. The row is looked up now: not to be called before somebody wants to read it.
+template<class TDomain, class... Arguments>
+std::string messageText(const LogMessageManager& manager, const TDomain& value, const Arguments&... arguments)
+{
+    LogMessageFormater formater(manager);
+    static_cast<void>((formater[value] % ... % arguments));
+    return formater.string();
+}
+
 /// Adds the rows of one enumeration to its catalogue, once per process. `Derived` tells which catalogue and which rows.
 template<class E, class Derived>
 class MsgMapRegistrator

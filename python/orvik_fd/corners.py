@@ -87,8 +87,8 @@ def _harrisCorner2d(
         maxNbCorners: most corners that are listed; 0 lists none. Always to be given.
         threshold: least response that is listed, in the unit of harrisCorner2dImg. Default: none, so that on an image with
             few corners faint ones and such below 0 are listed.
-        featuresDistX, featuresDistY: half-sizes of the rectangle in pixels, 0 to 2147483647; 0 looks at no neighbours on
-            that axis. They may exceed the image.
+        featuresDistX, featuresDistY: half-sizes of the rectangle in pixels; 0 looks at no neighbours on that axis.
+            What exceeds the image, up to 4294967295, means all of it.
         featuresDist: both of them. This or the two are always to be given.
         progress: called with the fraction of the current stage that is done, or a bar of tqdm.
 

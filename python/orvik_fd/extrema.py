@@ -29,8 +29,8 @@ def _extractLocalExtrema2d(
 
     Arguments:
         inImg: one plane, of shape (y, x), any dtype that images have.
-        inFeaturesDistX, inFeaturesDistY: half-sizes of the rectangle in pixels, 0 to 2147483647; 0 looks at no
-            neighbours on that axis. They may exceed the image.
+        inFeaturesDistX, inFeaturesDistY: half-sizes of the rectangle in pixels; 0 looks at no neighbours on that
+            axis. What exceeds the image, up to 4294967295, means all of it.
         localExtremumType: eLET_Maxima and eLET_Minima list the first pixel of a plateau that fits into one rectangle, the
             strict types none of it. Default: eLET_Maxima.
         threshold: what a maximum must reach, a minimum must not exceed; values are compared as 32-bit floats. Default:

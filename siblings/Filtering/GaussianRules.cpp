@@ -1,5 +1,6 @@
 #include "siblings/Filtering/GaussianRules.h"
 
+#include "siblings/Filtering/FilteringMessages.h"
 #include "siblings/Filtering/GaussianWeights.h"
 
 #include "frame/attr/Records.h"
@@ -35,6 +36,12 @@ std::string toText(double value)
     return text.str();
 }
 
+template<class... Arguments>
+std::string textOf(eFilteringRuleMessage::domain message, const Arguments&... arguments)
+{
+    return messageText(getORVIKIPLFilteringLogMessageManager(), message, arguments...);
+}
+
 class FiniteAboveZero : public processor::BaseValuePropertyRule
 {
 public:
@@ -47,12 +54,14 @@ public:
     }
     std::string createRuleFormalString() const override
     {
-        return getAttribute1()->getObjectName() + " is a finite number above 0";
+        return textOf(eFilteringRuleMessage::eFiniteAboveZero, getAttribute1()->getObjectName());
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
-        return createRuleEvaluatedStartString(depth) + getAttribute1()->getObjectName() + " is "
-               + toText(m_read(*getAttribute1())) + ", it must be a finite number above 0\n";
+        return createRuleEvaluatedStartString(depth)
+               + textOf(eFilteringRuleMessage::eNotFiniteAboveZero, getAttribute1()->getObjectName(),
+                        toText(m_read(*getAttribute1())))
+               + "\n";
     }
 
 private:
@@ -67,15 +76,16 @@ public:
     bool testRule() const override { return !(halfSize() > g_maxGaussianHalfSize); }
     std::string createRuleFormalString() const override
     {
-        return "half-size of the kernel of " + getAttribute1()->getObjectName() + " and "
-               + getAttribute2()->getObjectName() + " is at most " + toText(g_maxGaussianHalfSize);
+        return textOf(eFilteringRuleMessage::eKernelFits, getAttribute1()->getObjectName(),
+                      getAttribute2()->getObjectName(), toText(g_maxGaussianHalfSize));
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {
-        return createRuleEvaluatedStartString(depth) + getAttribute1()->getObjectName() + " is "
-               + toText(stdDevOf(*getAttribute1())) + " and " + getAttribute2()->getObjectName() + " is "
-               + toText(coverageOf(*getAttribute2())) + ", which makes a kernel of half-size " + toText(halfSize())
-               + ", it must be at most " + toText(g_maxGaussianHalfSize) + "\n";
+        return createRuleEvaluatedStartString(depth)
+               + textOf(eFilteringRuleMessage::eKernelSize, getAttribute1()->getObjectName(),
+                        toText(stdDevOf(*getAttribute1())), getAttribute2()->getObjectName(),
+                        toText(coverageOf(*getAttribute2())), toText(halfSize()), toText(g_maxGaussianHalfSize))
+               + "\n";
     }
 
 private:

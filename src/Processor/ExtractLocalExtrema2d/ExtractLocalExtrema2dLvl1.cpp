@@ -18,9 +18,7 @@ ORVIK_DEFINE_PROCESSOR(ExtractLocalExtrema2dLvl1)
 
 processor::RulePtr ExtractLocalExtrema2dLvl1::createRule() const
 {
-    return matchImagePlans(attribute<OutPIPixels2d>(), attribute<InImg>(), eIPMP_Planes)
-           && processor::atMost(attribute<InFeaturesDistX>(), g_maxFeaturesDist)
-           && processor::atMost(attribute<InFeaturesDistY>(), g_maxFeaturesDist);
+    return matchImagePlans(attribute<OutPIPixels2d>(), attribute<InImg>(), eIPMP_Planes);
 }
 
 void ExtractLocalExtrema2dLvl1::initInitializers(processor::InitializerMap& initializers)

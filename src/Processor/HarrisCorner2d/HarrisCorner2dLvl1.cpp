@@ -25,8 +25,6 @@ processor::RulePtr HarrisCorner2dLvl1::createRule() const
     return matchImagePlans(attribute<OutPIPixels2d>(), in, eIPMP_Planes) && matchSize(in, wk1)
            && matchSizeAndType(wk1, wk2, wk3)
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
-           && processor::atMost(attribute<InFeaturesDistX>(), g_maxFeaturesDist)
-           && processor::atMost(attribute<InFeaturesDistY>(), g_maxFeaturesDist)
            // Known here, though the stages would refuse them, too: later the working images would have been written.
            && noInSitu(in, wk1) && noInSitu(in, wk2) && noInSitu(wk1, wk2) && noInSitu(wk1, wk3) && noInSitu(wk2, wk3);
 }

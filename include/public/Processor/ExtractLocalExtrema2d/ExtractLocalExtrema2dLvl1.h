@@ -18,8 +18,8 @@ class ExtractLocalExtrema2dLvl1;
 /// must beat all, so that a plateau gives none. Pixels outside the image hinder nothing.
 ///
 /// @param inImg  one plane, any of the eleven types.
-/// @param inFeaturesDistX, inFeaturesDistY  half-sizes of the rectangle in pixels, at most 2147483647; 0 looks at no
-/// neighbours on that axis. They may exceed the image.
+/// @param inFeaturesDistX, inFeaturesDistY  half-sizes of the rectangle in pixels; 0 looks at no neighbours on that axis.
+/// What exceeds the image, however far, means all of it.
 /// @param inOptLocalExtremaConfig  type, threshold and largest number; null or not given: all maxima. Values are compared
 /// with the threshold as 32-bit floats, `>=` for maxima and `<=` for minima, so whole numbers beyond 2^24 are seen
 /// rounded. Any type but the four reads as attr::eLET_Maxima.
@@ -27,10 +27,11 @@ class ExtractLocalExtrema2dLvl1;
 /// says. Equal values stand in no particular order, which is the same in every run. A pixel whose value is the lowest
 /// finite one of its type (the highest for minima), beyond it, or NaN is never listed; a NaN in its line within reach
 /// keeps a pixel from being listed, one in another line does not.
-/// @throws processor::ORVIKBaseProcessingException  for a null image, an image of several planes (use the multiSlice_
-/// form) or a distance that is too large; the text names the attribute and both values.
+/// @throws processor::ORVIKBaseProcessingException  for a null image or an image of several planes (use the multiSlice_
+/// form); the text names the attribute and both values.
 /// Cost: a few passes over the image, and some more with the logarithm of inFeaturesDistX; memory for
-/// 3 * inFeaturesDistY lines per thread, and for the list. The same list for any strips, threads and instruction set.
+/// 3 * inFeaturesDistY lines per thread, no more than 3 times those of the image, and for the list. The same list for any
+/// strips, threads and instruction set.
 ORVIK_API Ptr<attr::Pixels2d> extractLocalExtrema2d(
     const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
     const ConstPtr<attr::LocalExtremaConfig>& inOptLocalExtremaConfig);

@@ -17,14 +17,13 @@ class HarrisCorner2dLvl1;
 ///
 /// @param inImg  one plane of X by Y samples, any of the eleven types.
 /// @param maxNbCorners  most corners that are listed; 0 lists none.
-/// @param featuresDist  half-size of the rectangle along both axes in pixels, at most 2147483647; 0 looks at no
-/// neighbours: every pixel is listed. It may exceed the image.
+/// @param featuresDist  half-size of the rectangle along both axes in pixels; 0 looks at no neighbours: every
+/// pixel is listed. What exceeds the image, however far, means all of it.
 /// @return column and line of the centres of the pixels, whole numbers, and as value the response, in units of the
 /// squared sample per squared pixel. The gradient has standard deviation 1 pixel and coverage 4, the measure is that of
 /// Harris with k = 0.04, and there is no threshold: on an image with few corners, faint ones and such below 0 are listed.
 /// @throws processor::ORVIKBaseProcessingException  before any work: for a null image, an image of several planes (use
-/// the multiSlice_ form), a deviation or coverage that makes no kernel, a distance that is too large; the text names the
-/// attributes and their values.
+/// the multiSlice_ form), a deviation or coverage that makes no kernel; the text names the attributes and their values.
 /// Cost: that of harrisCorner2dImg and of extractLocalExtrema2d; three float images while it runs. The same list for any
 /// strips, threads and instruction set.
 ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg,
