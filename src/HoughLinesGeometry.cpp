@@ -74,7 +74,7 @@ private:
 
 processor::RulePtr accumulatorHasBins(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made)
 {
-    return boost::make_shared<AccumulatorRule>(input, made);
+    return makeTogether<AccumulatorRule>(input, made);
 }
 
 double thetaStepOf(const HoughLinesImgParams& params)

@@ -2,7 +2,7 @@
 
 #include "frame/core/BaseAction.h"
 
-#include <boost/make_shared.hpp>
+#include "frame/util/Arena.h"
 
 namespace orvik { namespace core {
 
@@ -22,7 +22,7 @@ BoolResult SingleActionProvider::queryNextAction(const BaseRequestOrigin&,
                                                  boost::shared_ptr<BaseActionRequest>& request, bool& hasMore,
                                                  boost::shared_ptr<BaseSerializationObject>&)
 {
-    request = m_action ? boost::make_shared<BaseActionRequest>(m_action) : boost::shared_ptr<BaseActionRequest>();
+    request = m_action ? makeTogether<BaseActionRequest>(m_action) : boost::shared_ptr<BaseActionRequest>();
     m_action.reset();
     hasMore = false;
     return success();

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 
 namespace orvik { namespace core {
 
@@ -38,15 +39,33 @@ void BaseRequestOrigin::reportProgress(unsigned long nbDone, unsigned long nbEle
         m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
 }
 
-BaseAction::BaseAction() : m_run(std::make_shared<RunState>()) {}
+BaseAction::BaseAction() = default;
 
 BaseAction::~BaseAction()
 {
     // The thread of a background run may hold the state a moment longer; by then the libraries that the callback and
     // the exception belong to may be gone.
+    if (!m_run)
+        return;
     const std::lock_guard<std::mutex> lock(m_run->mutex);
     m_run->progress = nullptr;
     m_run->failure = nullptr;
+}
+
+std::shared_ptr<RunState> BaseAction::getRunState() const
+{
+    return std::atomic_load(&m_run);
+}
+
+RunState& BaseAction::accessRunState()
+{
+    std::shared_ptr<RunState> state = getRunState();
+    if (!state) {
+        const std::shared_ptr<RunState> made = std::make_shared<RunState>();
+        if (std::atomic_compare_exchange_strong(&m_run, &state, made))
+            state = made;
+    }
+    return *state;
 }
 
 bool BaseAction::isComplexAction() const
@@ -65,6 +84,12 @@ void BaseAction::clearIntermediateData() noexcept {}
 
 BoolResult BaseAction::enterRun()
 {
+    try {
+        accessRunState();
+    } catch (...) {
+        m_hasNoMemory = true;
+        throw;
+    }
     const std::lock_guard<std::mutex> lock(m_run->mutex);
     if (m_run->running)
         return failure(getClassName() + " is running already");
@@ -157,33 +182,44 @@ BoolResult BaseAction::run(const eSynchroType& synchro)
 
 void BaseAction::waitForEnd() const
 {
-    std::unique_lock<std::mutex> lock(m_run->mutex);
-    m_run->ended.wait(lock, [this] { return !m_run->running; });
+    const std::shared_ptr<RunState> run = getRunState();
+    if (!run)
+        return;
+    std::unique_lock<std::mutex> lock(run->mutex);
+    run->ended.wait(lock, [&] { return !run->running; });
 }
 
 bool BaseAction::waitForEnd(unsigned long milliseconds) const
 {
+    const std::shared_ptr<RunState> run = getRunState();
+    if (!run)
+        return true;
     const unsigned long year = 365ul * 24 * 3600 * 1000;  // the clock's nanoseconds hold some hundreds of them
-    std::unique_lock<std::mutex> lock(m_run->mutex);
-    return m_run->ended.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, year)), [this] { return !m_run->running; });
+    std::unique_lock<std::mutex> lock(run->mutex);
+    return run->ended.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, year)), [&] { return !run->running; });
 }
 
 bool BaseAction::isRunning() const
 {
-    const std::lock_guard<std::mutex> lock(m_run->mutex);
-    return m_run->running;
+    const std::shared_ptr<RunState> run = getRunState();
+    if (!run)
+        return false;
+    const std::lock_guard<std::mutex> lock(run->mutex);
+    return run->running;
 }
 
 bool BaseAction::hasFailed() const
 {
-    const std::lock_guard<std::mutex> lock(m_run->mutex);
-    return m_run->failure != nullptr;
+    return getFailure() != nullptr;
 }
 
 std::exception_ptr BaseAction::getFailure() const
 {
-    const std::lock_guard<std::mutex> lock(m_run->mutex);
-    return m_run->failure;
+    const std::shared_ptr<RunState> run = getRunState();
+    if (!run)
+        return m_hasNoMemory ? std::make_exception_ptr(std::bad_alloc()) : nullptr;
+    const std::lock_guard<std::mutex> lock(run->mutex);
+    return run->failure;
 }
 
 std::string BaseAction::getErrorMessage() const
@@ -200,17 +236,21 @@ void BaseAction::rethrowFailure() const
 
 void BaseAction::requestCancellation()
 {
-    const std::lock_guard<std::mutex> lock(m_run->mutex);
-    if (!m_run->running)
+    const std::shared_ptr<RunState> run = getRunState();
+    if (!run)
         return;
-    m_run->cancelled = true;
+    const std::lock_guard<std::mutex> lock(run->mutex);
+    if (!run->running)
+        return;
+    run->cancelled = true;
     requestCancellationdDerived();
 }
 
 void BaseAction::setProgressCallback(const std::function<void(double)>& callback)
 {
-    const std::lock_guard<std::mutex> lock(m_run->progressMutex);
-    m_run->progress = callback;
+    RunState& run = accessRunState();
+    const std::lock_guard<std::mutex> lock(run.progressMutex);
+    run.progress = callback;
 }
 
 BaseComplexAction::BaseComplexAction() = default;

@@ -5,6 +5,7 @@
 
 #include <boost/smart_ptr/enable_shared_from_this.hpp>
 
+#include <atomic>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -74,6 +75,9 @@ protected:
     const BaseRequestOrigin& getOrigin() const { return m_origin; }
 
 private:
+    /// Null until the action is run as a root, or is told what to call; children of others never have one.
+    std::shared_ptr<RunState> getRunState() const;
+    RunState& accessRunState();
     BoolResult enterRun();
     std::exception_ptr getFailure() const;
     /// Runs, and gives back what ended the run, null for success.
@@ -83,6 +87,7 @@ private:
     static void runInBackgroundToEnd(boost::shared_ptr<BaseAction> self) noexcept;
 
     std::shared_ptr<RunState> m_run;
+    std::atomic<bool> m_hasNoMemory{false};  // a run failed since not even its state could be made
     BaseRequestOrigin m_origin;
     BasePriority m_priority;
 };

@@ -116,7 +116,7 @@ std::vector<image::eImageBufferType> BaseCustomCheckedImageProperty::getAllowedI
 
 RulePtr customImageProperty(const WeakImage& a, const boost::shared_ptr<BaseCustomCheckedImageProperty>& property)
 {
-    const boost::shared_ptr<CustomImagePropertyRule> rule = boost::make_shared<CustomImagePropertyRule>(property);
+    const boost::shared_ptr<CustomImagePropertyRule> rule = makeTogether<CustomImagePropertyRule>(property);
     rule->initBase(a);
     return rule;
 }

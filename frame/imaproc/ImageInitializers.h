@@ -139,7 +139,7 @@ processor::InitializerPtr duplicateInOut(const boost::shared_ptr<Out>& out, cons
                                          const eImageInitializerStoragePolicy& policy = eIISP_Local)
 {
     const boost::shared_ptr<DuplicateImageInitializer<In, Out> > initializer =
-        boost::make_shared<DuplicateImageInitializer<In, Out> >();
+        makeTogether<DuplicateImageInitializer<In, Out> >();
     initializer->init(out, in, type, policy);
     return initializer;
 }
@@ -149,7 +149,7 @@ processor::InitializerPtr promoteUnary(const boost::shared_ptr<Out>& out, const 
                                        const ePromoteUnaryType& promotion = ePUT_Real)
 {
     const boost::shared_ptr<PromoteUnaryImageInitializer<In, Out> > initializer =
-        boost::make_shared<PromoteUnaryImageInitializer<In, Out> >();
+        makeTogether<PromoteUnaryImageInitializer<In, Out> >();
     initializer->init(out, in, promotion);
     return initializer;
 }
@@ -158,7 +158,7 @@ template<class Out>
 processor::InitializerPtr customOutput(const boost::shared_ptr<Out>& out,
                                        const boost::shared_ptr<BaseCustomImageInfo>& info)
 {
-    const boost::shared_ptr<CustomImageInitializer<Out> > initializer = boost::make_shared<CustomImageInitializer<Out> >();
+    const boost::shared_ptr<CustomImageInitializer<Out> > initializer = makeTogether<CustomImageInitializer<Out> >();
     initializer->init(out, info);
     return initializer;
 }

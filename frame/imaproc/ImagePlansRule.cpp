@@ -61,7 +61,7 @@ private:
 RulePtr matchImagePlans(const boost::weak_ptr<const BasePlanIndexedAttribute>& coll, const WeakImage& image,
                         const eImagePlansMatchPolicy& policy)
 {
-    const boost::shared_ptr<ImagePlansRule> rule = boost::make_shared<ImagePlansRule>(policy);
+    const boost::shared_ptr<ImagePlansRule> rule = makeTogether<ImagePlansRule>(policy);
     rule->initBase(coll, image);
     return rule;
 }

@@ -59,7 +59,7 @@ private:
 template<class Base>
 RulePtr compare(const Comparison& comparison, const processor::WeakAttribute& a, const processor::WeakAttribute& b)
 {
-    const boost::shared_ptr<ComparisonRule<Base> > rule = boost::make_shared<ComparisonRule<Base> >(comparison);
+    const boost::shared_ptr<ComparisonRule<Base> > rule = makeTogether<ComparisonRule<Base> >(comparison);
     rule->initBase(a, b);
     return rule;
 }

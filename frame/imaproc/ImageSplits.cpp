@@ -25,6 +25,10 @@ BoolResult BaseSubImageSplit<Image>::getSubImage(unsigned long index, boost::sha
 {
     if (!m_image || index >= m_nbElements)
         return failure("There is no sub-image " + std::to_string(index) + " among " + std::to_string(m_nbElements));
+    if (m_nbElements == 1) {
+        subImage = m_image;
+        return success();
+    }
     const unsigned long sizeC = m_image->getSizeC();
     const PlanIndex plan(index % m_sizeZ, index / m_sizeZ % sizeC, index / (m_sizeZ * sizeC));
     subImage = m_image->getView(plan, m_sizeZ == 1 ? m_image->getSizeZ() : 1);

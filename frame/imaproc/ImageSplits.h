@@ -180,7 +180,7 @@ public:
     BoolResult processAttribute(processor::BaseProcessor& child, unsigned long start, unsigned long count,
                                 const core::BaseRequestOrigin&) override
     {
-        const auto strip = boost::make_shared<Strip>(this->m_image, PlanIndex(), start, count, m_margins);
+        const auto strip = makeTogether<Strip>(this->m_image, PlanIndex(), start, count, m_margins);
         if (m_inPlace) {
             const boost::shared_ptr<const image::SavedElements> atEnd = saveAt(start, start + count);
             strip->setNeighbours(m_atStart, atEnd);

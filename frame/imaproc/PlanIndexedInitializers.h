@@ -62,7 +62,7 @@ processor::InitializerPtr fromImage(const boost::shared_ptr<A>& out, const boost
                                     const eFromImagePlanIndexedPolicy& policy = eFIPIP_Planes)
 {
     const boost::shared_ptr<FromImagePlanIndexedInitializer<A> > initializer =
-        boost::make_shared<FromImagePlanIndexedInitializer<A> >();
+        makeTogether<FromImagePlanIndexedInitializer<A> >();
     initializer->initBase(out, in, policy);
     return initializer;
 }

@@ -64,7 +64,7 @@ processor::RulePtr matchSize(const eMatchImageSizeType& type, const eMatchImageS
                              const boost::shared_ptr<A>& record)
 {
     const boost::shared_ptr<RuleMatchLeafToImageSize<A, Leaf> > rule =
-        boost::make_shared<RuleMatchLeafToImageSize<A, Leaf> >();
+        makeTogether<RuleMatchLeafToImageSize<A, Leaf> >();
     rule->initBase(image, record);
     rule->setSize(type, scale);
     return rule;

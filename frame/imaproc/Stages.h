@@ -23,7 +23,8 @@ template<class P, class... Parts>
 processor::RetrievalResult dispatch(const core::BasePriority& priority, processor::ProviderPtr& provider,
                                     const Parts&... parts)
 {
-    const boost::shared_ptr<DispatcherOf<P> > dispatcher = boost::make_shared<DispatcherOf<P> >();
+    const ArenaScope together;
+    const boost::shared_ptr<DispatcherOf<P> > dispatcher = makeTogether<DispatcherOf<P> >();
     std::vector<boost::shared_ptr<typename DispatcherOf<P>::Split> > splits;
     splits.reserve(sizeof...(Parts));
     BoolResult result = success();
@@ -51,13 +52,13 @@ struct SameForAll
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
     {
-        splits.push_back(boost::make_shared<processor::StaticNoSplit<P, A> >(value));
+        splits.push_back(makeTogether<processor::StaticNoSplit<P, A> >(value));
         return success();
     }
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
     {
-        splits.push_back(boost::make_shared<processor::DynamicNoSplit<P, A> >(value));
+        splits.push_back(makeTogether<processor::DynamicNoSplit<P, A> >(value));
         return success();
     }
     template<class P>
@@ -132,7 +133,7 @@ struct SubImages
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
     {
-        const boost::shared_ptr<SubImageSplit<P, A> > split = boost::make_shared<SubImageSplit<P, A> >();
+        const boost::shared_ptr<SubImageSplit<P, A> > split = makeTogether<SubImageSplit<P, A> >();
         splits.push_back(split);
         return split->initBase(splitType, volume, eCPT_Channels, eTPT_Times, image);
     }
@@ -176,7 +177,7 @@ struct PlanEntries
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
     {
         const boost::shared_ptr<PlanIndexedSplit<P, Coll, A> > split =
-            boost::make_shared<PlanIndexedSplit<P, Coll, A> >();
+            makeTogether<PlanIndexedSplit<P, Coll, A> >();
         splits.push_back(split);
         return split->initBase(coll, sizeZ, sizeC, sizeT, false);
     }
@@ -205,7 +206,7 @@ struct ResultsOf
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
     {
-        const auto split = boost::make_shared<processor::StaticResultSplit<P, A> >();
+        const auto split = makeTogether<processor::StaticResultSplit<P, A> >();
         split->init(results, boost::make_shared<Result>());
         splits.push_back(split);
         return success();
@@ -213,7 +214,7 @@ struct ResultsOf
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
     {
-        const auto split = boost::make_shared<processor::DynamicByCreationResultSplit<P, A> >();
+        const auto split = makeTogether<processor::DynamicByCreationResultSplit<P, A> >();
         split->init(results);
         splits.push_back(split);
         return success();
@@ -239,7 +240,7 @@ struct StripsOf
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
     {
-        const auto split = boost::make_shared<StripSplit<P, StripImage, A> >();
+        const auto split = makeTogether<StripSplit<P, StripImage, A> >();
         splits.push_back(split);
         if (inPlace)
             split->setInPlace();

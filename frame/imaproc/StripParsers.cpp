@@ -1,5 +1,7 @@
 #include "frame/imaproc/StripParsers.h"
 
+#include "frame/util/Arena.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -132,7 +134,7 @@ boost::shared_ptr<processor::BaseDataParser> StripParserInfo<Mode, Attr, Storage
     image::withSampleType(image::toDataType(attribute->getImageBufferType()), [&](auto sample) {
         typedef decltype(sample) T;
         if constexpr (!std::is_same<T, double>::value) {
-            const auto typed = boost::make_shared<typename StripParserClass<Mode, T, StorageAttr>::type>();
+            const auto typed = makeTogether<typename StripParserClass<Mode, T, StorageAttr>::type>();
             typed->init(attribute->getStorage());
             parser = typed;
         }

@@ -2,6 +2,7 @@
 
 #include "frame/processor/ClassStatics.h"
 #include "frame/serialization/Archive.h"
+#include "frame/util/Arena.h"
 #include "frame/util/FrameMessages.h"
 
 namespace orvik { namespace processor {
@@ -13,6 +14,7 @@ BaseProcessor::~BaseProcessor() = default;
 
 BoolResult BaseProcessor::init(const eProcessorRulePolicy& rulePolicy)
 {
+    const ArenaScope together;
     const BoolResult result = initDerived(m_attributes, m_initializers, m_dispatchPolicy, m_rule, rulePolicy);
     m_initialised = result.getValue();
     return result;

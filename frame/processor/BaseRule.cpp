@@ -162,7 +162,7 @@ std::string RuleOptionalIsSet::createRuleEvaluatedString(unsigned int depth) con
 
 RulePtr operator&&(const RulePtr& a, const RulePtr& b)
 {
-    return boost::make_shared<AndRule>(a, b);
+    return makeTogether<AndRule>(a, b);
 }
 
 RulePtr If(const RulePtr& condition, const RulePtr& thenRule)
@@ -172,12 +172,12 @@ RulePtr If(const RulePtr& condition, const RulePtr& thenRule)
 
 RulePtr If(const RulePtr& condition, const RulePtr& thenRule, const RulePtr& elseRule)
 {
-    return boost::make_shared<IfRule>(condition, thenRule, elseRule);
+    return makeTogether<IfRule>(condition, thenRule, elseRule);
 }
 
 RulePtr Not(const RulePtr& a)
 {
-    return boost::make_shared<NotRule>(a);
+    return makeTogether<NotRule>(a);
 }
 
 RulePtr none()
@@ -188,7 +188,7 @@ RulePtr none()
 
 RulePtr isSet(const WeakAttribute& attribute)
 {
-    const boost::shared_ptr<RuleOptionalIsSet> rule = boost::make_shared<RuleOptionalIsSet>();
+    const boost::shared_ptr<RuleOptionalIsSet> rule = makeTogether<RuleOptionalIsSet>();
     rule->init(attribute);
     return rule;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/processor/BaseAttribute.h"
+#include "frame/util/Arena.h"
 
 #include <boost/weak_ptr.hpp>
 

@@ -71,6 +71,7 @@ BoolResult BaseProcessorDispatcher::queryNextAction(const core::BaseRequestOrigi
     hasMore = false;
     if (!hasPendingAction())
         return success();
+    const ArenaScope together;  // the child with all that it is given
     const ElementsRange range(m_next, std::min(m_grain, m_nbElements - m_next));
     const boost::shared_ptr<BaseProcessor> child = createProcessor();
     BoolResult result = child->init(ePRP_WithRules);
@@ -79,7 +80,7 @@ BoolResult BaseProcessorDispatcher::queryNextAction(const core::BaseRequestOrigi
     if (!result)
         return result;
     child->setActionPriority(m_priority);
-    request = boost::make_shared<core::BaseActionRequest>(child);
+    request = makeTogether<core::BaseActionRequest>(child);
     m_next += range.getCount();
     ++m_nbRunning;
     hasMore = hasPendingAction();
@@ -181,7 +182,7 @@ RetrievalResult provideProcessor(const boost::shared_ptr<core::BaseAction>& acti
 {
     if (action)
         action->setActionPriority(priority);
-    const boost::shared_ptr<core::SingleActionProvider> single = boost::make_shared<core::SingleActionProvider>();
+    const boost::shared_ptr<core::SingleActionProvider> single = makeTogether<core::SingleActionProvider>();
     return provided(single->init(action), single, provider);
 }
 

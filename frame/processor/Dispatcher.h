@@ -83,7 +83,7 @@ public:
     typedef BaseStaticSplit Split;
     const std::string& getProcessorName() const override { return P::getObjectNameStr(); }
     const std::string& getProcessorToolTip() const override { return P::getToolTipStr(); }
-    boost::shared_ptr<BaseProcessor> createProcessor() const override { return boost::make_shared<P>(); }
+    boost::shared_ptr<BaseProcessor> createProcessor() const override { return makeTogether<P>(); }
 };
 
 template<class P>
@@ -93,7 +93,7 @@ public:
     typedef BaseDynamicSplit Split;
     const std::string& getProcessorName() const override { return P::getObjectNameStr(); }
     const std::string& getProcessorToolTip() const override { return P::getToolTipStr(); }
-    boost::shared_ptr<BaseProcessor> createProcessor() const override { return boost::make_shared<P>(); }
+    boost::shared_ptr<BaseProcessor> createProcessor() const override { return makeTogether<P>(); }
 
 protected:
     unsigned long getMinElements() const override { return P::s_minStripLines; }

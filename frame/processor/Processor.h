@@ -2,8 +2,7 @@
 
 #include "frame/processor/AsyncProcessors.h"
 #include "frame/processor/ClassStatics.h"
-
-#include <boost/smart_ptr/make_shared_object.hpp>
+#include "frame/util/Arena.h"
 
 namespace orvik { namespace processor {
 
@@ -50,7 +49,8 @@ public:
                            RulePtr& rule, const eProcessorRulePolicy& rulePolicy) override
     {
         attributes.clear();
-        (void(attributes.push_back(slot<A>().attribute = boost::make_shared<A>())), ...);
+        attributes.reserve(sizeof...(A));
+        (void(attributes.push_back(slot<A>().attribute = makeTogether<A>())), ...);
         initializers.clear();
         static_cast<D*>(this)->initInitializers(initializers);
         policy = getDefaultDispatchPolicy();
@@ -171,7 +171,8 @@ public: \
 template<class P>
 boost::shared_ptr<P> createInitialised()
 {
-    const boost::shared_ptr<P> processor = boost::make_shared<P>();
+    const ArenaScope together;
+    const boost::shared_ptr<P> processor = makeTogether<P>();
     processor->init(ePRP_WithRules);
     return processor;
 }

@@ -94,7 +94,7 @@ private:
 
 processor::RulePtr finiteAboveZero(const processor::WeakAttribute& attribute, double (*read)(const BaseAttribute&))
 {
-    const boost::shared_ptr<FiniteAboveZero> rule = boost::make_shared<FiniteAboveZero>(read);
+    const boost::shared_ptr<FiniteAboveZero> rule = makeTogether<FiniteAboveZero>(read);
     rule->initBase(attribute);
     return rule;
 }
@@ -103,7 +103,7 @@ processor::RulePtr finiteAboveZero(const processor::WeakAttribute& attribute, do
 
 processor::RulePtr makesGaussian(const processor::WeakAttribute& stdDev, const processor::WeakAttribute& coverage)
 {
-    const boost::shared_ptr<KernelFits> fits = boost::make_shared<KernelFits>();
+    const boost::shared_ptr<KernelFits> fits = makeTogether<KernelFits>();
     fits->initBase(stdDev, coverage);
     return finiteAboveZero(stdDev, &stdDevOf) && finiteAboveZero(coverage, &coverageOf) && fits;
 }

@@ -72,7 +72,7 @@ image::eImageBufferType CustomHoughLines2dOutputInitializer::getImageBufferType(
 boost::shared_ptr<CustomHoughLines2dImgOutputInitializer> outputHoughLines2dImg(const WeakImage& input,
                                                                                 const WeakHoughLinesImgParams& params)
 {
-    const auto initializer = boost::make_shared<CustomHoughLines2dImgOutputInitializer>();
+    const auto initializer = makeTogether<CustomHoughLines2dImgOutputInitializer>();
     initializer->init(input, params);
     return initializer;
 }
@@ -81,7 +81,7 @@ boost::shared_ptr<CustomHoughLines2dOutputInitializer> outputHoughLines2d(
     const WeakImage& input, const WeakHoughLinesImgParams& params,
     const WeakHoughLinesExtractionParams& extractionParams)
 {
-    const auto initializer = boost::make_shared<CustomHoughLines2dOutputInitializer>();
+    const auto initializer = makeTogether<CustomHoughLines2dOutputInitializer>();
     initializer->init(input, params, extractionParams);
     return initializer;
 }

@@ -132,7 +132,7 @@ std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleEvaluatedString(unsi
 boost::shared_ptr<HoughLines2dImgImageSizeX> houghLines2dCheckOutImgSzXEquals(const WeakImage& input,
                                                                               const WeakHoughLinesImgParams& params)
 {
-    const auto property = boost::make_shared<HoughLines2dImgImageSizeX>();
+    const auto property = makeTogether<HoughLines2dImgImageSizeX>();
     property->init(input, params);
     return property;
 }
@@ -140,7 +140,7 @@ boost::shared_ptr<HoughLines2dImgImageSizeX> houghLines2dCheckOutImgSzXEquals(co
 boost::shared_ptr<HoughLines2dImgImageSizeY> houghLines2dCheckOutImgSzYEquals(const WeakImage& input,
                                                                               const WeakHoughLinesImgParams& params)
 {
-    const auto property = boost::make_shared<HoughLines2dImgImageSizeY>();
+    const auto property = makeTogether<HoughLines2dImgImageSizeY>();
     property->init(input, params);
     return property;
 }
@@ -149,7 +149,7 @@ boost::shared_ptr<HoughLines2dImageSizeY> houghLines2dCheckOutImgSzYEquals(
     const WeakImage& input, const WeakHoughLinesImgParams& params,
     const WeakHoughLinesExtractionParams& extractionParams)
 {
-    const auto property = boost::make_shared<HoughLines2dImageSizeY>();
+    const auto property = makeTogether<HoughLines2dImageSizeY>();
     property->init(input, params, extractionParams);
     return property;
 }
@@ -157,7 +157,7 @@ boost::shared_ptr<HoughLines2dImageSizeY> houghLines2dCheckOutImgSzYEquals(
 processor::RulePtr houghLines2dCheckOutImgSzYGreaterOrEqual(const boost::weak_ptr<const OutImg>& out,
                                                             const WeakHoughLinesImgParams& params)
 {
-    const auto rule = boost::make_shared<HoughLines2dImageSizeYGreaterOrEqual>();
+    const auto rule = makeTogether<HoughLines2dImageSizeYGreaterOrEqual>();
     rule->init(out, params);
     return rule;
 }
@@ -165,7 +165,7 @@ processor::RulePtr houghLines2dCheckOutImgSzYGreaterOrEqual(const boost::weak_pt
 boost::shared_ptr<HoughLines2dImgOutputBufferType> houghLines2dCheckOutImgBufferType(const WeakImage& input,
                                                                                      bool unsignedAsWell)
 {
-    const auto property = boost::make_shared<HoughLines2dImgOutputBufferType>();
+    const auto property = makeTogether<HoughLines2dImgOutputBufferType>();
     property->init(input, unsignedAsWell);
     return property;
 }

@@ -47,7 +47,8 @@ processor::StageResult HoughLines2dImgLvl3::preProcess()
     }
     m_firstRow = m_nbRows * strip.getStripStartOffsetY() / strip.getImageSizeY();
 
-    const unsigned long nbVoters = 4096, slack = 64;  // twice 16 KB stay near while all rows are gone through
+    const unsigned long slack = 64, mostVoters = 4096;  // twice 16 KB stay near while all rows are gone through
+    const unsigned long nbVoters = std::min(mostVoters, strip.getNbLines() * strip.getSizeX() + slack);
     m_positions.resize(nbVoters + slack);
     m_weights.resize(nbVoters + slack);
     m_nbVoters = 0;

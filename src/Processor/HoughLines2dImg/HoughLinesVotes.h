@@ -140,6 +140,14 @@ inline void addVotesInOrder(float* __restrict row, const Votes<float>& votes, un
                 addVote(row, votes, begin[place] + from);
 }
 
+/// The same of few voters, for which turns do not pay.
+template<class Accum>
+void addFewVotes(Share<Accum>* __restrict row, const Votes<Accum>& votes, unsigned long n)
+{
+    for (unsigned long i = 0; i < n; ++i)
+        addVote(row, votes, i);
+}
+
 /// The same for angles at which neighbours share their column: its sums stay in registers until the next column.
 template<class Accum>
 void addVotesByColumn(Share<Accum>* __restrict row, const Votes<Accum>& votes, unsigned long n)
@@ -201,7 +209,10 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
             computeVotes<eOne>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
         else
             computeVotes<eLight>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
-        if (cosine < sharedColumns && cosine > -sharedColumns)
+        const unsigned long few = 16;
+        if (nbVotes <= few)
+            addFewVotes<Accum>(bins, votes, nbVotes);
+        else if (cosine < sharedColumns && cosine > -sharedColumns)
             addVotesByColumn<Accum>(bins, votes, nbVotes);
         else if constexpr (std::is_same<Accum, float>::value)
             addVotesInOrder(bins, votes, nbVotes);

@@ -40,7 +40,7 @@ processor::InitializerPtr outputOfNoneGiven(const boost::shared_ptr<BaseOutputIm
                                             const boost::shared_ptr<BaseOutputImageAttribute>& other,
                                             const boost::shared_ptr<BaseInputImageAttribute>& in)
 {
-    const boost::shared_ptr<OutputOfNoneGiven> initializer = boost::make_shared<OutputOfNoneGiven>(other);
+    const boost::shared_ptr<OutputOfNoneGiven> initializer = makeTogether<OutputOfNoneGiven>(other);
     initializer->init(out, in, ePUT_Real);
     return initializer;
 }
