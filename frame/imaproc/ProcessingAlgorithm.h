@@ -2,6 +2,7 @@
 
 #include "frame/imaproc/StripParsers.h"
 #include "frame/processor/BaseProcessingAlgorithm.h"
+#include "frame/processor/ImageBufferTypeIdentifier.h"
 #include "frame/processor/Processor.h"
 
 namespace orvik { namespace processor {
@@ -40,7 +41,9 @@ public:
     }
     void getDataTypeIdColl(DataTypeIdentifierColl& coll) const override
     {
-        coll.init(BaseDataTypeIdentifier(this->template attribute<typename D::KeyStrip>()->getImageBufferType()));
+        imaproc::ImageBufferTypeIdentifier type;
+        type.init(this->template attribute<typename D::KeyStrip>()->getImageBufferType());
+        coll.init(type);
     }
     void initDataParserColl(DataParserColl& coll) override
     {

@@ -2,6 +2,7 @@
 
 #include "frame/image/BufferType.h"
 #include "frame/processor/BaseProcessingAlgorithm.h"
+#include "frame/processor/ImageBufferTypeIdentifier.h"
 
 namespace orvik { namespace processor {
 
@@ -69,7 +70,9 @@ private:
     void add(AlgorithmFunctionSelector& selector, std::string& failures)
     {
         DataTypeIdentifierColl dataTypes;
-        dataTypes.init(BaseDataTypeIdentifier(Type::s_type));
+        imaproc::ImageBufferTypeIdentifier type;
+        type.init(Type::s_type);
+        dataTypes.init(type);
         AlgorithmFunctionIdentifier identifier;
         identifier.init(dataTypes, m_sets, efficiency(),
                         static_cast<AlgorithmFunction>(

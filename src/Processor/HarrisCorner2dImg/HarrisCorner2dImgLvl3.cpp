@@ -22,9 +22,8 @@ HarrisCorner2dImgLvl3::~HarrisCorner2dImgLvl3() = default;
 
 processor::RulePtr HarrisCorner2dImgLvl3::createRule() const
 {
-    return matchSizeAndType(attribute<InXXYStrip2d>(), attribute<InXYYStrip2d>())
-           && matchSizeAndType(attribute<InXXYStrip2d>(), attribute<InYYYStrip2d>())
-           && matchSizeAndType(attribute<InXXYStrip2d>(), attribute<OutYStrip2d>());
+    return matchSizeAndType(attribute<InXXYStrip2d>(), attribute<InXYYStrip2d>(), attribute<InYYYStrip2d>(),
+                            attribute<OutYStrip2d>());
 }
 
 }}}  // namespace orvik::imaproc::fd
