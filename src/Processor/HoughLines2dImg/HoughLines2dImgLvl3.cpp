@@ -1,7 +1,7 @@
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
 
-#include "HoughLinesGeometry.h"
-#include "HoughLinesRowsMutexColl.h"
+#include "Processor/HoughLines2dImg/HoughLinesGeometry.h"
+#include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/StripAttributes.h"

@@ -1,4 +1,4 @@
-#include "HoughLinesRowsMutexColl.h"
+#include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 
