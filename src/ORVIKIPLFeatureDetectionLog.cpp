@@ -1,8 +1,4 @@
-#include "LogMessages.h"
-
-#include "Library.h"
-
-#include "frame/processor/ClassStatics.h"
+#include "ORVIKIPLFeatureDetectionLogMessages.h"
 
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>
@@ -66,24 +62,5 @@ log4cplus::Logger& getORVIKIPLFeatureDetectionLogger()
 
 const LogSource g_featureDetectionLogSource = {&getORVIKIPLFeatureDetectionLogger,
                                                &getORVIKIPLFeatureDetectionLogMessageManager};
-
-std::string Library::toolTip(unsigned int row)
-{
-    MessageMapRegistrator<eProcessorMessage>::process();
-    const boost::lock_guard<boost::mutex> lock(processor::ToolTipMutex::get());
-    return LogMessageFormater(getORVIKIPLFeatureDetectionLogMessageManager())
-        .setMsgId(typeid(eProcessorMessage::domain).name(), static_cast<int>(row))
-        .string();
-}
-
-namespace {
-
-/// Registers all maps while the library loads; a text asked for earlier registers its own.
-const bool g_registered = MessageMapRegistrator<eProcessorMessage>::process()
-                          && MessageMapRegistrator<eRuleMessage>::process()
-                          && MessageMapRegistrator<eOutputInitializerMessage>::process()
-                          && MessageMapRegistrator<eORVIKIPLFeatureDetectionMessage>::process();
-
-}  // namespace
 
 }}}  // namespace orvik::imaproc::fd

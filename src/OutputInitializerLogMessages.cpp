@@ -1,4 +1,4 @@
-#include "LogMessages.h"
+#include "ORVIKIPLFeatureDetectionLogMessages.h"
 
 namespace orvik { namespace details {
 

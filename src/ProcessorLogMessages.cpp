@@ -1,4 +1,4 @@
-#include "LogMessages.h"
+#include "ORVIKIPLFeatureDetectionLogMessages.h"
 
 // The tool tip of each class, in the order of the class names and of their levels. Some rows have no class: they keep
 // the numbers of the others. The texts are a catalogue that others refer to, misspellings and doubled blanks included.

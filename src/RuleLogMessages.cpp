@@ -1,4 +1,4 @@
-#include "LogMessages.h"
+#include "ORVIKIPLFeatureDetectionLogMessages.h"
 
 namespace orvik { namespace details {
 
@@ -13,6 +13,14 @@ void MsgMapRegistratorDerived<imaproc::fd::eRuleMessage, void>::addRows(LogMessa
     manager.addMessage(E::eSizeYGreaterOrEqual,
                        "Output image Y size is greater than or equals to NbThetaBins field of %s data item");
     manager.addMessage(E::eNullAttribute, "Input attribute should not be null");
+}
+
+template<>
+void MsgMapRegistratorDerived<imaproc::fd::eLibraryRuleMessage, void>::addRows(LogMessageManager& manager)
+{
+    typedef imaproc::fd::eLibraryRuleMessage E;
+    manager.addMessage(E::eAccumulatorHasBins, "accumulator of %s has 1 to %d bins along rho and along theta");
+    manager.addMessage(E::eAccumulatorBins, "%s: %d along rho, %d along theta");
 }
 
 }}  // namespace orvik::details

@@ -8,7 +8,7 @@
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl2.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
 #include "ORVIKIPLFeatureDetectionLog.h"
-#include "Rule/HoughLines2dRules.h"
+#include "Rule/HoughLines2dImgRuleUtils.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/StripAttributes.h"
@@ -404,6 +404,9 @@ TEST(HoughLinesRules, SayWhatIsMissing)
               thrownText<ORVIKIPLFeatureDetectionException>([&] { houghLines2dCheckOutImgSzXEquals(in, params); }));
     EXPECT_EQ("Input attribute should not be null",
               thrownText<ORVIKIPLFeatureDetectionException>([&] { houghLines2dCheckOutImgSzYGreaterOrEqual(out, params); }));
+    for (const auto& early : {+[] { HoughLines2dImgImageSizeX().getSizeX(); }, +[] { HoughLines2dImageSizeY().getSizeY(); },
+                              +[] { HoughLines2dImageSizeYGreaterOrEqual().testRule(); }})
+        EXPECT_EQ("Initialize rule before trying to use its data", thrownText<ORVIKIPLFeatureDetectionException>(early));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "TinyProcessor.h"
 
 #include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
 
 #include <boost/smart_ptr/make_shared.hpp>
 
@@ -101,6 +102,32 @@ TEST(Rules, OnImagesCompareWhatTheySay)
     EXPECT_TRUE(holds(noInSitu(a, b), plane, wide));
 }
 
+TEST(Rules, OnStripsCompareAllOfThemWithTheFirst)
+{
+    typedef image::InputImageYStrip2d Strip;
+    const auto stripOf = [](const ImagePtr& image) { return boost::make_shared<Strip>(image, PlanIndex(), 0, 3); };
+    const auto a = boost::make_shared<attr::InYStrip2d1>(), b = boost::make_shared<attr::InYStrip2d1>(),
+               c = boost::make_shared<attr::InYStrip2d1>();
+    const auto d = boost::make_shared<attr::OutYStrip2d>();
+    const RulePtr two = matchSizeAndType(a, b), three = matchSizeAndType(a, b, c), four = matchSizeAndType(a, b, c, d);
+    for (const auto& input : {a, b, c})
+        input->init(stripOf(blank(4, 8)));
+    d->init(boost::make_shared<image::OutputImageYStrip2d>(blank(4, 8, 1, 1, image::eIBT_Int8), PlanIndex(), 0, 3));
+    EXPECT_TRUE(three->testRule());
+    EXPECT_FALSE(four->testRule());
+    c->init(stripOf(blank(5, 8)));
+    EXPECT_TRUE(two->testRule());
+    EXPECT_FALSE(three->testRule());
+    EXPECT_EQ("failed: all hold:\n"
+              "  ok: size of the strip, X x lines, of InYStrip2d1 (4 x 3) equals that of InYStrip2d1 (4 x 3)\n"
+              "  ok: buffer type of the strip of InYStrip2d1 (unsigned 8 bits (type 2)) equals that of InYStrip2d1 "
+              "(unsigned 8 bits (type 2))\n"
+              "  failed: size of the strip, X x lines, of InYStrip2d1 (4 x 3) equals that of InYStrip2d1 (5 x 3)\n"
+              "  ok: buffer type of the strip of InYStrip2d1 (unsigned 8 bits (type 2)) equals that of InYStrip2d1 "
+              "(unsigned 8 bits (type 2))\n",
+              three->createRuleEvaluatedString(0));
+}
+
 TEST(Rules, OnPlansWantExactlyThoseOfTheImage)
 {
     const auto in = boost::make_shared<InTinyImg>();
@@ -127,6 +154,7 @@ TEST(Rules, OnAScalarRefuseOnlyWhatIsNegative)
     const auto record = boost::make_shared<InReach>();
     in->init(blank(8, 5));
     const RulePtr rule = matchSize<Reach::Value>(eMIST_MinXY, eMISS_Half, in, record);
+    EXPECT_EQ(eIBMRT_ScalarToSize, dynamic_cast<const BaseImageBinaryMixedRule&>(*rule).getImageBinaryMixedRuleType());
     EXPECT_TRUE(rule->testRule()) << "unset";
     record->init(Reach::createNode(0, 0, 0, 0, 0, 0, 0, 1000));
     EXPECT_TRUE(rule->testRule()) << "too wide is narrowed";

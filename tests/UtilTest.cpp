@@ -1,6 +1,6 @@
 // Limits, catalogues of texts, loggers and the throw site.
 
-#include "LogMessages.h"
+#include "ORVIKIPLFeatureDetectionLogMessages.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
 #include "TestRuns.h"
@@ -17,6 +17,7 @@
 #include <log4cplus/logger.h>
 #include <log4cplus/spi/loggingevent.h>
 
+#include <cmath>
 #include <stdexcept>
 
 namespace orvik {
@@ -87,6 +88,8 @@ TEST(NumericLimits, TheLowestFloatIsNegative)
     EXPECT_EQ(0u, NumericLimits<unsigned short>::s_min);
     EXPECT_EQ(1.0f / 8388608.0f, NumericLimits<float>::s_eps);
     EXPECT_EQ(1.0 / 4503599627370496.0, NumericLimits<double>::s_eps);
+    EXPECT_EQ(std::sqrt(NumericLimits<float>::s_eps), NumericLimits<float>::s_sqrt_eps);
+    EXPECT_EQ(std::sqrt(NumericLimits<double>::s_eps), NumericLimits<double>::s_sqrt_eps);
 }
 
 // --- catalogues

@@ -18,25 +18,28 @@ unsigned long alignedUp(unsigned long bytes)
 
 }  // namespace
 
-void TypedOwnBuffer::Free::operator()(void* block) const
-{
-    std::free(block);
-}
+BaseBlockBuffer::BaseBlockBuffer() : m_block(nullptr) {}
+BaseBlockBuffer::~BaseBlockBuffer() = default;
 
 TypedOwnBuffer::TypedOwnBuffer() : m_capacity(0), m_type(eDT_None) {}
-TypedOwnBuffer::~TypedOwnBuffer() = default;
+
+TypedOwnBuffer::~TypedOwnBuffer()
+{
+    std::free(m_block);
+}
 
 void TypedOwnBuffer::init(unsigned long nbValues, eDataType type)
 {
     const unsigned long bytes = std::max(g_alignment, alignedUp(nbValues * getDataTypeSize(type)));
     if (bytes > m_capacity) {
-        m_data.reset(std::aligned_alloc(g_alignment, bytes));
-        m_capacity = m_data ? bytes : 0;
-        if (!m_data)
+        std::free(m_block);
+        m_block = std::aligned_alloc(g_alignment, bytes);
+        m_capacity = m_block ? bytes : 0;
+        if (!m_block)
             throw std::bad_alloc();
     }
     m_type = type;
-    std::memset(m_data.get(), 0, bytes);
+    std::memset(m_block, 0, bytes);
 }
 
 BaseFragBuffer::BaseFragBuffer() : m_valueSize(0) {}

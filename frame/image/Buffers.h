@@ -2,28 +2,36 @@
 
 #include "frame/image/BufferType.h"
 
-#include <memory>
 #include <vector>
 
 namespace orvik { namespace image {
 
-/// Memory in one block, aligned to 64 bytes and zeroed. A second `init` of the same or a smaller size keeps the memory.
-class ORVIK_API TypedOwnBuffer
+/// A buffer in one block.
+class ORVIK_API BaseBlockBuffer
+{
+public:
+    BaseBlockBuffer();
+    virtual ~BaseBlockBuffer();
+    BaseBlockBuffer(const BaseBlockBuffer&) = delete;
+    BaseBlockBuffer& operator=(const BaseBlockBuffer&) = delete;
+
+    void* getDataPtr() const { return m_block; }
+
+protected:
+    void* m_block;
+};
+
+/// Memory of its own, aligned to 64 bytes and zeroed. A second `init` of the same or a smaller size keeps the memory.
+class ORVIK_API TypedOwnBuffer : public BaseBlockBuffer
 {
 public:
     TypedOwnBuffer();
-    ~TypedOwnBuffer();
+    ~TypedOwnBuffer() override;
 
     void init(unsigned long nbValues, eDataType type);
-    void* getDataPtr() const { return m_data.get(); }
     eDataType getDataType() const { return m_type; }
 
 private:
-    struct Free
-    {
-        void operator()(void* block) const;
-    };
-    std::unique_ptr<void, Free> m_data;
     unsigned long m_capacity;  // bytes
     eDataType m_type;
 };

@@ -44,11 +44,17 @@ enum eImageBinaryMixedRuleType : unsigned int
     eIBMRT_ScalarToSize = 1
 };
 
-class ORVIK_API BaseRuleMatchImageRange : public BaseImageRule
+class ORVIK_API BaseImageBinaryMixedRule : public BaseImageRule
 {
 public:
     eImageRuleType getImageRuleType() const override { return eIRT_BinaryMixed; }
-    virtual eImageBinaryMixedRuleType getImageBinaryMixedRuleType() const { return eIBMRT_Range; }
+    virtual eImageBinaryMixedRuleType getImageBinaryMixedRuleType() const = 0;
+};
+
+class ORVIK_API BaseRuleMatchImageRange : public BaseImageBinaryMixedRule
+{
+public:
+    eImageBinaryMixedRuleType getImageBinaryMixedRuleType() const override { return eIBMRT_Range; }
 };
 
 enum eStripRuleType : unsigned int

@@ -40,6 +40,7 @@ BoolResult imageOf(const WeakImage& input, boost::shared_ptr<const image::BaseIm
 }  // namespace
 
 BaseImageProcessingOutputInitializer::~BaseImageProcessingOutputInitializer() = default;
+BaseUnaryImageInitializer::~BaseUnaryImageInitializer() = default;
 BaseDuplicateImageInitializer::~BaseDuplicateImageInitializer() = default;
 BasePromoteUnaryImageInitializer::~BasePromoteUnaryImageInitializer() = default;
 BaseCustomImageInfo::~BaseCustomImageInfo() = default;
@@ -47,49 +48,48 @@ BaseFromImageCustomImageInfo::~BaseFromImageCustomImageInfo() = default;
 BaseCustomImageInitializer::~BaseCustomImageInitializer() = default;
 BaseFromImagePlanIndexedInitializer::~BaseFromImagePlanIndexedInitializer() = default;
 
-void BaseImageProcessingOutputInitializer::initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                                                      const WeakImage& in)
+BoolResult BaseImageProcessingOutputInitializer::initAttribute()
+{
+    image::ImageSizes sizes;
+    image::eImageBufferType type = image::eImageBufferType();
+    const BoolResult result = getOutputGeometry(sizes, type);
+    if (result.getValue())
+        static_cast<BaseOutputImageAttribute&>(*getOutputAttribute()).init(image::createImage(type, sizes));
+    return result;
+}
+
+std::string BaseImageProcessingOutputInitializer::createInitializerEvaluatedString() const
+{
+    image::ImageSizes sizes;
+    image::eImageBufferType type = image::eImageBufferType();
+    const BoolResult result = getOutputGeometry(sizes, type);
+    return result.getValue() ? textOf(eImageInitializerMessage::eNewImage, getOutputAttribute()->getObjectName(),
+                                      toString(sizes), toString(type))
+                             : result.getMessage();
+}
+
+void BaseUnaryImageInitializer::initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in)
 {
     initBase(out);
     checkInput(in);
     m_input = in;
 }
 
-BoolResult BaseImageProcessingOutputInitializer::getInput(boost::shared_ptr<const image::BaseImage>& input) const
-{
-    return imageOf(m_input, input);
-}
-
-image::ImageSizes BaseImageProcessingOutputInitializer::getOutputSizes(const image::BaseImage& input) const
-{
-    return input.getGeometry().getSizes();
-}
-
-BoolResult BaseImageProcessingOutputInitializer::initAttribute()
+BoolResult BaseUnaryImageInitializer::getOutputGeometry(image::ImageSizes& sizes, image::eImageBufferType& type) const
 {
     boost::shared_ptr<const image::BaseImage> input;
-    const BoolResult result = getInput(input);
-    if (!result)
-        return result;
-    static_cast<BaseOutputImageAttribute&>(*getOutputAttribute())
-        .init(image::createImage(getOutputType(*input), getOutputSizes(*input)));
-    return success();
+    const BoolResult result = imageOf(m_input, input);
+    if (result.getValue()) {
+        sizes = input->getGeometry().getSizes();
+        type = getOutputType(*input);
+    }
+    return result;
 }
 
-std::string BaseImageProcessingOutputInitializer::createInitializerFormalString() const
+std::string BaseUnaryImageInitializer::createInitializerFormalString() const
 {
     return textOf(eImageInitializerMessage::eLikeInput, getOutputAttribute()->getObjectName(),
                   lockInput(m_input)->getObjectName(), getDescription());
-}
-
-std::string BaseImageProcessingOutputInitializer::createInitializerEvaluatedString() const
-{
-    boost::shared_ptr<const image::BaseImage> input;
-    const BoolResult result = getInput(input);
-    if (!result)
-        return result.getMessage();
-    return textOf(eImageInitializerMessage::eNewImage, getOutputAttribute()->getObjectName(),
-                  toString(getOutputSizes(*input)), toString(getOutputType(*input)));
 }
 
 void BaseDuplicateImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
@@ -142,28 +142,17 @@ void BaseCustomImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttri
     m_info = info;
 }
 
-image::ImageSizes BaseCustomImageInitializer::getSizes() const
+BoolResult BaseCustomImageInitializer::getOutputGeometry(image::ImageSizes& sizes, image::eImageBufferType& type) const
 {
-    return image::ImageSizes(m_info->getSizeX(), m_info->getSizeY(), m_info->getSizeZ(), m_info->getSizeC(),
-                             m_info->getSizeT());
-}
-
-BoolResult BaseCustomImageInitializer::initAttribute()
-{
-    static_cast<BaseOutputImageAttribute&>(*getOutputAttribute())
-        .init(image::createImage(m_info->getImageBufferType(), getSizes()));
+    sizes = image::ImageSizes(m_info->getSizeX(), m_info->getSizeY(), m_info->getSizeZ(), m_info->getSizeC(),
+                              m_info->getSizeT());
+    type = m_info->getImageBufferType();
     return success();
 }
 
 std::string BaseCustomImageInitializer::createInitializerFormalString() const
 {
     return textOf(eImageInitializerMessage::eAsComputed, getOutputAttribute()->getObjectName());
-}
-
-std::string BaseCustomImageInitializer::createInitializerEvaluatedString() const
-{
-    return textOf(eImageInitializerMessage::eNewImage, getOutputAttribute()->getObjectName(), toString(getSizes()),
-                  toString(m_info->getImageBufferType()));
 }
 
 void BaseFromImagePlanIndexedInitializer::initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,

@@ -16,25 +16,34 @@ enum ePromoteUnaryType : unsigned int
     ePUT_Real = 4  ///< float 32 for all types: holds fractions, and keeps the sign
 };
 
-/// Makes an image from an input image.
+/// Makes an image.
 class ORVIK_API BaseImageProcessingOutputInitializer : public processor::BaseOutputInitializer
 {
 public:
     ~BaseImageProcessingOutputInitializer() override;
     processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
     BoolResult initAttribute() override;
-    std::string createInitializerFormalString() const override;
     std::string createInitializerEvaluatedString() const override;
 
 protected:
+    /// Sizes and sample type of the image to make. False, with the reason, while they are not known.
+    virtual BoolResult getOutputGeometry(image::ImageSizes& sizes, image::eImageBufferType& type) const = 0;
+};
+
+/// Makes an image of the sizes of an input image.
+class ORVIK_API BaseUnaryImageInitializer : public BaseImageProcessingOutputInitializer
+{
+public:
+    ~BaseUnaryImageInitializer() override;
+    std::string createInitializerFormalString() const override;
+
+protected:
     /// @throws ORVIKBaseProcessingException for an attribute that was null.
-    void initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                    const WeakImage& in);
-    /// The input image; false when it has no value.
-    BoolResult getInput(boost::shared_ptr<const image::BaseImage>& input) const;
-    /// Type of the image to make.
+    void initImages(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in);
+    BoolResult getOutputGeometry(image::ImageSizes& sizes, image::eImageBufferType& type) const override;
+    /// Sample type of the image to make.
     virtual image::eImageBufferType getOutputType(const image::BaseImage& input) const = 0;
-    virtual image::ImageSizes getOutputSizes(const image::BaseImage& input) const;
+    /// The same in words, for when there is no input image yet.
     virtual std::string getDescription() const = 0;
 
 private:
@@ -42,7 +51,7 @@ private:
 };
 
 /// An image of the size of the input, of a given type or of the input's (type 0).
-class ORVIK_API BaseDuplicateImageInitializer : public BaseImageProcessingOutputInitializer
+class ORVIK_API BaseDuplicateImageInitializer : public BaseUnaryImageInitializer
 {
 public:
     ~BaseDuplicateImageInitializer() override;
@@ -63,7 +72,7 @@ class DuplicateImageInitializer : public BaseDuplicateImageInitializer
 };
 
 /// An image of the size of the input, of a type that holds what real-valued results become.
-class ORVIK_API BasePromoteUnaryImageInitializer : public BaseImageProcessingOutputInitializer
+class ORVIK_API BasePromoteUnaryImageInitializer : public BaseUnaryImageInitializer
 {
 public:
     ~BasePromoteUnaryImageInitializer() override;
@@ -112,19 +121,18 @@ private:
     WeakImage m_input;
 };
 
-class ORVIK_API BaseCustomImageInitializer : public processor::BaseOutputInitializer
+/// An image of the sizes and type that a family computes.
+class ORVIK_API BaseCustomImageInitializer : public BaseImageProcessingOutputInitializer
 {
 public:
     ~BaseCustomImageInitializer() override;
     void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const boost::shared_ptr<BaseCustomImageInfo>& info);
-    processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
-    BoolResult initAttribute() override;
     std::string createInitializerFormalString() const override;
-    std::string createInitializerEvaluatedString() const override;
+
+protected:
+    BoolResult getOutputGeometry(image::ImageSizes& sizes, image::eImageBufferType& type) const override;
 
 private:
-    image::ImageSizes getSizes() const;
-
     boost::shared_ptr<BaseCustomImageInfo> m_info;
 };
 

@@ -41,8 +41,8 @@ public:
         const boost::shared_ptr<const BaseAttribute> coll = getAttribute1(), image = getAttribute2();
         std::string text = createRuleFormalString();
         if (coll->hasValue() && image->hasValue())
-            text = textOf(m_policy == eIPMP_Planes ? eImageRuleMessage::ePlanesFound : eImageRuleMessage::eVolumesFound, text,
-                          std::to_string(planIndexed(*coll)->getNbPlans()),
+            text = textOf(m_policy == eIPMP_Planes ? eImageRuleMessage::ePlanesFound : eImageRuleMessage::eVolumesFound,
+                          text, std::to_string(planIndexed(*coll)->getNbPlans()),
                           std::to_string(plansOf(sizesOf(*image), m_policy).size()), readSizes(*image));
         return createRuleEvaluatedStartString(depth) + text + "\n";
     }

@@ -26,6 +26,12 @@ ORVIK_API processor::RulePtr matchSizeAndType(const WeakImage& a, const WeakImag
 ORVIK_API processor::RulePtr matchSizeAndType(const WeakImage& a, const WeakImage& b, const WeakImage& c,
                                               const WeakImage& d);
 ORVIK_API processor::RulePtr matchSizeAndType(const WeakStrip& a, const WeakStrip& b);
+/// All strips match the first one.
+template<class... Strips>
+processor::RulePtr matchSizeAndType(const WeakStrip& a, const WeakStrip& b, const WeakStrip& c, const Strips&... others)
+{
+    return matchSizeAndType(a, b) && matchSizeAndType(a, c, others...);
+}
 ORVIK_API processor::RulePtr matchColorGeometryType(const WeakImage& a, const WeakImage& b);
 ORVIK_API processor::RulePtr matchVolumeGeometryType(const WeakImage& a, const WeakImage& b);
 /// The collection has exactly the planes, or the volumes, of the image. An empty one fits: the split that uses it fills

@@ -2,6 +2,7 @@
 
 #include "frame/imaproc/StripParsers.h"
 #include "frame/processor/BaseProcessingAlgorithm.h"
+#include "frame/processor/ImageBufferTypeIdentifier.h"
 #include "frame/processor/Processor.h"
 
 #include <memory>
@@ -54,8 +55,9 @@ public:
     }
     void getDataTypeIdColl(processor::DataTypeIdentifierColl& coll) const override
     {
-        coll.init(processor::BaseDataTypeIdentifier(
-            this->template attribute<typename D::KeyStrip>()->getImageBufferType()));
+        imaproc::ImageBufferTypeIdentifier type;
+        type.init(this->template attribute<typename D::KeyStrip>()->getImageBufferType());
+        coll.init(type);
     }
     void initDataParserColl(processor::DataParserColl& coll) override
     {

@@ -9,7 +9,7 @@ BaseRuleMatchScalarToImageSize::~BaseRuleMatchScalarToImageSize() = default;
 void BaseRuleMatchScalarToImageSize::initBase(const WeakImage& image,
                                               const boost::weak_ptr<const processor::BaseDataItemAttribute>& attribute)
 {
-    BaseImageRule::initBase(processor::WeakAttribute(image), processor::WeakAttribute(attribute));
+    BaseImageBinaryMixedRule::initBase(processor::WeakAttribute(image), processor::WeakAttribute(attribute));
 }
 
 void BaseRuleMatchScalarToImageSize::setSize(const eMatchImageSizeType& type, const eMatchImageSizeScale& scale)

@@ -25,13 +25,13 @@ enum eMatchImageSizeScale : unsigned int
 
 /// A leaf of a record must not be negative where it is compared with a size of an image. A value beyond the size is no
 /// failure: whoever uses it narrows it to the image.
-class ORVIK_API BaseRuleMatchScalarToImageSize : public BaseImageRule
+class ORVIK_API BaseRuleMatchScalarToImageSize : public BaseImageBinaryMixedRule
 {
 public:
     ~BaseRuleMatchScalarToImageSize() override;
-    eImageRuleType getImageRuleType() const override { return eIRT_BinaryMixed; }
+    eImageBinaryMixedRuleType getImageBinaryMixedRuleType() const override { return eIBMRT_ScalarToSize; }
 
-    using BaseImageRule::initBase;
+    using BaseImageBinaryMixedRule::initBase;
     void initBase(const WeakImage& image,
                   const boost::weak_ptr<const processor::BaseDataItemAttribute>& attribute);
     void setSize(const eMatchImageSizeType& type, const eMatchImageSizeScale& scale);

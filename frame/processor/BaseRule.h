@@ -34,8 +34,6 @@ public:
     virtual std::string createRuleFormalString() const = 0;
     /// The condition with both values, one line per leaf, the failed ones marked. `depth` grows with each combinator.
     virtual std::string createRuleEvaluatedString(unsigned int depth) const = 0;
-
-protected:
     /// Indentation and mark ("ok: " or "failed: ") of an evaluated line.
     std::string createRuleEvaluatedStartString(unsigned int depth) const;
 };
@@ -54,6 +52,7 @@ public:
     /// @throws ORVIKBaseProcessingException for an attribute that was null.
     void initBase(const WeakAttribute& attribute1, const WeakAttribute& attribute2);
     void initBase(const WeakAttribute& attribute1);
+    bool isInitialised() const { return m_nbAttributes > 0; }
     /// @throws ORVIKBaseProcessingException before `initBase`, and when the attribute is gone.
     boost::shared_ptr<const BaseAttribute> getAttribute1() const { return lock(m_attribute1, m_nbAttributes > 0); }
     boost::shared_ptr<const BaseAttribute> getAttribute2() const { return lock(m_attribute2, m_nbAttributes > 1); }

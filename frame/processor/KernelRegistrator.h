@@ -2,6 +2,7 @@
 
 #include "frame/image/BufferType.h"
 #include "frame/processor/BaseProcessingAlgorithm.h"
+#include "frame/processor/ImageBufferTypeIdentifier.h"
 #include "frame/processor/ProcessorFactory.h"
 #include "frame/simd/UnitSet.h"
 
@@ -71,7 +72,9 @@ private:
     void add(AlgorithmFunctionSelector& selector, std::string& failures)
     {
         DataTypeIdentifierColl dataTypes;
-        dataTypes.init(BaseDataTypeIdentifier(Type::s_type));
+        imaproc::ImageBufferTypeIdentifier type;
+        type.init(Type::s_type);
+        dataTypes.init(type);
         AlgorithmFunctionIdentifier identifier;
         identifier.init(dataTypes, m_sets, efficiency(),
                         static_cast<AlgorithmFunction>(

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LogMessages.h"
+#include "ORVIKIPLFeatureDetectionLogMessages.h"
 
 #include <boost/weak_ptr.hpp>
 

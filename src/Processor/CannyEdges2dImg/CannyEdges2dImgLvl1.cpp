@@ -1,6 +1,6 @@
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
 
-#include "CannyChainStages.h"
+#include "Processor/CannyChainStages.h"
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl2.h"
 
 #include "frame/imaproc/FunctionForms.h"

@@ -4,7 +4,7 @@
 
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl3.h"
 
-#include "ExtremaWindow.h"
+#include "Processor/ExtractLocalExtrema2d/ExtremaWindow.h"
 
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"

@@ -1,6 +1,6 @@
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl2.h"
 
-#include "ExtremaSelection.h"
+#include "Processor/ExtractLocalExtrema2d/ExtremaSelection.h"
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl3.h"
 
 #include "frame/attr/ImageAttributes.h"

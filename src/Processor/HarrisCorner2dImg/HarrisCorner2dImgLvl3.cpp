@@ -14,9 +14,8 @@ ORVIK_DEFINE_ALGORITHM(HarrisCorner2dImgLvl3)
 
 processor::RulePtr HarrisCorner2dImgLvl3::createRule() const
 {
-    return matchSizeAndType(attribute<InXXYStrip2d>(), attribute<InXYYStrip2d>())
-           && matchSizeAndType(attribute<InXXYStrip2d>(), attribute<InYYYStrip2d>())
-           && matchSizeAndType(attribute<InXXYStrip2d>(), attribute<OutYStrip2d>());
+    return matchSizeAndType(attribute<InXXYStrip2d>(), attribute<InXYYStrip2d>(), attribute<InYYYStrip2d>(),
+                            attribute<OutYStrip2d>());
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -1,8 +1,8 @@
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 
-#include "HoughLinesGeometry.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl2.h"
-#include "Rule/HoughLines2dRules.h"
+#include "Rule/AccumulatorRule.h"
+#include "Rule/HoughLines2dImgRuleUtils.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"

@@ -1,8 +1,8 @@
 #include "Processor/HoughLines2d/HoughLines2dLvl2.h"
 
-#include "HoughLinesGeometry.h"
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl2.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl2.h"
+#include "Processor/HoughLines2dImg/HoughLinesGeometry.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"

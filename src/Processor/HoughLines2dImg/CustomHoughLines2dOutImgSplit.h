@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
-
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
+#include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/imaproc/ImageSplits.h"

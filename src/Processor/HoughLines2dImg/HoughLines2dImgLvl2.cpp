@@ -1,7 +1,7 @@
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl2.h"
 
 #include "Processor/HoughLines2dImg/CustomHoughLines2dOutImgSplit.h"
-#include "Rule/HoughLines2dRules.h"
+#include "Rule/HoughLines2dImgRuleUtils.h"
 
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"

@@ -2,7 +2,7 @@
 
 #include "Processor/HoughLines2dImg/HoughLines2dImgKernel.h"
 
-#include "HoughLinesGeometry.h"
+#include "Processor/HoughLines2dImg/HoughLinesGeometry.h"
 #include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
 
 #include "frame/attr/ImageAttributes.h"

@@ -4,8 +4,8 @@
 // along, and leave, as extrema or not, when half a window of later ones is there. An element is a line of a plane; it could
 // be a whole slice: what is before and after a sample within its own element is told from outside.
 
-#include "ExtremaBuffers.h"
-#include "ExtremaLines.h"
+#include "Processor/ExtractLocalExtrema2d/ExtremaBuffers.h"
+#include "Processor/ExtractLocalExtrema2d/ExtremaLines.h"
 
 #include "frame/simd/Simd.h"
 

@@ -1,4 +1,4 @@
-#include "ExtremaBuffers.h"
+#include "Processor/ExtractLocalExtrema2d/ExtremaBuffers.h"
 
 #include "frame/image/Border.h"
 #include "frame/processor/BaseDataParser.h"

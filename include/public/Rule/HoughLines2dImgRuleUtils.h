@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OutputInitializer/HoughLines2dOutputInitializers.h"
+#include "OutputInitializer/HoughLines2dInitializerUtils.h"
 
 #include "frame/imaproc/ImageRules.h"
 
@@ -13,7 +13,7 @@ struct OutImg;
 namespace fd {
 
 // What a caller's accumulator must be like. The image attribute is always that of the image whose lines are looked for; an
-// attribute that is null raises ORVIKIPLFeatureDetectionException.
+// attribute that is null, and use before `init`, raise ORVIKIPLFeatureDetectionException.
 
 /// Columns of an accumulator.
 class ORVIK_API HoughLines2dImgImageSizeX : public BaseCustomCheckedImageProperty

@@ -1,4 +1,4 @@
-#include "Rule/HoughLines2dRules.h"
+#include "Rule/HoughLines2dImgRuleUtils.h"
 
 #include "WeakAttributes.h"
 
@@ -8,6 +8,24 @@
 namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
+
+namespace {
+
+void checkInitialised(bool initialised)
+{
+    if (!initialised)
+        ORVIK_THROW(ORVIKIPLFeatureDetectionException, g_featureDetectionLogSource, eRuleMessage::eNotInitialised);
+}
+
+/// What a property was given by its init.
+template<class Made>
+const Made& initialised(const boost::shared_ptr<Made>& made)
+{
+    checkInitialised(made != nullptr);
+    return *made;
+}
+
+}  // namespace
 
 HoughLines2dImgImageSizeX::~HoughLines2dImgImageSizeX() = default;
 HoughLines2dImgImageSizeY::~HoughLines2dImgImageSizeY() = default;
@@ -24,7 +42,7 @@ void HoughLines2dImgImageSizeX::init(const WeakImage& input, const WeakHoughLine
 
 unsigned long HoughLines2dImgImageSizeX::getSizeX() const
 {
-    return m_made->getSizeX();
+    return initialised(m_made).getSizeX();
 }
 
 void HoughLines2dImgImageSizeY::init(const WeakImage& input, const WeakHoughLinesImgParams& params)
@@ -36,7 +54,7 @@ void HoughLines2dImgImageSizeY::init(const WeakImage& input, const WeakHoughLine
 
 unsigned long HoughLines2dImgImageSizeY::getSizeY() const
 {
-    return m_made->getSizeY();
+    return initialised(m_made).getSizeY();
 }
 
 void HoughLines2dImageSizeY::init(const WeakImage& input, const WeakHoughLinesImgParams& params,
@@ -49,7 +67,7 @@ void HoughLines2dImageSizeY::init(const WeakImage& input, const WeakHoughLinesIm
 
 unsigned long HoughLines2dImageSizeY::getSizeY() const
 {
-    return m_made->getSizeY();
+    return initialised(m_made).getSizeY();
 }
 
 void HoughLines2dImgOutputBufferType::init(const WeakImage& input, bool unsignedAsWell)
@@ -111,11 +129,13 @@ unsigned int HoughLines2dImageSizeYGreaterOrEqual::getNbThetaBins() const
 
 bool HoughLines2dImageSizeYGreaterOrEqual::testRule() const
 {
+    checkInitialised(isInitialised());
     return !getAttribute1()->hasValue() || getSizeY() >= getNbThetaBins();
 }
 
 std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleFormalString() const
 {
+    checkInitialised(isInitialised());
     return (LogMessageFormater(getORVIKIPLFeatureDetectionLogMessageManager())[eRuleMessage::eSizeYGreaterOrEqual]
             % getAttribute2()->getObjectName())
         .string();
@@ -123,6 +143,7 @@ std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleFormalString() const
 
 std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleEvaluatedString(unsigned int depth) const
 {
+    checkInitialised(isInitialised());
     LogMessageFormater text(getORVIKIPLFeatureDetectionLogMessageManager());
     text[eRuleMessage::eSizeYGreaterOrEqualEvaluated] % static_cast<unsigned int>(getSizeY())
         % getAttribute2()->getObjectName() % getNbThetaBins();

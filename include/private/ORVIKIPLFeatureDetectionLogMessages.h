@@ -25,6 +25,12 @@ struct eRuleMessage
     };
 };
 
+/// What this library's rules say beyond the rows above, whose number is fixed.
+struct eLibraryRuleMessage
+{
+    enum domain { eAccumulatorHasBins, eAccumulatorBins };
+};
+
 struct eOutputInitializerMessage
 {
     enum domain { eNullAttribute = 0 };
@@ -59,6 +65,11 @@ struct MsgMapRegistratorDerived<imaproc::fd::eRuleMessage, Unused> : FeatureDete
     static void addRows(LogMessageManager& manager);
 };
 template<class Unused>
+struct MsgMapRegistratorDerived<imaproc::fd::eLibraryRuleMessage, Unused> : FeatureDetectionMap
+{
+    static void addRows(LogMessageManager& manager);
+};
+template<class Unused>
 struct MsgMapRegistratorDerived<imaproc::fd::eOutputInitializerMessage, Unused> : FeatureDetectionMap
 {
     static void addRows(LogMessageManager& manager);
@@ -74,6 +85,8 @@ template<>
 void MsgMapRegistratorDerived<imaproc::fd::eProcessorMessage, void>::addRows(LogMessageManager& manager);
 template<>
 void MsgMapRegistratorDerived<imaproc::fd::eRuleMessage, void>::addRows(LogMessageManager& manager);
+template<>
+void MsgMapRegistratorDerived<imaproc::fd::eLibraryRuleMessage, void>::addRows(LogMessageManager& manager);
 template<>
 void MsgMapRegistratorDerived<imaproc::fd::eOutputInitializerMessage, void>::addRows(LogMessageManager& manager);
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "frame/attr/Records.h"
-#include "frame/imaproc/ImageInitializers.h"
+#include "frame/image/BaseImage.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 
@@ -19,9 +19,6 @@ bool isCyclic(const attr::HoughLinesImgParams& params);
 
 /// Rows, with those that continue a cyclic range.
 unsigned long accumulatorSizeY(const attr::HoughLinesImgParams& params, const attr::HoughLinesExtractionParams& extraction);
-
-/// The rule that an accumulator which is to be made has bins along both axes, and no more than 32-bit numbers reach.
-processor::RulePtr accumulatorHasBins(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made);
 
 /// Angle between two rows, in radians.
 double thetaStepOf(const attr::HoughLinesImgParams& params);

@@ -1,6 +1,5 @@
-#include "HoughLinesGeometry.h"
+#include "Processor/HoughLines2dImg/HoughLinesGeometry.h"
 
-#include "frame/imaproc/ImageRules.h"
 #include "frame/util/NumericLimits.h"
 
 #include <cmath>
@@ -34,47 +33,6 @@ unsigned long accumulatorSizeY(const HoughLinesImgParams& params, const HoughLin
     if (!isCyclic(params) || nbThetaBins == 0)  // of no rows none can go on
         return nbThetaBins;
     return nbThetaBins + 2ul * extraction.get<HoughLinesExtractionParams::PeakDist>();
-}
-
-namespace {
-
-class AccumulatorRule : public BaseImagePropertyRule
-{
-public:
-    AccumulatorRule(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made) : m_made(made)
-    {
-        initBase(input);
-    }
-    bool testRule() const override
-    {
-        return !getAttribute1()->hasValue() || (isPossible(m_made->getSizeX()) && isPossible(m_made->getSizeY()));
-    }
-    std::string createRuleFormalString() const override
-    {
-        return "accumulator of " + getAttribute1()->getObjectName() + " has 1 to " + std::to_string(s_most)
-               + " bins along rho and along theta";
-    }
-    std::string createRuleEvaluatedString(unsigned int depth) const override
-    {
-        std::string text = createRuleEvaluatedStartString(depth) + createRuleFormalString();
-        if (getAttribute1()->hasValue())
-            text += ": " + std::to_string(m_made->getSizeX()) + " along rho, " + std::to_string(m_made->getSizeY())
-                    + " along theta";
-        return text + "\n";
-    }
-
-private:
-    static const unsigned long s_most = NumericLimits<int>::s_max;
-    static bool isPossible(unsigned long nbBins) { return nbBins >= 1 && nbBins <= s_most; }
-
-    boost::shared_ptr<const BaseCustomImageInfo> m_made;
-};
-
-}  // namespace
-
-processor::RulePtr accumulatorHasBins(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made)
-{
-    return makeTogether<AccumulatorRule>(input, made);
 }
 
 double thetaStepOf(const HoughLinesImgParams& params)
