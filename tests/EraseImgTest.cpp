@@ -1,10 +1,8 @@
 // Erasing: all types, all planes, nothing else.
 
-#include "TestImages.h"
+#include "FamilyShapes.h"
 
 #include "siblings/Utility/Processor/EraseImg/EraseImgLvl2.h"
-
-#include "frame/attr/ImageAttributes.h"
 
 namespace orvik::test {
 namespace {
@@ -12,17 +10,11 @@ namespace {
 TEST(EraseImg, SetsAllPlanesToZeroAndNothingBetweenTheLines)
 {
     for (const image::eImageBufferType type : kAllTypes)
-        for (const unsigned long width : {1, 63, 65})
-            for (const unsigned long gap : {0, 5}) {
-                const image::ImageSizes sizes(width, 3, 2, 3, 2);
-                const GuardedImage guarded(type, sizes, gap);
-                fillRandom(*guarded.get(), 5);
-                const auto erase = processor::createInitialised<imaproc::util::EraseImgLvl2>();
-                erase->set<imaproc::attr::OutSubImg2d>(guarded.get());
-                executeSyncRun(erase);
-                EXPECT_TRUE(sameSamples(*image::createImage(type, sizes), *guarded.get()));
-                EXPECT_TRUE(guarded.areGuardsIntact());
-            }
+        for (const auto& [width, gap] : {std::make_pair(1ul, 5ul), {63, 0}, {65, 5}}) {
+            const GuardedImage guarded(*randomImage(type, {width, 3, 2, 3, 2}, 5), gap);
+            ran<imaproc::util::EraseImgLvl2, imaproc::attr::OutSubImg2d>(guarded.get());
+            EXPECT_TRUE(sameSamples(*image::createImage(type, {width, 3, 2, 3, 2}), *guarded.get()));
+        }
 }
 
 }  // namespace

@@ -1,55 +1,25 @@
 // Lines of planes: where they are found, which bins become lines, the calls.
 
-#include "TestImages.h"
-#include "TestRuns.h"
+#include "FamilyShapes.h"
 
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl2.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
 
-#include "frame/attr/ImageAttributes.h"
-#include "frame/attr/ValueAttributes.h"
 #include "frame/core/ActionProvider.h"
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
 
 namespace orvik::test {
 namespace {
 
+using namespace image;
 using namespace imaproc::attr;
 using namespace imaproc::fd;
-typedef boost::shared_ptr<const HoughLinesImgParams> ParamsPtr;
-typedef boost::shared_ptr<const HoughLinesExtractionParams> ExtractionPtr;
-typedef processor::ORVIKBaseProcessingException Refusal;
-
-const double kPi = 3.141592653589793;
-const double kNan = std::numeric_limits<double>::quiet_NaN();
-
-struct Line
-{
-    double rho, theta, votes;
-    bool operator==(const Line& other) const { return rho == other.rho && theta == other.theta && votes == other.votes; }
-};
-void PrintTo(const Line& line, std::ostream* out)
-{
-    *out << "rho " << line.rho << ", theta " << line.theta << ": " << line.votes;
-}
-typedef std::vector<Line> Lines;
-
-Lines linesOf(const HoughLines2dPpties& lines)
-{
-    Lines result;
-    for (std::size_t i = 0; i < lines.size(); ++i)
-        result.push_back({lines[i].get<HoughLine2dPpties::Rho>(), lines[i].get<HoughLine2dPpties::Theta>(),
-                          lines[i].get<HoughLine2dPpties::AccumulatorValue>()});
-    return result;
-}
+typedef HoughLinesImgParams Params;
+typedef HoughLinesExtractionParams Extraction;
 
 /// The pixels next to a line, one for each step along the axis that it is nearer to.
-void draw(image::BaseImage& image, double rho, double theta)
+void draw(BaseImage& image, double rho, double theta)
 {
     const double cosine = std::cos(theta), sine = std::sin(theta);
     const bool steep = std::fabs(cosine) > std::fabs(sine);
@@ -63,98 +33,86 @@ void draw(image::BaseImage& image, double rho, double theta)
     }
 }
 
-/// Whether two pairs mean the same line, within a bin of 1 pixel and 1 degree; theta + pi is the same with -rho.
-bool isSameLine(const Line& found, double rho, double theta)
+/// Draws lines of that angle through points in the middle and beside it: each is listed once, within a bin of 1 pixel and
+/// 1 degree, of which theta + pi is the same with -rho.
+void expectDrawnLines(unsigned long sizeX, unsigned long sizeY, double degrees,
+                      const boost::shared_ptr<const Params>& params)
 {
-    const double bin = kPi / 180;
-    for (const double turn : {-kPi, 0.0, kPi})
-        if (std::fabs(found.theta - theta + turn) <= bin && std::fabs(found.rho - (turn == 0.0 ? rho : -rho)) <= 1.0)
-            return true;
-    return false;
+    const double theta = degrees * kPi / 180;
+    const ImagePtr plane = blank(sizeX, sizeY);
+    Numbers rhos;
+    for (const double offset : {-25.0, 0.0, 31.0}) {
+        rhos.push_back(offset + std::floor(sizeX / 2.0) * std::cos(theta) + std::floor(sizeY / 2.0) * std::sin(theta));
+        draw(*plane, rhos.back(), theta);
+    }
+    const Numbers found = numbersOf(houghLines2d(plane, params, nullptr).first);
+    EXPECT_EQ(3.0, found[0]);
+    for (const double rho : rhos) {
+        int nbSame = 0;
+        for (std::size_t i = 1; i < found.size(); i += 3)
+            for (const double turn : {-kPi, 0.0, kPi})
+                nbSame += std::fabs(found[i + 1] - theta + turn) <= kPi / 180
+                    && std::fabs(found[i] - (turn == 0.0 ? rho : -rho)) <= 1.0;
+        EXPECT_EQ(1, nbSame) << sizeX << " x " << sizeY << ", " << degrees << " degrees, rho " << rho;
+    }
 }
 
 TEST(HoughLines, DrawnOnesAreListedOnceEachWithinOneBin)
 {
-    const double degree = kPi / 180;
-    for (const unsigned long sizeX : {120ul, 121ul})
-        for (const unsigned long sizeY : {100ul, 101ul})
-            for (const double degrees : {0.0, 0.3, 0.5, 1.0, 7.2, 30.0, 45.0, 60.4, 89.6, 90.0, 90.3, 120.0, 135.0, 150.7, 172.9,
-                                         178.0, 179.0, 179.5, 179.8}) {
-                SCOPED_TRACE(std::to_string(sizeX) + " x " + std::to_string(sizeY) + ", " + std::to_string(degrees));
-                const double theta = degrees * degree;
-                // Through points left and right of the centre, and one near it.
-                const ImagePtr plane = blank(sizeX, sizeY);
-                std::vector<double> rhos;
-                for (const double offset : {-25.0, 0.0, 31.0}) {
-                    rhos.push_back(offset + 60 * std::cos(theta) + 50 * std::sin(theta));
-                    draw(*plane, rhos.back(), theta);
-                }
-                const Lines found = linesOf(*houghLines2d(plane).first);
-                EXPECT_EQ(rhos.size(), found.size());
-                for (const double rho : rhos)
-                    EXPECT_EQ(1, std::count_if(found.begin(), found.end(),
-                                               [&](const Line& line) { return isSameLine(line, rho, theta); }));
-            }
+    for (const double degrees : {0.0, 0.3, 0.5, 1.0, 7.2, 30.0, 45.0, 60.4, 89.6, 90.0, 90.3, 120.0, 135.0, 150.7, 172.9,
+                                 178.0, 179.0, 179.5, 179.8})
+        for (const unsigned long sizeX : {120ul, 121ul})
+            for (const unsigned long sizeY : {100ul, 101ul})
+                expectDrawnLines(sizeX, sizeY, degrees, nullptr);
+    for (const double degrees : {0.1, 33.3, 91.0, 179.9})
+        expectDrawnLines(201, 200, degrees, Params::createNode(0.5, 0.0, kPi, 720u, 0.0f));
 }
 
-TEST(HoughLines, FineStepsListADrawnOneOnceToo)
+bool isCyclic(const Params& params)
 {
-    const ParamsPtr params = HoughLinesImgParams::createNode(0.5, 0.0, kPi, 720u, 0.0f);
-    for (const double degrees : {0.1, 33.3, 91.0, 179.9}) {
-        const ImagePtr plane = blank(201, 200);
-        const double theta = degrees * kPi / 180, rho = 90 * std::cos(theta) + 110 * std::sin(theta);
-        draw(*plane, rho, theta);
-        const Lines found = linesOf(*houghLines2d(plane, params, nullptr).first);
-        ASSERT_EQ(1u, found.size()) << degrees;
-        EXPECT_TRUE(isSameLine(found[0], rho, theta)) << degrees;
-    }
+    return params.get<Params::ThetaMin>() <= 0 && params.get<Params::ThetaMax>() >= kPi;
 }
 
 /// The lines from their definition, given the votes.
-Lines expectedLines(const image::BaseImage& plane, const ImagePtr& accumulator, const HoughLinesImgParams& params,
-                    const HoughLinesExtractionParams& extraction)
+Numbers expectedLines(const BaseImage& plane, const ImagePtr& accumulator, const Params& params,
+                      const Extraction& extraction)
 {
-    const double rhoStep = params.get<HoughLinesImgParams::RhoStep>(), thetaMin = params.get<HoughLinesImgParams::ThetaMin>();
-    const double thetaMax = params.get<HoughLinesImgParams::ThetaMax>();
-    const double nbAngles = params.get<HoughLinesImgParams::NbThetaBins>();
-    const unsigned int dist = extraction.get<HoughLinesExtractionParams::PeakDist>();
-    const bool cyclic = thetaMin <= 0 && thetaMax >= kPi;
-
-    std::vector<double> bins;
-    forEachSample(accumulator->getGeometry().getSizes(),
-                  [&](auto x, auto y, auto...) { bins.push_back(sampleAt(*accumulator, x, y)); });
+    const double rhoStep = params.get<Params::RhoStep>(), thetaMin = params.get<Params::ThetaMin>();
+    const double nbAngles = params.get<Params::NbThetaBins>(), thetaStep =
+        (params.get<Params::ThetaMax>() - thetaMin) / nbAngles;
+    const unsigned int dist = extraction.get<Extraction::PeakDist>();
+    double threshold = extraction.get<Extraction::Threshold>();
+    Numbers bins;
+    forEachSample(accumulator->getGeometry().getSizes(), [&](auto... at) { bins.push_back(sampleAt(*accumulator, at...)); });
     std::sort(bins.begin(), bins.end());
-    double threshold = extraction.get<HoughLinesExtractionParams::Threshold>();
-    if (extraction.get<HoughLinesExtractionParams::ThresholdType>() == eHLTT_Ratio)
+    if (extraction.get<Extraction::ThresholdType>() == eHLTT_Ratio)
         threshold *= bins.back();
-    else if (extraction.get<HoughLinesExtractionParams::ThresholdType>() == eHLTT_Quantile)
+    else if (extraction.get<Extraction::ThresholdType>() == eHLTT_Quantile)
         threshold = bins[static_cast<std::size_t>(
             std::max(0.0, std::ceil(std::min(threshold, 1.0) * static_cast<double>(bins.size())) - 1))];
-
-    const double hx = std::ceil(0.5 * static_cast<double>(plane.getSizeX())), hy = std::ceil(0.5 * static_cast<double>(plane.getSizeY()));
-    const double halfRho = std::trunc(1.0 + std::sqrt(hx * hx + hy * hy) / rhoStep);
+    const double centreX = static_cast<double>(plane.getSizeX() / 2), centreY = static_cast<double>(plane.getSizeY() / 2);
+    const double halfRho = static_cast<double>(accumulator->getSizeX() / 2);
     const auto peaks = extractLocalExtrema2d(accumulator, dist, dist, createLocalExtremaConfig(eLET_Maxima, threshold));
-    Lines lines;
+    Numbers lines = {0};
     for (std::size_t i = 0; i < peaks->size(); ++i) {
         double x = (*peaks)[i].get<Pixel2d::X>(), y = (*peaks)[i].get<Pixel2d::Y>();
-        if (cyclic && (y < dist || y >= dist + nbAngles))
+        if (isCyclic(params) && (y < dist || y >= dist + nbAngles))
             continue;
-        const bool mirrored = cyclic && y >= nbAngles;
+        const bool mirrored = isCyclic(params) && y >= nbAngles;
         y -= mirrored ? nbAngles : 0;
         x = mirrored ? 2 * halfRho - 1 - x : x;
-        const double angle = y * ((thetaMax - thetaMin) / nbAngles) + thetaMin, theta = cyclic ? std::fmod(angle, kPi) : angle;
-        const double centreX = std::floor(0.5 * static_cast<double>(plane.getSizeX()));
-        const double centreY = std::floor(0.5 * static_cast<double>(plane.getSizeY()));
-        lines.push_back({rhoStep * (x - halfRho) + centreX * std::cos(theta) + centreY * std::sin(theta), theta,
-                         (*peaks)[i].get<Pixel2d::Value>()});
+        const double angle = y * thetaStep + thetaMin, theta = isCyclic(params) ? std::fmod(angle, kPi) : angle;
+        append(lines, {rhoStep * (x - halfRho) + centreX * std::cos(theta) + centreY * std::sin(theta), theta,
+                       (*peaks)[i].get<Pixel2d::Value>()});
+        ++lines[0];
     }
     return lines;
 }
 
 /// Some lines and some noise.
-ImagePtr picture(image::eImageBufferType type, unsigned int seed)
+ImagePtr picture(eImageBufferType type, unsigned int seed)
 {
-    const ImagePtr image = blank(90, 77, 1, 1, type);
+    const ImagePtr image = createImage(type, {90, 77});
     std::mt19937 random(seed);
     for (int i = 0; i < 150; ++i)
         setSample(*image, 1, random() % 90, random() % 77);
@@ -167,156 +125,137 @@ ImagePtr picture(image::eImageBufferType type, unsigned int seed)
 
 TEST(HoughLines, AreTheHighestBinsOfTheContinuedAccumulator)
 {
-    const ParamsPtr many[] = {createHoughLinesImgParams(), HoughLinesImgParams::createNode(0.6, -0.2, 3.3, 100u, 0.0f),
-                              HoughLinesImgParams::createNode(1.3, -kPi, kPi, 90u, 0.0f),
-                              HoughLinesImgParams::createNode(1.0, 0.0, 3.0, 60u, 0.0f),
-                              HoughLinesImgParams::createNode(1.0, 0.5, 5.0, 5u, 0.0f)};
+    const WithThreads one(1);
     unsigned int seed = 81;
-    for (const image::eImageBufferType type : kAllTypes)
-        for (const ParamsPtr& params : many)
-            for (const std::pair<int, double>& threshold :
-                 std::initializer_list<std::pair<int, double> >{{0, 9.0}, {1, 0.4}, {2, 0.99}, {2, 1.5}, {3, 12.0}, {-1, 12.0}, {1, -0.5}, {1, 1.5}}) {
+    for (const eImageBufferType type : kAllTypes)
+        for (const auto& params :
+             {Params::createNode(1.0, 0.0, kPi, 180u, 0.0f), Params::createNode(0.6, -0.2, 3.3, 100u, 0.0f),
+                                   Params::createNode(1.3, -kPi, kPi, 90u, 0.0f),
+                                       Params::createNode(1.0, 0.0, 3.0, 60u, 0.0f),
+                                   Params::createNode(1.0, 0.5, 5.0, 5u, 0.0f)})
+            for (const auto& [kind, threshold] :
+                 {std::make_pair(0, 9.0), {1, 0.4}, {2, 0.99}, {2, 1.5}, {3, 12.0}, {-1, 12.0},
+                                                  {1, -0.5}, {1, 1.5}}) {
                 const unsigned int dist = std::vector<unsigned int>{0, 1, 4, 120}[seed % 4];
-                const ExtractionPtr extraction =
-                    HoughLinesExtractionParams::createNode(threshold.first, threshold.second, dist);
                 // Floats are not told apart by counts in the histogram.
-                if (threshold.first == 2 && type == image::eIBT_Real32)
+                if (kind == 2 && type == eIBT_Real32)
                     continue;
-                SCOPED_TRACE(toString(type) + ", threshold type " + std::to_string(threshold.first) + ", distance "
-                             + std::to_string(dist) + ", " + std::to_string(params->get<HoughLinesImgParams::NbThetaBins>())
-                             + " angles");
-                const WithThreads one(1);
+                SCOPED_TRACE(toString(type) + ", threshold type " + std::to_string(kind) + ", seed " + std::to_string(seed));
+                const auto extraction = Extraction::createNode(kind, threshold, dist);
                 const ImagePtr plane = picture(type, ++seed);
-                const HoughLines2dResult found = houghLines2d(plane, params, extraction);
-                const image::BaseImage& accumulator = *found.second;
-                EXPECT_EQ(type == image::eIBT_Real32 ? image::eIBT_Real32 : image::eIBT_UInt32, accumulator.getBufferType());
-                const unsigned long nbAngles = params->get<HoughLinesImgParams::NbThetaBins>(), sizeX = accumulator.getSizeX();
-                const bool cyclic = params->get<HoughLinesImgParams::ThetaMin>() <= 0
-                                    && params->get<HoughLinesImgParams::ThetaMax>() >= kPi;
-                ASSERT_EQ(nbAngles + (cyclic ? 2 * dist : 0), accumulator.getSizeY());
+                const auto [lines, accumulator] = houghLines2d(plane, params, extraction);
+                const unsigned long nbAngles = params->get<Params::NbThetaBins>(), sizeX = accumulator->getSizeX();
+                EXPECT_EQ(type == eIBT_Real32 ? eIBT_Real32 : eIBT_UInt32, accumulator->getBufferType());
+                ASSERT_EQ(nbAngles + (isCyclic(*params) ? 2 * dist : 0), accumulator->getSizeY());
                 // Votes for lines are floats for float images alone.
-                const ImagePtr votes =
-                    houghLines2dImg(type == image::eIBT_Label8 ? picture(image::eIBT_UInt8, seed) : plane, params);
-                forEachSample(accumulator.getGeometry().getSizes(), [&](auto x, auto y, auto...) {
+                const ImagePtr votes = houghLines2dImg(type == eIBT_Label8 ? picture(eIBT_UInt8, seed) : plane, params);
+                forEachSample(accumulator->getGeometry().getSizes(), [&, &out = *accumulator](auto x, auto y, auto...) {
                     // Each time that the angles end, the rows go on mirrored.
                     const unsigned long column = y / nbAngles % 2 == 0 ? x : sizeX - 1 - x;
-                    ASSERT_EQ(sampleAt(*votes, column, y % nbAngles), sampleAt(accumulator, x, y)) << x << ", " << y;
+                    ASSERT_EQ(sampleAt(*votes, column, y % nbAngles), sampleAt(out, x, y)) << x << ", " << y;
                 });
-                EXPECT_EQ(expectedLines(*plane, found.second, *params, *extraction), linesOf(*found.first));
+                EXPECT_TRUE(same(expectedLines(*plane, accumulator, *params, *extraction), numbersOf(lines)));
             }
 }
 
 TEST(HoughLines, OfNothingAreNone)
 {
-    for (const image::eImageBufferType type : {image::eIBT_UInt8, image::eIBT_Int32, image::eIBT_Real32})
-        for (const int thresholdType : {0, 1, 2}) {
-            const HoughLines2dResult found = houghLines2d(
-                blank(30, 20, 1, 1, type), nullptr, HoughLinesExtractionParams::createNode(thresholdType, 0.5, 3u));
-            EXPECT_EQ(0u, found.first->size());
-            EXPECT_EQ(186u, found.second->getSizeY());
-        }
-    const ImagePtr plane = picture(image::eIBT_UInt8, 82);
-    for (const int thresholdType : {0, 1, 2})
-        EXPECT_EQ(0u, houghLines2d(plane, nullptr, HoughLinesExtractionParams::createNode(thresholdType, kNan, 3u)).first->size());
-    EXPECT_EQ(0u, houghLines2d(plane, HoughLinesImgParams::createNode(kNan, 0.0, kPi, 18u, 0.0f), nullptr).first->size());
+    const ImagePtr plane = picture(eIBT_UInt8, 82);
+    for (const int kind : {0, 1, 2}) {
+        for (const eImageBufferType type : {eIBT_UInt8, eIBT_Int32, eIBT_Real32})
+            EXPECT_EQ(0u, houghLines2d(createImage(type, {30, 20}), nullptr,
+                                       Extraction::createNode(kind, 0.5, 3u)).first->size());
+        EXPECT_EQ(0u, houghLines2d(plane, nullptr, Extraction::createNode(kind, kNan, 3u)).first->size());
+    }
+    EXPECT_EQ(0u, houghLines2d(plane, Params::createNode(kNan, 0.0, kPi, 18u, 0.0f), nullptr).first->size());
 }
 
-TEST(HoughLines, AreListedByEveryCallShape)
+TEST(HoughLines, AreTheSameByEveryCallForStripsAndThreads)
 {
-    const ImagePtr plane = picture(image::eIBT_Binary, 83), stack = blank(90, 77, 2, 1, image::eIBT_Int16);
-    draw(*stack->getView(PlanIndex(0, 0, 0), 1), 30, 0.3);
-    draw(*stack->getView(PlanIndex(1, 0, 0), 1), 40, 1.3);
-    const ParamsPtr params = HoughLinesImgParams::createNode(0.8, 0.0, kPi, 120u, 0.0f);
-    const ExtractionPtr extraction = HoughLinesExtractionParams::createNode(eHLTT_Absolute, 20.0, 6u);
-    const HoughLines2dResult plain = houghLines2d(plane), chosen = houghLines2d(plane, params, extraction);
-    ASSERT_LT(0u, plain.first->size());
-    ASSERT_LT(0u, chosen.first->size());
-    const auto expectSame = [](const HoughLines2dResult& a, const HoughLines2dResult& b) {
-        EXPECT_EQ(linesOf(*a.first), linesOf(*b.first));
-        EXPECT_TRUE(sameSamples(*a.second, *b.second));
-    };
-    expectSame(plain, houghLines2d(plane, nullptr, nullptr));
-    expectSame(plain, getAsyncProcessorOutput(houghLines2d_async(plane)));
-    expectSame(chosen, getAsyncProcessorOutput(houghLines2d_async(plane, params, extraction)));
-
-    const MultiSliceHoughLines2dResult all = multiSlice_houghLines2d(stack), some = multiSlice_houghLines2d(stack, params, extraction);
-    EXPECT_EQ(2u, all.first->getNbPlans());
-    for (const unsigned long z : {0ul, 1ul}) {
-        const PlanIndex plan(z, 0, 0);
-        const ImagePtr slice = stack->getView(plan, 1);
-        expectSame(houghLines2d(slice), {all.first->getEntry(plan), all.second->getView(plan, 1)});
-        expectSame(houghLines2d(slice, params, extraction), {some.first->getEntry(plan), some.second->getView(plan, 1)});
-    }
-    const auto again = getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack));
-    EXPECT_EQ(linesOf(*all.first->getEntry(PlanIndex(1, 0, 0))), linesOf(*again.first->getEntry(PlanIndex(1, 0, 0))));
-    const auto asWell = getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack, params, extraction));
-    EXPECT_TRUE(sameSamples(*some.second, *asWell.second));
+    const ImagePtr drawn = createImage(eIBT_Int16, {90, 77, 2});
+    draw(*drawn->getView(PlanIndex(0, 0, 0), 1), 30, 0.3);
+    draw(*drawn->getView(PlanIndex(1, 0, 0), 1), 40, 1.3);
+    const GuardedImage guarded(*drawn, 3);
+    const ImagePtr &stack = guarded.get(), plane = drawn->getView(PlanIndex(1, 0, 0), 1);
+    const auto params = Params::createNode(0.8, 0.0, kPi, 120u, 0.0f);
+    const auto extraction = Extraction::createNode(eHLTT_Absolute, 20.0, 6u);
+    const auto one = numbersOf(houghLines2d(plane)), chosen = numbersOf(houghLines2d(plane, params, extraction));
+    const auto lines = planeByPlane(drawn, [](const ImagePtr& each) { return houghLines2d(each).first; });
+    const auto votes = planeByPlane(drawn, [](const ImagePtr& each) { return houghLines2d(each).second; });
+    const auto some = planeByPlane(drawn,
+                                   [&](const ImagePtr& each) { return houghLines2d(each, params, extraction).first; });
+    expectSameForStripsAndThreads([&] {
+        const auto all = multiSlice_houghLines2d(stack), allChosen = multiSlice_houghLines2d(stack, params, extraction);
+        const auto started = getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack));
+        const auto startedChosen =
+            getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack, params, extraction));
+        return std::vector<Call>{{one, houghLines2d(plane)},
+                                 {one, houghLines2d(plane, nullptr, nullptr)},
+                                 {one, houghLines2d_async(plane)},
+                                 {chosen, houghLines2d(plane, params, extraction)},
+                                 {chosen, houghLines2d_async(plane, params, extraction)},
+                                 {lines, all.first},
+                                 {votes, all.second},
+                                 {lines, started.first},
+                                 {votes, started.second},
+                                 {some, allChosen.first},
+                                 {some, startedChosen.first}};
+    });
 }
 
 TEST(HoughLines, MayBeRunAgainAndIntoACallersAccumulator)
 {
-    const ImagePtr plane = picture(image::eIBT_Int8, 84);
-    const HoughLines2dResult expected = houghLines2d(plane);
+    const ImagePtr plane = picture(eIBT_Int8, 84), given = randomImage(eIBT_Int32, {120, 200}, 85);
     const auto lines = processor::createInitialised<HoughLines2dLvl1>();
     lines->set<InGreyImg2d>(plane);
-    for (int run = 0; run < 2; ++run) {
+    for (const ImagePtr& accumulator : {ImagePtr(), ImagePtr(), given}) {
+        if (accumulator)
+            lines->set<OutOptImg>(accumulator);
         processor::executeSyncRun(lines);
-        EXPECT_EQ(linesOf(*expected.first), linesOf(*lines->getStorage<OutPIHoughLines2dPpties>()->getEntry(PlanIndex())));
+        EXPECT_TRUE(same(numbersOf(houghLines2d(plane).first), numbersOf(lines->getStorage<OutPIHoughLines2dPpties>())));
     }
-    const ImagePtr given = blank(expected.second->getSizeX(), expected.second->getSizeY(), 1, 1, image::eIBT_Int32);
-    fillRandom(*given, 85);
-    lines->set<OutOptImg>(given);
-    processor::executeSyncRun(lines);
     EXPECT_EQ(given, lines->getStorage<OutOptImg>());
-    EXPECT_EQ(linesOf(*expected.first), linesOf(*lines->getStorage<OutPIHoughLines2dPpties>()->getEntry(PlanIndex())));
 }
 
 TEST(HoughLines, EndAfterTheLastIteration)
 {
-    for (const int thresholdType : {0, 1}) {
-        const auto plane = processor::createInitialised<HoughLines2dLvl2>();
-        plane->set<InOptHoughLinesExtractionParams>(HoughLinesExtractionParams::createNode(thresholdType, 0.5, 1u));
-        processor::ProviderPtr provider;
-        const processor::RetrievalResult result =
-            plane->retrieveProvider(core::BasePriority(), thresholdType == 0 ? 3u : 4u, provider);
-        EXPECT_EQ(processor::eRRT_RetrievalFailed, result.getValue());
-        EXPECT_EQ("Invalid iteration number (cannot be greater than " + std::to_string(2 + thresholdType) + ")",
-                  result.getMessage());
-    }
+    for (const int kind : {0, 1})
+        expectLastIteration(kind == 0 ? 2 : 3, *processorWith<HoughLines2dLvl2, InOptHoughLinesExtractionParams>(
+                                                   Extraction::createNode(kind, 0.5, 1u)));
 }
 
 TEST(HoughLines, RefuseWhatDoesNotFitInWords)
 {
-    const ImagePtr plane = blank(5, 4), stack = blank(5, 4, 2);
-    EXPECT_EQ("HoughLines2dLvl1 refuses to run: mandatory attribute InGreyImg2d has no value (unset or null)",
-              thrownText<Refusal>([] { houghLines2d(nullptr); }));
+    const ImagePtr plane = blank(5, 4), stack = blank(5, 4, 2), given = createImage(eIBT_UInt32, {8, 200});
+    const ImagePtr inside = wrapBuffer(given->accessLine(199), eIBT_UInt32, {5, 4}, ImageStrides(), given);
+    const auto with = [&](const boost::shared_ptr<const Params>& params, unsigned int dist) {
+        return [=] { houghLines2d(plane, params, Extraction::createNode(1, 0.5, dist)); };
+    };
+    const auto into = [&](const ImagePtr& in, const ImagePtr& accumulator) {
+        return [=] { ran<HoughLines2dLvl1, InGreyImg2d, OutOptImg>(in, accumulator); };
+    };
     const std::string plans =
         "failed: entries of OutPIHoughLines2dPpties are the planes (z, c, t) of InGreyImg2d: 1 entries, 2 planes";
-    EXPECT_NE(std::string::npos, thrownText<Refusal>([&] { houghLines2d(stack); }).find(plans));
-    EXPECT_NE(std::string::npos,
-              thrownText<Refusal>([&] { getAsyncProcessorOutput(houghLines2d_async(stack)); }).find(plans));
-    EXPECT_NE(std::string::npos,
-              thrownText<Refusal>([&] {
-                  houghLines2d(plane, nullptr, HoughLinesExtractionParams::createNode(1, 0.5, 4294967295u));
-              }).find("bins along rho and along theta: 8 along rho, 8589934770 along theta"));
-    EXPECT_NE(std::string::npos,
-              thrownText<Refusal>([&] { houghLines2d(plane, HoughLinesImgParams::createNode(1.0, 0.0, 4.0, 0u, 0.0f), nullptr); })
-                  .find("bins along rho and along theta: 8 along rho, 0 along theta"));
+    const std::string bins = "bins along rho and along theta: 8 along rho, ";
+    expectRefusals({given}, {
+        {"HoughLines2dLvl1 refuses to run: mandatory attribute InGreyImg2d has no value (unset or null)",
+         into(nullptr, given)},
+        {plans, [&] { houghLines2d(stack); }},
+        {plans, [&] { getAsyncProcessorOutput(houghLines2d_async(stack)); }},
+        {bins + "8589934770 along theta", with(nullptr, 4294967295u)},
+        {bins + "0 along theta", with(Params::createNode(1.0, 0.0, 4.0, 0u, 0.0f), 1)},
+        {"Y 180 against 200", into(plane, createImage(eIBT_UInt32, {8, 180}))},
+        {"X 9 against 8", into(plane, createImage(eIBT_UInt32, {9, 200}))},
+        {"failed: buffer type, of OutOptImg", into(plane, blank(8, 200))},
+        {"failed: number of planes", into(plane, createImage(eIBT_UInt32, {8, 200, 2}))},
+        {"failed: memory of InGreyImg2d", into(inside, given)},
+        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dLvl1>()); }},
+    });
     // Where the angles do not go round, the distance has no rows to add, and sees the whole accumulator.
     setSample(*plane, 1, 3, 1);
-    EXPECT_EQ(1u, houghLines2d(plane, HoughLinesImgParams::createNode(1.0, 0.0, 3.0, 60u, 0.0f),
-                               HoughLinesExtractionParams::createNode(1, 0.5, 4294967295u))
+    EXPECT_EQ(1u, houghLines2d(plane, Params::createNode(1.0, 0.0, 3.0, 60u, 0.0f),
+                               Extraction::createNode(1, 0.5, 4294967295u))
                       .first->size());
-
-    const auto lines = processor::createInitialised<HoughLines2dLvl1>();
-    lines->set<InGreyImg2d>(plane);
-    const auto refused = [&](const ImagePtr& accumulator) {
-        lines->set<OutOptImg>(accumulator);
-        return thrownText<Refusal>([&] { processor::executeSyncRun(lines); });
-    };
-    EXPECT_NE(std::string::npos, refused(blank(8, 180, 1, 1, image::eIBT_UInt32)).find("Y 180 against 200"));
-    EXPECT_NE(std::string::npos, refused(blank(9, 200, 1, 1, image::eIBT_UInt32)).find("X 9 against 8"));
-    EXPECT_NE(std::string::npos, refused(blank(8, 200)).find("failed: buffer type, of OutOptImg"));
 }
 
 }  // namespace

@@ -3,11 +3,13 @@
 // Running a class with each of its kernels in turn.
 
 #include "frame/core/InstructionSet.h"
+#include "frame/processor/AlgorithmFunctionSelector.h"
 
 #include "TestImages.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <tuple>
 
@@ -15,11 +17,11 @@ namespace orvik::test {
 
 typedef std::tuple<image::eImageBufferType, core::eInstructionSet> TypeAndSet;
 
-/// All types with all sets, but AVX, which has kernels for floats alone, whole-number operations being no wider there.
-inline std::vector<TypeAndSet> allKernels()
+/// Types with all sets, but AVX, which has kernels for floats alone, whole-number operations being no wider there.
+inline std::vector<TypeAndSet> kernelsOf(const std::vector<image::eImageBufferType>& types)
 {
     std::vector<TypeAndSet> kernels;
-    for (const image::eImageBufferType type : kAllTypes)
+    for (const image::eImageBufferType type : types)
         for (const core::eInstructionSet set :
              {core::eIS_Generic, core::eIS_Sse2, core::eIS_Avx, core::eIS_Avx2, core::eIS_Avx512})
             if (set != core::eIS_Avx || type == image::eIBT_Real32)
@@ -27,13 +29,9 @@ inline std::vector<TypeAndSet> allKernels()
     return kernels;
 }
 
-inline std::vector<TypeAndSet> kernelsOf(image::eImageBufferType type)
+inline std::vector<TypeAndSet> allKernels()
 {
-    std::vector<TypeAndSet> kernels;
-    for (const TypeAndSet& kernel : allKernels())
-        if (std::get<0>(kernel) == type)
-            kernels.push_back(kernel);
-    return kernels;
+    return kernelsOf({std::begin(kAllTypes), std::end(kAllTypes)});
 }
 
 inline std::string kernelName(const ::testing::TestParamInfo<TypeAndSet>& info)
@@ -65,7 +63,11 @@ bool hasKernel(unsigned int bufferType, core::eInstructionSet set)
     return false;
 }
 
-/// A test of Level 3 class `X` with one of its kernels, which is forced meanwhile; skipped where there is none.
+/// Widths around whole vectors and blocks of any set.
+constexpr unsigned long kWidths[] = {1, 2, 3, 15, 16, 17, 31, 33, 62, 63, 64, 65, 66, 70, 127, 128, 129, 200, 257, 300};
+
+/// A test of Level 3 class `X` with one of its kernels, which is forced meanwhile and must be the one that ran last;
+/// skipped where there is none.
 template<class X>
 class KernelTest : public ::testing::TestWithParam<TypeAndSet>
 {
@@ -75,11 +77,44 @@ protected:
         if (!hasKernel<X>(type(), set()))
             GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
         m_forced = std::make_unique<ForcedSet<X> >(set());
+        lastEfficiency() = s_noKernel;
+    }
+    void TearDown() override
+    {
+        if (!m_forced)
+            return;
+        m_forced.reset();
+        const unsigned int last = lastEfficiency();
+        ASSERT_NE(s_noKernel, last) << "the test ran no kernel at all";
+        for (const auto& function : X::retrieveFunctionSelector().getFunctions())
+            if (function.getDataTypes().getType() == type() && function.getInstructionSets().getSet(0) == set()) {
+                EXPECT_EQ(function.getEfficiency(), last)
+                    << "another kernel ran last than that of " << core::getInstructionSetName(set());
+            }
     }
     image::eImageBufferType type() const { return std::get<0>(GetParam()); }
     core::eInstructionSet set() const { return std::get<1>(GetParam()); }
+    /// What `f` gives with plain code, which is not taken for the run of the kernel.
+    template<class F>
+    auto withPlainCode(F&& f)
+    {
+        m_forced.reset();
+        m_forced = std::make_unique<ForcedSet<X> >(core::eIS_Generic);
+        const auto result = f();
+        m_forced.reset();
+        m_forced = std::make_unique<ForcedSet<X> >(set());
+        lastEfficiency() = s_noKernel;
+        return result;
+    }
 
 private:
+    static constexpr unsigned int s_noKernel = 0xFFFFFFFF;  // ranks are far below
+
+    static std::atomic<unsigned int>& lastEfficiency()
+    {
+        return processor::getAlgorithmEntry(X::getTypeName()).lastEfficiency;
+    }
+
     std::unique_ptr<ForcedSet<X> > m_forced;
 };
 

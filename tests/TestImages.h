@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <type_traits>
 #include <vector>
@@ -36,6 +38,12 @@ void forEachSample(const image::ImageSizes& sizes, F&& f)
                 for (unsigned long y = 0; y < sizes.y; ++y)
                     for (unsigned long x = 0; x < sizes.x; ++x)
                         f(x, y, z, c, t);
+}
+
+inline bool isSigned(image::eImageBufferType type)
+{
+    const eDataType data = image::toDataType(type);
+    return data == eDT_Int8 || data == eDT_Int16 || data == eDT_Int32 || data == eDT_Real32;
 }
 
 /// A sample of any type; exact, since double holds them all.
@@ -83,19 +91,66 @@ inline ImagePtr randomImage(image::eImageBufferType type, const image::ImageSize
     return image;
 }
 
+/// Samples that are drawn from few values, so that equal ones meet.
+inline ImagePtr drawnImage(image::eImageBufferType type, const image::ImageSizes& sizes, const std::vector<double>& values,
+                           unsigned int seed)
+{
+    const ImagePtr image = image::createImage(type, sizes);
+    std::mt19937 random(seed);
+    forEachSample(sizes, [&](auto... at) { setSample(*image, values[random() % values.size()], at...); });
+    return image;
+}
+
+/// The limits of a type and what lies next to them; of floats, all that are odd.
+inline std::vector<double> oddValues(image::eImageBufferType type)
+{
+    std::vector<double> values;
+    image::withSampleType(image::toDataType(type), [&](auto sample) {
+        typedef NumericLimits<decltype(sample)> Limits;
+        const double min = static_cast<double>(Limits::s_min), max = static_cast<double>(Limits::s_max);
+        values = {min, max, max - 1, std::floor(max / 2), max > 16777217 ? 16777217 : 3};  // the first that floats round
+    });
+    values.insert(values.end(), {0, 1, 1, 2, 3});
+    const double infinity = std::numeric_limits<double>::infinity();
+    if (type == image::eIBT_Real32)
+        values.insert(values.end(), {std::nan(""), infinity, -infinity, -0.0, -1, 1e-45, 1e20, -1e20});
+    return values;
+}
+
+inline void copySamples(const image::BaseImage& from, image::BaseImage& to)
+{
+    const std::size_t lineSize = from.getSizeX() * image::getImageBufferBaseSize(from.getBufferType());
+    forEachSample(from.getGeometry().getSizes(), [&](auto x, auto... line) {
+        if (x == 0)
+            std::memcpy(to.accessLine(line...), from.getLine(line...), lineSize);
+    });
+}
+
+inline ImagePtr copyOf(const image::BaseImage& image)
+{
+    const ImagePtr copy = image::createImageLike(image, image.getBufferType());
+    copySamples(image, *copy);
+    return copy;
+}
+
+/// Some lines of a plane, as an image on the same memory.
+inline ImagePtr linesOf(const ImagePtr& plane, unsigned long first, unsigned long nbLines)
+{
+    return image::wrapBuffer(plane->accessLine(first), plane->getBufferType(), {plane->getSizeX(), nbLines},
+                             image::ImageStrides(plane->getStrides().y), plane);
+}
+
 /// Same sizes, types and bits; the first difference is told by its coordinates.
 inline ::testing::AssertionResult sameSamples(const image::BaseImage& a, const image::BaseImage& b)
 {
     const image::ImageSizes& sizes = a.getGeometry().getSizes();
     if (!(sizes == b.getGeometry().getSizes()) || a.getBufferType() != b.getBufferType())
-        return ::testing::AssertionFailure()
-               << toString(sizes) << ", " << toString(a.getBufferType()) << " against "
+        return ::testing::AssertionFailure() << toString(sizes) << ", " << toString(a.getBufferType()) << " against "
                << toString(b.getGeometry().getSizes()) << ", " << toString(b.getBufferType());
     const std::size_t sampleSize = image::getImageBufferBaseSize(a.getBufferType());
     ::testing::AssertionResult result = ::testing::AssertionSuccess();
     forEachSample(sizes, [&](unsigned long x, unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
-        if (result
-            && std::memcmp(static_cast<const char*>(a.getLine(y, z, c, t)) + x * sampleSize,
+        if (result && std::memcmp(static_cast<const char*>(a.getLine(y, z, c, t)) + x * sampleSize,
                            static_cast<const char*>(b.getLine(y, z, c, t)) + x * sampleSize, sampleSize) != 0)
             result = ::testing::AssertionFailure()
                      << toString(a.getBufferType()) << ", size " << toString(sizes) << ": at (" << x << ", " << y << ", "
@@ -105,8 +160,8 @@ inline ::testing::AssertionResult sameSamples(const image::BaseImage& a, const i
     return result;
 }
 
-/// An image on a caller's buffer, the lines apart by `gap` samples that belong to nobody: after a run they must still
-/// hold what they held. The buffer ends with the last sample, so that tools that watch memory see what is read past it.
+/// An image on a caller's buffer, the lines apart by `gap` samples that belong to nobody: they must still hold what they
+/// held when it ends. The buffer ends with the last sample, so that tools that watch memory see what is read past it.
 class GuardedImage
 {
 public:
@@ -121,6 +176,14 @@ public:
         m_image = image::wrapBuffer(static_cast<void*>(m_bytes.data()), type, sizes,
                                     image::ImageStrides(line, plane, volume, volume * static_cast<long>(sizes.c)));
     }
+
+    GuardedImage(const image::BaseImage& from, unsigned long gap)
+        : GuardedImage(from.getBufferType(), from.getGeometry().getSizes(), gap)
+    {
+        copySamples(from, *m_image);
+    }
+    GuardedImage(const GuardedImage&) = delete;
+    ~GuardedImage() { EXPECT_TRUE(areGuardsIntact()) << "bytes between the lines were written"; }
 
     const ImagePtr& get() const { return m_image; }
     bool areGuardsIntact() const
