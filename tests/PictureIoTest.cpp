@@ -75,6 +75,7 @@ protected:
 
     std::string written(const Bytes& bytes) const
     {
+        fs::remove(in("bytes"));  // file systems wait for the disk when a file is cut and written anew
         std::ofstream(in("bytes"), std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         return in("bytes");
     }
