@@ -194,11 +194,13 @@ TEST(HarrisCorner2dImg, RefusesBeforeAnyWorkAndSaysWhy)
         {"failed: memory of OutWk2Img", on({wk[0], wk[1], wk[1]}, out)},
         {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HarrisCorner2dImgLvl1>()); }},
     });
-    // The result may lie over a working image, but not over some of its lines.
+    // The result may lie over a working image or over the input, but not over some of their lines.
     const ImagePtr tall = randomImage(eIBT_Real32, {8, 12}, 26), first = linesOf(tall, 0, 8), later = linesOf(tall, 3, 8);
     expectRefusals({tall}, {{"failed: memory of OutWk1Img", on({first, wk[1], wk[2]}, later)},
                             {"failed: memory of OutWk2Img", on({wk[0], first, wk[2]}, later)},
-                            {"failed: memory of OutWk3Img", on({wk[0], wk[1], first}, later)}});
+                            {"failed: memory of OutWk3Img", on({wk[0], wk[1], first}, later)},
+                            {"failed: memory of InImg", [=] { run(first, wk, later); }},
+                            {"failed: memory of InImg", [=] { run(first, {wk[0], wk[1], later}, wk[3]); }}});
 }
 
 }  // namespace

@@ -1,24 +1,25 @@
 #!/usr/bin/env python3
 """Runs the program lines as a user does: LinesProgramTest.py PATH_OF_LINES."""
 
-import json
 import math
 import os
 import sys
 import unittest
 
-from programs import ProgramTestCase, read_csv, read_png, write_png
+from programs import ListingProgram, ProgramTestCase, read_png, write_png
 
 
-class LinesProgramTest(ProgramTestCase):
+class LinesProgramTest(ListingProgram, ProgramTestCase):
+    what = "lines"
+    columns = ["rho", "theta", "votes"]
     # A bright parallelogram: two horizontal sides and two slanted ones.
     picture = [[200 if 30 <= y < 90 and 20 <= x - y / 2 < 100 else 10 for x in range(170)] for y in range(120)]
     sides = [(29.5, math.pi / 2), (89.5, math.pi / 2)]
     sides += [(offset * math.cos(math.atan(0.5)), math.pi - math.atan(0.5)) for offset in (-20, -100)]
 
-    def list_of(self, *options, folder="."):
-        self.succeed("discs.v1.png", "-o", folder, *options)
-        return read_csv(self.path(folder, "discs.v1-lines.csv"), ["rho", "theta", "votes"])
+    def marks(self, x, y, listed):
+        distance = min(abs(x * math.cos(theta) + y * math.sin(theta) - rho) for rho, theta, _ in listed)
+        return distance < 0.35 or (None if distance <= 0.5 + 1e-6 else False)
 
     def assert_sides(self, lines, *options):
         self.assertEqual(len(self.sides), len(lines), (options, lines))
@@ -29,7 +30,7 @@ class LinesProgramTest(ProgramTestCase):
     def test_lists_the_sides_of_a_parallelogram(self):
         lines = self.list_of()
         self.assert_sides(lines)
-        self.assertEqual([line[2] for line in lines], sorted((line[2] for line in lines), reverse=True))
+        self.assertIn("lines       4 listed, at most 50\n", self.succeed("discs.v1.png"))
         self.assertEqual(lines[:2], self.list_of("--max", "2"))
         self.assertEqual([line for line in lines if line[2] >= 0.9 * lines[0][2]], self.list_of("--threshold", "0.9"))
         # Finer bins share out the votes, and a line takes up more of them.
@@ -54,38 +55,8 @@ class LinesProgramTest(ProgramTestCase):
         self.assertEqual([], self.list_of("--threshold", "0"))
         self.assertEqual([[(200, 200, 200)] * 40] * 30, read_png(self.path("discs.v1-lines-overlay.png")))
 
-    def test_writes_list_and_overlay(self):
-        lines = self.list_of()
-        report = self.succeed("discs.v1.png", "--format", "json")
-        self.assertIn("lines       4 listed, at most 50\n", report)
-        self.assertRegex(report, r"time +read [\d.]+ ms, gradient .*, edges [\d.]+ ms, lines [\d.]+ ms, write")
-        with open(self.path("discs.v1-lines.json")) as file:
-            self.assertEqual(lines, [(line["rho"], line["theta"], line["votes"]) for line in json.load(file)])
-        for y, row in enumerate(read_png(self.path("discs.v1-lines-overlay.png"))):
-            for x, shown in enumerate(row):
-                distance = min(abs(x * math.cos(theta) + y * math.sin(theta) - rho) for rho, theta, _ in lines)
-                if shown == (255, 0, 0):
-                    self.assertLessEqual(distance, 0.5 + 1e-6, (x, y))
-                else:
-                    self.assertEqual((self.picture[y][x],) * 3, shown, (x, y))
-                    self.assertGreaterEqual(distance, 0.35, (x, y))
-        self.assertEqual([], self.list_of("--max", "0"))
-
-    def test_same_list_on_every_way(self):
-        base = self.list_of("--threads", "1", "--instruction-set", "generic")
-        for way in (("--threads", "3"), ("--instruction-set", "sse2"), ()):
-            self.assertEqual(base, self.list_of(*way, folder="other"), way)
-
-    def test_failures_leave_nothing(self):
-        with open(self.path("text.png"), "w") as file:
-            file.write("no picture")
-        self.refuse(1, ["'text.png'"], "text.png", "-o", "new")
-        self.refuse(1, ["'missing.png'"], "missing.png", "-o", "new")
-        for name in ("discs.v1-lines.csv", "discs.v1-lines-overlay.png"):
-            os.makedirs(self.path("taken" + name[-3:], name))
-            self.refuse(1, [name, "directory"], "discs.v1.png", "-o", "taken" + name[-3:])
-        for option, value in (("--threshold", "2"), ("--threshold", "nan"), ("--angles", "0"), ("--angles", "1.5"),
-                              ("--rho-step", "0"), ("--distance", "-1"), ("--max", "-1"), ("--format", "xml")):
+    def test_wrong_command_lines(self):
+        for option, value in (("--threshold", "2"), ("--threshold", "nan"), ("--angles", "0"), ("--angles", "1.5"), ("--rho-step", "0")):
             self.refuse(2, [option, value], "discs.v1.png", option, value)
         self.refuse(2, ["--low", "--high"], "discs.v1.png", "--low", "9", "--high", "3")
         many = ("--rho-step", "0.01", "--angles", "36000", "--distance", "10000")  # 5 GB of votes

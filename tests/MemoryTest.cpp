@@ -69,15 +69,21 @@ using namespace imaproc;
 using namespace processor;
 using image::ImageSizes;
 
-/// Runs `f` with its allocation number `n` failing; whether that many were asked for.
+/// Runs `f` with its allocation number `n` failing; what it threw. `failed`: whether that many were asked for.
 template<class F>
-bool failAllocation(long n, F&& f)
+std::exception_ptr failAllocation(long n, bool& failed, F&& f)
 {
+    std::exception_ptr thrown;
     g_failed = false;
     g_failAfter = n;
-    f();
+    try {
+        f();
+    } catch (...) {
+        thrown = std::current_exception();
+    }
     g_failAfter = -1;
-    return g_failed;
+    failed = g_failed;
+    return thrown;
 }
 
 TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
@@ -103,14 +109,7 @@ TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
         for (const boost::shared_ptr<BaseProcessor>& run : {boost::shared_ptr<BaseProcessor>(hash), boost::shared_ptr<BaseProcessor>(hook)}) {
             long n = 0;
             for (bool failed = true; failed; ++n) {
-                std::exception_ptr thrown;
-                failed = failAllocation(n, [&] {
-                    try {
-                        executeSyncRun(run);
-                    } catch (...) {
-                        thrown = std::current_exception();
-                    }
-                });
+                const std::exception_ptr thrown = failAllocation(n, failed, [&] { executeSyncRun(run); });
                 ASSERT_EQ(failed, thrown != nullptr) << "allocation " << n << ", " << nbThreads << " threads";
                 if (thrown) {
                     EXPECT_THROW(std::rethrow_exception(thrown), std::bad_alloc) << "allocation " << n;
@@ -132,17 +131,10 @@ TEST(Memory, ThatRunsOutWhileAFailureIsToldLeavesAFailure)
     const WithThreads one(1);
     const std::string text = "a text that is too long for a string to hold without memory of its own";
     const OnLine onLine([&](unsigned long) { return failure(text); });
-    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    const auto hook = hookOn(blank(2, 3));
     long n = 0;
     for (bool failed = true; failed; ++n) {
-        std::exception_ptr thrown;
-        failed = failAllocation(n, [&] {
-            try {
-                executeSyncRun(hook);
-            } catch (...) {
-                thrown = std::current_exception();
-            }
-        });
+        const std::exception_ptr thrown = failAllocation(n, failed, [&] { executeSyncRun(hook); });
         try {
             ASSERT_TRUE(thrown) << "allocation " << n;
             std::rethrow_exception(thrown);
@@ -156,22 +148,21 @@ TEST(Memory, ThatRunsOutWhileAFailureIsToldLeavesAFailure)
 TEST(Memory, ThatRunsOutWhileARunIsStartedLeavesItNotRunning)
 {
     const WithThreads threads(2);
-    const auto hook = hookOn(image::createImage(image::eIBT_UInt8, ImageSizes(2, 3)));
+    const auto hook = hookOn(blank(2, 3));
     // oneTBB makes its threads for the first background run; without memory for them it tells nobody, and the run waits.
     hook->run(core::eST_Asynchronous);
     hook->waitForEnd();
     for (long n = 0; n < 40; ++n) {
-        bool refused = false;
-        const bool failed = failAllocation(n, [&] {
-            try {
-                hook->run(core::eST_Asynchronous);
-            } catch (const std::bad_alloc&) {
-                refused = true;
-            }
+        bool failed = false;
+        const std::exception_ptr refused = failAllocation(n, failed, [&] {
+            hook->run(core::eST_Asynchronous);
             for (int i = 0; i < 5000 && hook->isRunning(); ++i)
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
         });
         ASSERT_FALSE(hook->isRunning()) << "allocation " << n;
+        if (refused) {
+            EXPECT_THROW(std::rethrow_exception(refused), std::bad_alloc) << "allocation " << n;
+        }
         EXPECT_EQ(failed, refused || hook->hasFailed()) << "allocation " << n;
         EXPECT_TRUE(hook->run(core::eST_Synchronous).getValue()) << "after allocation " << n;
     }

@@ -4,15 +4,11 @@
 
 #include "siblings/AdvancedMorphology/Processor/ComponentLabels.h"
 #include "siblings/AdvancedMorphology/Processor/ExtremumPropagation.h"
+#include "siblings/AdvancedMorphology/Processor/StripSpreadKernel.h"
 #include "siblings/AdvancedMorphology/Processor/WeakSpreader.h"
 
 #include "frame/attr/Records.h"
 #include "frame/image/Strips.h"
-#include "frame/simd/KernelUnit.h"
-#include "frame/simd/OpenGeneric.h"
-#include "frame/simd/Simd.h"
-#include "siblings/AdvancedMorphology/Processor/StripSpreadKernel.h"
-#include "frame/simd/CloseSet.h"
 
 #include <functional>
 
@@ -74,8 +70,8 @@ struct Neighbors : ::testing::TestWithParam<Case>
         const bool volume = part->getSizeZ() > 1;
         for (unsigned long start = 0, count = 0, size = volume ? 5 : 7; start < size; start += count) {
             count = std::min(height, size - start);
-            const ByteLines lines = volume ? linesOf(image::OutputImageZStrip3d(part, PlanIndex(), start, count))
-                                           : linesOf(image::OutputImageYStrip2d(part, PlanIndex(), start, count));
+            const ByteLines lines = volume ? imaproc::advmorpho::linesOf(image::OutputImageZStrip3d(part, PlanIndex(), start, count))
+                                           : imaproc::advmorpho::linesOf(image::OutputImageYStrip2d(part, PlanIndex(), start, count));
             strips[{start, count}] = StatsResult::createNode(0, 0, 0, 0, GetParam().spreadInStrip(lines), 0);
         }
         return spreadAcrossStrips(*part, GetParam().table, strips);

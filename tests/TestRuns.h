@@ -3,6 +3,7 @@
 // What tests of runs share: the text of an expected exception, settings that end with their scope.
 
 #include "frame/core/Scheduler.h"
+#include "frame/processor/BaseProcessor.h"
 #include "frame/util/BaseException.h"
 
 #include <gtest/gtest.h>
@@ -23,6 +24,19 @@ std::string thrownText(F&& f)
     }
     ADD_FAILURE() << "nothing was thrown";
     return std::string();
+}
+
+/// The text with which a split, a rule or a run refuses.
+template<class F>
+std::string refusalOf(F&& f)
+{
+    return thrownText<processor::ORVIKBaseProcessingException>(f);
+}
+
+template<class P>
+std::string runRefusal(const boost::shared_ptr<P>& processor)
+{
+    return refusalOf([&] { processor::executeSyncRun(processor); });
 }
 
 struct WithThreads

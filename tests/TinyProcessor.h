@@ -94,68 +94,54 @@ void hashLine(const std::vector<const Sample*>& rows, const image::StripMargins&
     }
 }
 
-class HashYLvl3 : public ProcessingAlgorithm<HashYLvl3, InTinyKnlYStrip, InReach, OutTinyYStrip>
+/// Lines of planes or of volumes, as the border says.
+template<class D, class Border, class In, class Out>
+class HashBase : public ProcessingAlgorithm<D, In, InReach, Out>
 {
-    ORVIK_PROCESSOR(HashYLvl3, 1)
-
+public:
     typedef LineStripParserMode ParserMode;
 
     processor::StageResult preProcess() override
     {
-        const Reach& reach = *value<InReach>();
-        setBorder<InTinyKnlYStrip>(image::Border2dPolicy(
-            static_cast<image::eBorderType>(reach.get<Reach::Border>()), reach.get<Reach::Value>()));
+        const Reach& reach = *this->template value<InReach>();
+        const Border border(static_cast<image::eBorderType>(reach.get<Reach::Border>()), reach.get<Reach::Value>());
+        this->template setBorder<In>(border);
         return done();
     }
     template<class Sample, core::eInstructionSet>
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info)
     {
-        const auto* const in = parser<InTinyKnlYStrip, Sample>();
-        const auto* const out = parser<OutTinyYStrip, Hash>();
+        const auto* const in = this->template parser<In, Sample>();
+        const auto* const out = this->template parser<Out, Hash>();
         if (!in || !out)
-            return wrongSampleType();
-        const image::StripMargins m = marginsOf(*value<InReach>());
+            return this->wrongSampleType();
+        const image::StripMargins m = marginsOf(*this->template value<InReach>());
         std::vector<const Sample*> rows;
-        for (unsigned long y = 0; y < m.startY + 1 + m.endY; ++y)
-            rows.push_back(in->accessBuffer(y));
-        hashLine(rows, m, info, out->accessBuffer());
-        return success();
-    }
-};
-inline HashYLvl3::HashYLvl3() = default;
-inline HashYLvl3::~HashYLvl3() = default;
-
-class HashZLvl3 : public ProcessingAlgorithm<HashZLvl3, InTinyKnlZStrip, InReach, OutTinyZStrip>
-{
-    ORVIK_PROCESSOR(HashZLvl3, 2)
-
-    typedef LineStripParserMode ParserMode;
-
-    processor::StageResult preProcess() override
-    {
-        const Reach& reach = *value<InReach>();
-        setBorder<InTinyKnlZStrip>(image::Border3dPolicy(
-            static_cast<image::eBorderType>(reach.get<Reach::Border>()), reach.get<Reach::Value>()));
-        return done();
-    }
-    template<class Sample, core::eInstructionSet>
-    BoolResult genericProcessFunction(const processor::ProcessingInfo& info)
-    {
-        const auto* const in = parser<InTinyKnlZStrip, Sample>();
-        const auto* const out = parser<OutTinyZStrip, Hash>();
-        if (!in || !out)
-            return wrongSampleType();
-        const image::StripMargins m = marginsOf(*value<InReach>());
-        std::vector<const Sample*> rows;
-        for (unsigned long z = 0; z < m.startZ + 1 + m.endZ; ++z)
+        for (unsigned long z = 0; z < (s_volumes ? m.startZ + 1 + m.endZ : 1); ++z)
             for (unsigned long y = 0; y < m.startY + 1 + m.endY; ++y)
-                rows.push_back(in->accessBuffer(z, y));
+                if constexpr (s_volumes)
+                    rows.push_back(in->accessBuffer(z, y));
+                else
+                    rows.push_back(in->accessBuffer(y));
         hashLine(rows, m, info, out->accessBuffer());
         return success();
     }
+
+private:
+    static constexpr bool s_volumes = std::is_same<Border, image::Border3dPolicy>::value;
 };
-inline HashZLvl3::HashZLvl3() = default;
-inline HashZLvl3::~HashZLvl3() = default;
+
+#define TINY_HASH(Name, Border, In, Out) \
+    class Name : public HashBase<Name, image::Border, In, Out> \
+    { \
+        ORVIK_PROCESSOR(Name, 1) \
+    }; \
+    inline Name::Name() = default; \
+    inline Name::~Name() = default; \
+    const processor::KernelRegistrator<Name, processor::AllKernelTypes, core::eIS_Generic> g_kernels##Name(__FILE__)
+TINY_HASH(HashYLvl3, Border2dPolicy, InTinyKnlYStrip, OutTinyYStrip);
+TINY_HASH(HashZLvl3, Border3dPolicy, InTinyKnlZStrip, OutTinyZStrip);
+#undef TINY_HASH
 
 template<bool Volumes>
 class HashLvl2 : public processor::Processor<HashLvl2<Volumes>, processor::BaseAsync1Processor, InTinyImg, InReach, OutTinyImg>
@@ -365,8 +351,6 @@ class HookLvl1 : public processor::Processor<HookLvl1, processor::BaseAsync1Proc
 inline HookLvl1::HookLvl1() = default;
 inline HookLvl1::~HookLvl1() = default;
 
-const processor::KernelRegistrator<HashYLvl3, processor::AllKernelTypes, core::eIS_Generic> g_kernelsHashY(__FILE__);
-const processor::KernelRegistrator<HashZLvl3, processor::AllKernelTypes, core::eIS_Generic> g_kernelsHashZ(__FILE__);
 const processor::KernelRegistrator<HookLvl3, processor::AllKernelTypes, core::eIS_Generic> g_kernelsHook(__FILE__);
 
 }  // namespace orvik::imaproc::tiny

@@ -1,11 +1,19 @@
 """What the tests share."""
 
+from concurrent.futures import ThreadPoolExecutor
+
 import numpy
 import orvik_fd
 import pytest
 
 #: dtypes of images, and what an array of each is like.
 DTYPES = ["int8", "uint8", "int16", "uint16", "int32", "uint32", "float32", "bool"]
+
+
+def inThreads(number, use):
+    """What use(i) gives on each of so many threads; raises what one raised."""
+    with ThreadPoolExecutor(number) as pool:
+        return list(pool.map(use, range(number)))
 
 
 @pytest.fixture

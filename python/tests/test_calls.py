@@ -12,6 +12,8 @@ import numpy
 import orvik_fd
 import pytest
 
+from conftest import inThreads
+
 
 @pytest.fixture
 def large(rng):
@@ -28,10 +30,9 @@ def test_aHandleWaitsAndGivesTheResult(large):
     handle = orvik_fd.harrisCorner2dImg_async(large, 2)
     assert handle.wait() and handle.done()
     assert (handle.result() == expected).all()
-    assert handle.result() is handle.result()
     assert "ended" in repr(handle)
     handle.cancel()
-    assert (handle.result(timeout=0) == expected).all()
+    assert handle.result(timeout=0) is handle.result()
 
 
 def test_aLongCallIsCancelled(large):
@@ -60,15 +61,11 @@ def test_aClosedHandleSaysSo(large):
 def test_aFailedHandleTellsTheReasonEachTime(small):
     handle = orvik_fd.cannyEdges2dImg_async(small, small[:7], lowThreshold=1, highThreshold=2)
     assert handle.wait()
-    texts = set()
-    for _ in range(2):
+    atOnce = lambda: orvik_fd.cannyEdges2dImg(small, small[:7], lowThreshold=1, highThreshold=2)
+    for call in (handle.result, handle.result, atOnce):
         with pytest.raises(orvik_fd.Error, match="InGxGreyImg2d .56 x 40.*InGyGreyImg2d .56 x 7") as raised:
-            handle.result()
+            call()
         assert isinstance(raised.value, ValueError)
-        texts.add(str(raised.value))
-    with pytest.raises(orvik_fd.Error) as atOnce:
-        orvik_fd.cannyEdges2dImg(small, small[:7], lowThreshold=1, highThreshold=2)
-    assert len(texts) == 1 and "56 x 7" in str(atOnce.value)
 
 
 def test_aDroppedHandleGoesOn(large):
@@ -92,44 +89,33 @@ def test_otherThreadsGoOnMeanwhile(large, call):
 
     def tick():
         nonlocal nbTicks
-        while not stop.is_set():
+        while not stop.wait(0.001):
             nbTicks += 1
-            time.sleep(0.001)
+
+    def ticksInACall(i):
+        before = nbTicks
+        call(large)
+        return nbTicks - before
 
     ticker = threading.Thread(target=tick)
     ticker.start()
-    mostInOneCall = 0
-    try:
-        for _ in range(100):  # the machine may be busy with something else for some of them
-            before = nbTicks
-            call(large)
-            mostInOneCall = max(mostInOneCall, nbTicks - before)
-            if mostInOneCall > 3:
-                break
+    try:  # the machine may be busy with something else for some of the calls
+        assert any(ticksInACall(i) > 3 for i in range(100)), "a tick on the way into a call and one on the way out are none"
     finally:
         stop.set()
         ticker.join()
-    assert mostInOneCall > 3, "without the lock's release there is at most a tick on the way into a call, one on the way out"
 
 
 def test_threadsCallAtOnce(rng):
     pictures = [rng.integers(0, 255, (97 + i, 120)).astype(numpy.uint8) for i in range(6)]
     expected = [orvik_fd.harrisCorner2d(p, 50, 3) for p in pictures]
-    wrong = []
 
     def work(i):
         for _ in range(20):
-            found = orvik_fd.harrisCorner2d(pictures[i], 50, 3)
-            later = orvik_fd.harrisCorner2d_async(pictures[i], 50, 3).result()
-            if not ((found == expected[i]).all() and (later == expected[i]).all()):
-                wrong.append(i)
+            assert (orvik_fd.harrisCorner2d(pictures[i], 50, 3) == expected[i]).all()
+            assert (orvik_fd.harrisCorner2d_async(pictures[i], 50, 3).result() == expected[i]).all()
 
-    threads = [threading.Thread(target=work, args=(i,)) for i in range(6)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert wrong == []
+    inThreads(6, work)
 
 
 def test_progressIsTold(large):
@@ -160,33 +146,25 @@ def test_anExceptionOfTheCallbackEndsTheCall(large):
     with pytest.raises(LookupError, match="enough at 0.1"):
         orvik_fd.harrisCorner2dImg(planes, 2, progress=refuse)
     handle = orvik_fd.harrisCorner2dImg_async(planes, 2, progress=refuse)
-    raised = []
 
-    def ask():
+    def ask(i):
+        raised = []
         for _ in range(20):
             with pytest.raises(LookupError, match="enough at 0.1") as error:
                 handle.result()
             raised.append(error.value)
+        return raised
 
-    askers = [threading.Thread(target=ask) for _ in range(3)]
-    for asker in askers:
-        asker.start()
-    ask()
-    for asker in askers:
-        asker.join()
-    assert len(raised) == 80 and all(error is raised[0] for error in raised)
+    assert len({id(error) for raised in inThreads(4, ask) for error in raised}) == 1
 
 
 def test_aCallbackMayCall(large):
-    counts = []
-
-    def nested(fraction):
-        counts.append(len(orvik_fd.extractLocalExtrema2d(large[:500, :500], 3, 3, maxNbExtrema=5)))
-
     for nbThreads in (1, 2):
+        counts = []
         orvik_fd.setNbThreads(nbThreads)
-        orvik_fd.harrisCorner2dImg(large[:100, :100], 2, progress=nested)
-    assert counts and set(counts) == {5}
+        orvik_fd.harrisCorner2dImg(large[:100, :100], 2, progress=lambda fraction: counts.append(
+            len(orvik_fd.extractLocalExtrema2d(large[:500, :500], 3, 3, maxNbExtrema=5))))
+        assert set(counts) == {5}
 
 
 def test_aCallbackCanNotWait(large):
@@ -203,20 +181,11 @@ def test_aCallbackCanNotWait(large):
 
 
 def test_threadsShareAHandle(large):
-    def everywhere(use):
-        found = []
-        threads = [threading.Thread(target=lambda: found.append(use())) for _ in range(4)]
-        for thread in threads:
-            thread.start()
-        for thread in threads:
-            thread.join()
-        return found
-
     for _ in range(50):
         handle = orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2)
-        results = everywhere(handle.result)
-        assert len(results) == 4 and all(result is results[0] for result in results)
-        assert everywhere(handle.close) == [None] * 4
+        results = inThreads(4, lambda i: handle.result())
+        assert all(result is results[0] for result in results)
+        inThreads(4, lambda i: handle.close())
 
 
 def test_whatHoldsItsHandleIsCollected(large):
@@ -227,23 +196,20 @@ def test_whatHoldsItsHandleIsCollected(large):
         def told(self, fraction):
             pass
 
-    waited, unwaited = Owner(), Owner()
-    waited.handle.result()
-    unwaitedRun = weakref.ref(unwaited)
-    waitedRun = weakref.ref(waited)
-    del waited, unwaited
+    owners = [Owner(), Owner()]
+    owners[0].handle.result()  # the other one is never waited for
+    alive = [weakref.ref(owner) for owner in owners]
+    owners.clear()
     time.sleep(0.5)
     orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2).result()  # the next call gives back what is left of earlier ones
     gc.collect()
-    assert waitedRun() is None and unwaitedRun() is None
+    assert [owner() for owner in alive] == [None, None]
 
 
 @pytest.mark.parametrize("call, error, text", [
     (lambda a: orvik_fd.extractLocalExtrema2d(a, -1, 1), ValueError, "inFeaturesDistX: -1 is negative"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 2**32), ValueError, "inFeaturesDistY: 4294967296 is outside 0 to"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1.0, 1), TypeError, "inFeaturesDistX: a whole number"),
-    (lambda a: orvik_fd.extractLocalExtrema2d(a, "1", 1), TypeError, "inFeaturesDistX: a whole number"),
-    (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, maxNbExtrema=-5), ValueError, "maxNbExtrema: -5 is negative"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, maxNbExtrema=2**64), ValueError, "maxNbExtrema: .* outside"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, threshold="x"), TypeError, "threshold: a number"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, localExtremumType=4), ValueError, "localExtremumType: 4 .*eLET_Minima"),
@@ -251,9 +217,7 @@ def test_whatHoldsItsHandleIsCollected(large):
      TypeError, "localExtremumType: .*eLocalExtremumType"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1, 1, maximum=5), TypeError, "extractLocalExtrema2d.* 'maximum'"),
     (lambda a: orvik_fd.extractLocalExtrema2d(a, 1), TypeError, "'inFeaturesDistY'"),
-    (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=1), TypeError, "'highThreshold'"),
     (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=None, highThreshold=1), TypeError, "lowThreshold"),
-    (lambda a: orvik_fd.cannyEdges2dImg(a, a, lowThreshold=(1, 2), highThreshold=1), TypeError, "lowThreshold: a number"),
     (lambda a: orvik_fd.cannyEdges2dImg(a, a, 0, a.astype(numpy.float32), lowThreshold=1, highThreshold=1), ValueError,
      "outImg: ePOP_Labels .*not of float32"),
     (lambda a: orvik_fd.cannyEdges2dImg(a, a, 7, lowThreshold=1, highThreshold=2), ValueError, "inOptimizationPolicy: 7"),
@@ -262,15 +226,11 @@ def test_whatHoldsItsHandleIsCollected(large):
     (lambda a: orvik_fd.harrisCorner2d(a, maxNbCorners=3, featuresDist=3, featuresDistX=3), TypeError, "not both"),
     (lambda a: orvik_fd.harrisCorner2d(a, -3, 3), ValueError, "maxNbCorners: -3 is negative"),
     (lambda a: orvik_fd.harrisCorner2d(a, 3, -3), ValueError, "featuresDist: -3 is negative"),
-    (lambda a: orvik_fd.harrisCorner2d(a, 0.0, 3, 3), orvik_fd.Error, "InOptGradStdDev"),
     (lambda a: orvik_fd.harrisCorner2dImg(a, 1e300), ValueError, "inOptGradStdDev: 1e.300 is beyond"),
     (lambda a: orvik_fd.gaussianGradient2dImg(a), TypeError, "stdDev"),
-    (lambda a: orvik_fd.gaussianGradient2dImg(a, 1, coverage="wide"), TypeError, "coverage: a number"),
     (lambda a: orvik_fd.houghLines2dImg(a, nbThetaBins=0), orvik_fd.Error, "0 along theta"),
     (lambda a: orvik_fd.houghLines2dImg(a, nbThetaBins=2**31 - 1, rhoStep=1e-6), MemoryError, "there is no memory"),
-    (lambda a: orvik_fd.houghLines2d(a, nbThetaBins=0), orvik_fd.Error, "0 along theta"),
     (lambda a: orvik_fd.houghLines2d_async(a).wait("long"), TypeError, "timeout: a number is expected, not 'long'"),
-    (lambda a: orvik_fd.houghLines2d(a, peakDist=-1), ValueError, "peakDist: -1 is negative"),
     (lambda a: orvik_fd.maxL2Norm2Msr(a, a.astype(numpy.int8)), orvik_fd.Error, "buffer type"),
 ])
 def test_wrongArgumentsAreRefusedByName(small, call, error, text):

@@ -26,12 +26,11 @@ int main()
     const auto samePlainly = fd::getAsyncProcessorOutput(run);
     fd::CannyEdges2dImgLvl3::releaseForcedInstructionSets();
     unsigned nbEdges = 0, nbDifferent = 0;
-    for (unsigned long y = 0; y < 48; ++y)
-        for (unsigned long x = 0; x < 64; ++x) {
-            const auto a = static_cast<const unsigned char*>(edges->getLine(y))[x];
-            nbEdges += a;
-            nbDifferent += a != static_cast<const unsigned char*>(samePlainly->getLine(y))[x];
-        }
+    for (unsigned long i = 0; i < 64 * 48; ++i) {
+        const auto a = static_cast<const unsigned char*>(edges->getLine(i / 64))[i % 64];
+        nbEdges += a;
+        nbDifferent += a != static_cast<const unsigned char*>(samePlainly->getLine(i / 64))[i % 64];
+    }
     std::cout << "edges " << nbEdges << ", plainly " << nbDifferent << " different\n";
 
     std::cout << "corners " << fd::harrisCorner2d(picture, 4, 5)->size() << " of "
@@ -41,9 +40,8 @@ int main()
     std::cout << "votes " << (lines.second->getSizeX() == fd::houghLines2dImg(edges)->getSizeX()) << ", lines "
               << (lines.first->size() > 0) << "\n";
 
-    const auto wider = image::createImage(image::eIBT_UInt8, {65, 48});
     try {
-        fd::cannyEdges2dImg(picture, wider, thresholds);
+        fd::cannyEdges2dImg(picture, image::createImage(image::eIBT_UInt8, {65, 48}), thresholds);
     } catch (const BaseException& refusal) {
         std::cout << refusal.what() << "\n";
     }

@@ -26,7 +26,8 @@ processor::RulePtr HarrisCorner2dLvl1::createRule() const
            && matchSizeAndType(wk1, wk2, wk3)
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
            // Known here, though the stages would refuse them, too: later the working images would have been written.
-           && noInSitu(in, wk1) && noInSitu(in, wk2) && noInSitu(wk1, wk2) && noInSitu(wk1, wk3) && noInSitu(wk2, wk3);
+           && noInSitu(in, wk1) && noInSitu(in, wk2) && noInSitu(wk1, wk2) && noInSitu(wk1, wk3) && noInSitu(wk2, wk3)
+           && inSituOrApart(in, wk3);  // a plane may be written over itself, not over one that is still to be read
 }
 
 void HarrisCorner2dLvl1::initInitializers(processor::InitializerMap& initializers)

@@ -25,7 +25,9 @@ processor::RulePtr HarrisCorner2dImgLvl1::createRule() const
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
            // Known here, though the stages would refuse them, too: later the working images would have been written.
            && noInSitu(in, wk1) && noInSitu(in, wk2) && noInSitu(wk1, wk2) && noInSitu(wk1, wk3) && noInSitu(wk2, wk3)
-           && inSituOrApart(wk1, out) && inSituOrApart(wk2, out) && inSituOrApart(wk3, out);
+           && inSituOrApart(wk1, out) && inSituOrApart(wk2, out) && inSituOrApart(wk3, out)
+           // A plane may be written over itself, not over one that is still to be read.
+           && inSituOrApart(in, wk3) && inSituOrApart(in, out);
 }
 
 void HarrisCorner2dImgLvl1::initInitializers(processor::InitializerMap& initializers)

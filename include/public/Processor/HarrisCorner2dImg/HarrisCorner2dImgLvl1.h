@@ -25,7 +25,7 @@ class HarrisCorner2dImgLvl1;
 /// @throws processor::ORVIKBaseProcessingException  for what is refused before any work: a null image, sizes or types
 /// that do not go together, a deviation or coverage that makes no kernel, images that share memory; the text names the
 /// attributes and their values.
-/// Cost: X * Y * 14 * half-size multiplications, three float images while it runs, half-size as below. Formed in float,
+/// Cost: X * Y * 10 * half-size multiplications, three float images while it runs, half-size as below. Formed in float,
 /// with double sums of the gradient. The same bits for any strips, threads and instruction set.
 ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg);
 

@@ -32,7 +32,7 @@ class HoughLines2dImgLvl1;
 /// @throws processor::ORVIKBaseProcessingException  for a null image, and for an accumulator without bins or with more
 /// than 2147483647 of them along an axis; the text has both sizes. std::bad_alloc with the size that there is no memory
 /// for.
-/// Cost: voters * NbThetaBins; memory for the accumulator, and for 2048 voters per thread. Whole numbers are the same for
+/// Cost: voters * NbThetaBins; memory for the accumulator, and for 4096 voters per thread. Whole numbers are the same for
 /// any strips, threads and instruction set; sums of floats are for one thread, and depend on the order of strips otherwise.
 ORVIK_API ImagePtr houghLines2dImg(
     const ConstImagePtr& inGreyImg,

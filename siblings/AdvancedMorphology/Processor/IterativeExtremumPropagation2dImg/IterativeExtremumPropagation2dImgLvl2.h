@@ -11,8 +11,8 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Level 2: each pixel of a plane that is not 0 takes the largest value (or the smallest, for minima) that can be reached
 /// from it through pixels that are not 0. Input and result may be one image; else they are of one size and type.
-/// Time linear in the plane. A plane of unsigned bytes none of which is above 2 needs no memory beyond a line per
-/// thread and the pixels that are waiting their turn; others need an entry per run of pixels.
+/// Time linear in the plane. Maxima of eight neighbours in a plane of unsigned bytes none of which is above 2 need no
+/// memory beyond a line per thread and the pixels that are waiting their turn; all else needs an entry per run of pixels.
 class ORVIK_API IterativeExtremumPropagation2dImgLvl2
     : public processor::Processor<IterativeExtremumPropagation2dImgLvl2, processor::BaseAsync1Processor,
                                   attr::InSubImg2d, attr::InNeighborhood2d, attr::InLocalExtremumType, attr::OutImg>
