@@ -23,7 +23,7 @@ void TypedOwnBuffer::Free::operator()(void* block) const
     std::free(block);
 }
 
-TypedOwnBuffer::TypedOwnBuffer() : m_capacity(0), m_type(eDT_None) {}
+TypedOwnBuffer::TypedOwnBuffer() = default;
 TypedOwnBuffer::~TypedOwnBuffer() = default;
 
 void TypedOwnBuffer::init(unsigned long nbValues, eDataType type)
@@ -39,7 +39,7 @@ void TypedOwnBuffer::init(unsigned long nbValues, eDataType type)
     std::memset(m_data.get(), 0, bytes);
 }
 
-BaseFragBuffer::BaseFragBuffer() : m_valueSize(0) {}
+BaseFragBuffer::BaseFragBuffer() = default;
 BaseFragBuffer::~BaseFragBuffer() = default;
 
 void BaseFragBuffer::rollUpFragments()

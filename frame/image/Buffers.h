@@ -24,8 +24,8 @@ private:
         void operator()(void* block) const;
     };
     std::unique_ptr<void, Free> m_data;
-    unsigned long m_capacity;  // bytes
-    eDataType m_type;
+    unsigned long m_capacity = 0;  // bytes
+    eDataType m_type = eDT_None;
 };
 
 /// A buffer in fragments of equal size, such as lines.
@@ -47,7 +47,7 @@ public:
 
 protected:
     std::vector<void*> m_fragments;
-    unsigned long m_valueSize;
+    unsigned long m_valueSize = 0;
 };
 
 /// Fragments in one block of memory of their own: the rolling lines of the kernels. A second `init` that needs no more
