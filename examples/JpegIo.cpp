@@ -66,7 +66,7 @@ private:
         const std::size_t bytes = checkedBytes(picture.sizeX, picture.sizeY, 1);
         if (!m_codec.arith_code) {
             // A Huffman code takes at least a bit for each block, and the coarsest blocks cover 32 x 32 samples.
-            requireRoomFor(bytes / (8 * 32 * 32), fileBytes, picture.sizeX, picture.sizeY);
+            requireRoomFor(bytes / (8ul * 32 * 32), fileBytes, picture.sizeX, picture.sizeY);
         }
         m_codec.out_color_space = JCS_GRAYSCALE;
         jpeg_start_decompress(&m_codec);

@@ -40,9 +40,9 @@ void readPngBytes(png_structp png, png_bytep bytes, png_size_t count)
 class PngReader
 {
 public:
-    PngReader() : m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning))
+    PngReader() : m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning)),
+          m_info(m_png != nullptr ? png_create_info_struct(m_png) : nullptr)
     {
-        m_info = m_png != nullptr ? png_create_info_struct(m_png) : nullptr;
     }
 
     ~PngReader() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
@@ -130,9 +130,9 @@ void flushPngBytes(png_structp)
 class PngWriter
 {
 public:
-    PngWriter() : m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning))
+    PngWriter() : m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning)),
+          m_info(m_png != nullptr ? png_create_info_struct(m_png) : nullptr)
     {
-        m_info = m_png != nullptr ? png_create_info_struct(m_png) : nullptr;
     }
 
     ~PngWriter() { png_destroy_write_struct(&m_png, &m_info); }

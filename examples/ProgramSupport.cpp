@@ -114,6 +114,7 @@ std::string checkInstructionSet(const std::string& name)
     if (sets.count(name) != 0)
         return std::string();
     std::vector<std::pair<core::eInstructionSet, std::string>> oldestFirst;
+    oldestFirst.reserve(sets.size());
     for (const auto& set : sets)
         oldestFirst.emplace_back(set.second, set.first);
     std::sort(oldestFirst.begin(), oldestFirst.end());

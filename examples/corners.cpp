@@ -55,6 +55,7 @@ FoundPoints findCorners(const Picture& picture, const Options& options)
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what runProgram does not catch is a lack of memory for the options
 int main(int argc, char** argv)
 {
     CLI::App app("Lists the corners of a PNG, JPEG or TIFF picture, the strongest ones first. Writes NAME-corners.csv, a\n"

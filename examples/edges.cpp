@@ -70,6 +70,7 @@ void run(const Options& options)
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what runProgram does not catch is a lack of memory for the options
 int main(int argc, char** argv)
 {
     CLI::App app("Finds the edges of a PNG, JPEG or TIFF picture. Writes NAME-edges.png, with edges in white, and\n"

@@ -61,6 +61,7 @@ FoundPoints findExtrema(const Picture& picture, const Options& options)
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what runProgram does not catch is a lack of memory for the options
 int main(int argc, char** argv)
 {
     CLI::App app("Lists the local extrema of a PNG, JPEG or TIFF picture, the most extreme ones first. Writes\n"

@@ -124,6 +124,7 @@ void run(const Options& options)
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what runProgram does not catch is a lack of memory for the options
 int main(int argc, char** argv)
 {
     CLI::App app("Lists the straight lines of a PNG, JPEG or TIFF picture, those that most edge pixels lie on first.\n"

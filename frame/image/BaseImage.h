@@ -124,6 +124,7 @@ public:
     /// images; the bytes between the lines of a wrapped buffer belong to somebody else.
     bool hasSlack() const { return m_hasSlack; }
 
+    // NOLINTNEXTLINE(readability-const-return-type): the planes of an image that is const are not written to
     const BasePlanStorage getPlanStorage(const PlanIndex& index) const { return planStorage(index); }
     BasePlanStorage getPlanStorage(const PlanIndex& index) { return planStorage(index); }
 

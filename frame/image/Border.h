@@ -37,6 +37,7 @@ class Border3dPolicy : public BorderPolicy
     using BorderPolicy::BorderPolicy;
 };
 
+// clang-format off
 inline Border2dPolicy valuedBorder2d(double value) { return Border2dPolicy(eBT_Value, value); }
 inline Border2dPolicy valuedMinBorder2d() { return Border2dPolicy(eBT_Min); }
 inline Border2dPolicy valuedMaxBorder2d() { return Border2dPolicy(eBT_Max); }
@@ -45,6 +46,7 @@ inline Border3dPolicy valuedBorder3d(double value) { return Border3dPolicy(eBT_V
 inline Border3dPolicy valuedMinBorder3d() { return Border3dPolicy(eBT_Min); }
 inline Border3dPolicy valuedMaxBorder3d() { return Border3dPolicy(eBT_Max); }
 inline Border3dPolicy nearestBorder3d() { return Border3dPolicy(eBT_Nearest); }
+// clang-format on
 
 /// Sets `n` samples of that type to what the border reads as; without effect for the nearest sample, which only the
 /// image's lines can tell.

@@ -20,10 +20,18 @@ struct TypeRow
 };
 
 const TypeRow g_types[] = {
-    {eDT_None, "no type"},           {eDT_Int8, "signed 8 bits"},     {eDT_UInt8, "unsigned 8 bits"},
-    {eDT_Int16, "signed 16 bits"},   {eDT_UInt16, "unsigned 16 bits"}, {eDT_Int32, "signed 32 bits"},
-    {eDT_UInt32, "unsigned 32 bits"}, {eDT_Real32, "float 32 bits"},   {eDT_UInt8, "binary"},
-    {eDT_UInt16, "label 16 bits"},   {eDT_UInt32, "label 32 bits"},   {eDT_UInt8, "label 8 bits"},
+    {eDT_None, "no type"},
+    {eDT_Int8, "signed 8 bits"},
+    {eDT_UInt8, "unsigned 8 bits"},
+    {eDT_Int16, "signed 16 bits"},
+    {eDT_UInt16, "unsigned 16 bits"},
+    {eDT_Int32, "signed 32 bits"},
+    {eDT_UInt32, "unsigned 32 bits"},
+    {eDT_Real32, "float 32 bits"},
+    {eDT_UInt8, "binary"},
+    {eDT_UInt16, "label 16 bits"},
+    {eDT_UInt32, "label 32 bits"},
+    {eDT_UInt8, "label 8 bits"},
 };
 
 const TypeRow& rowOf(eImageBufferType type)

@@ -26,6 +26,7 @@ ORVIK_API std::size_t getDataTypeSize(eDataType type);
 
 template<class T>
 struct DataTypeOf;
+// clang-format off
 template<>
 struct DataTypeOf<signed char> { static constexpr eDataType value = eDT_Int8; };
 template<>
@@ -42,6 +43,7 @@ template<>
 struct DataTypeOf<float> { static constexpr eDataType value = eDT_Real32; };
 template<>
 struct DataTypeOf<double> { static constexpr eDataType value = eDT_Real64; };
+// clang-format on
 
 namespace image {
 

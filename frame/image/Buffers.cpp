@@ -18,11 +18,10 @@ unsigned long alignedUp(unsigned long bytes)
 
 }  // namespace
 
-BaseBlockBuffer::BaseBlockBuffer() : m_block(nullptr) {}
+BaseBlockBuffer::BaseBlockBuffer() = default;
 BaseBlockBuffer::~BaseBlockBuffer() = default;
 
-TypedOwnBuffer::TypedOwnBuffer() : m_capacity(0), m_type(eDT_None) {}
-
+TypedOwnBuffer::TypedOwnBuffer() = default;
 TypedOwnBuffer::~TypedOwnBuffer()
 {
     std::free(m_block);
@@ -42,7 +41,7 @@ void TypedOwnBuffer::init(unsigned long nbValues, eDataType type)
     std::memset(m_block, 0, bytes);
 }
 
-BaseFragBuffer::BaseFragBuffer() : m_valueSize(0) {}
+BaseFragBuffer::BaseFragBuffer() = default;
 BaseFragBuffer::~BaseFragBuffer() = default;
 
 void BaseFragBuffer::rollUpFragments()

@@ -18,7 +18,7 @@ public:
     void* getDataPtr() const { return m_block; }
 
 protected:
-    void* m_block;
+    void* m_block = nullptr;
 };
 
 /// Memory of its own, aligned to 64 bytes and zeroed. A second `init` of the same or a smaller size keeps the memory.
@@ -32,8 +32,8 @@ public:
     eDataType getDataType() const { return m_type; }
 
 private:
-    unsigned long m_capacity;  // bytes
-    eDataType m_type;
+    unsigned long m_capacity = 0;  // bytes
+    eDataType m_type = eDT_None;
 };
 
 /// A buffer in fragments of equal size, such as lines.
@@ -55,7 +55,7 @@ public:
 
 protected:
     std::vector<void*> m_fragments;
-    unsigned long m_valueSize;
+    unsigned long m_valueSize = 0;
 };
 
 /// Fragments in one block of memory of their own: the rolling lines of the kernels. A second `init` that needs no more

@@ -78,22 +78,22 @@ unsigned int BaseArchive::getRegisterClassVersion(const std::string& className) 
     return found->second;
 }
 
-BaseOArchive::BaseOArchive(std::ostream& stream) : m_stream(stream), m_depth(0) {}
+BaseOArchive::BaseOArchive(std::ostream& stream) : m_stream(stream) {}
 BaseOArchive::~BaseOArchive() = default;
 
 void BaseOArchive::beginSection(const std::string& name)
 {
-    m_stream << std::string(2 * m_depth++, ' ') << "{ " << name << '\n';
+    m_stream << std::string(2ul * m_depth++, ' ') << "{ " << name << '\n';
 }
 
 void BaseOArchive::endSection()
 {
-    m_stream << std::string(2 * --m_depth, ' ') << "}\n";
+    m_stream << std::string(2ul * --m_depth, ' ') << "}\n";
 }
 
 void BaseOArchive::writeItem(const std::string& name, const std::string& value)
 {
-    m_stream << std::string(2 * m_depth, ' ') << name << " = " << value << '\n';
+    m_stream << std::string(2ul * m_depth, ' ') << name << " = " << value << '\n';
     if (!m_stream)
         throwMalformed("Item " + name + " could not be written to the archive");
 }
@@ -133,7 +133,7 @@ std::string BaseIArchive::readItem(const std::string& name)
 }
 
 ArchiveSectionManager::ArchiveSectionManager(BaseArchive& archive, const std::string& name)
-    : m_archive(archive), m_nbExceptions(std::uncaught_exceptions()), m_open(true)
+    : m_archive(archive), m_nbExceptions(std::uncaught_exceptions())
 {
     m_archive.beginSection(name);
 }

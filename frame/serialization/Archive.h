@@ -44,7 +44,7 @@ public:
 
 private:
     std::ostream& m_stream;
-    unsigned int m_depth;
+    unsigned int m_depth = 0;
 };
 
 /// Reads what BaseOArchive wrote, in the same order.
@@ -82,7 +82,7 @@ public:
 private:
     BaseArchive& m_archive;
     const int m_nbExceptions;  // on their way when the section was opened
-    bool m_open;
+    bool m_open = true;
 };
 
 /// A named value to write.

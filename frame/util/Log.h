@@ -61,7 +61,7 @@ ORVIK_API void logError(const LogSource& source, const std::string& text, const 
 /// Throw site of a failure that has its text already.
 #define ORVIK_THROW_TEXT(ExceptionClass, source, text) \
     do { \
-        const std::string failureText = text; \
+        const std::string& failureText = text; \
         ::orvik::logError(source, failureText, __FILE__, __LINE__); \
         throw ExceptionClass(failureText, __PRETTY_FUNCTION__, __FILE__, __LINE__); \
     } while (false)

@@ -46,6 +46,7 @@ Unlocked::~Unlocked()
 Locked::Locked(eThread thread) : m_before(t_inCallback)
 {
     const Coming coming(thread == eOfCaller && !t_inCallback);
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): not before the thread is counted
     m_state = PyGILState_Ensure();
     t_inCallback = t_inCallback || thread == eOfLibrary;
 }

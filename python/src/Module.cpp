@@ -18,6 +18,7 @@ namespace orvik { namespace python {
 namespace {
 
 /// Exceptions of the library become the package's own, with the same text; those of callbacks are themselves.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): as pybind11 calls it
 void translate(std::exception_ptr failure)
 {
     try {

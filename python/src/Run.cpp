@@ -210,7 +210,7 @@ void Run::start(bool everyPlane)
                                   return true;
                               }),
                runs.end());
-    runs.push_back(m_processor);
+    runs.emplace_back(m_processor);
     m_processor->run(core::eST_Asynchronous);  // with the lock, so that no other start takes it for one that has ended
 }
 
