@@ -48,12 +48,15 @@ Case makeCase(unsigned long size, image::eImageBufferType type)
 
 void registerCase(const char* name, const Case& edges, unsigned int nbThreads, benchmark::TimeUnit unit)
 {
-    benchmark::RegisterBenchmark(name, [edges, nbThreads](benchmark::State& state) {
-        core::setNbThreads(nbThreads);
-        for (auto _ : state)
-            edges.run();
-        core::setNbThreads(1);
-    })->Unit(unit)->UseRealTime();
+    benchmark::RegisterBenchmark(name,
+                                 [edges, nbThreads](benchmark::State& state) {
+                                     core::setNbThreads(nbThreads);
+                                     for (auto _ : state)
+                                         edges.run();
+                                     core::setNbThreads(1);
+                                 })
+        ->Unit(unit)
+        ->UseRealTime();
 }
 
 void printMemory(const Case& edges)
@@ -95,12 +98,12 @@ int main(int argc, char** argv)
                       int16.thresholds->get<imaproc::attr::CannyThresholds::HighThreshold>(), true);
     })->Unit(benchmark::kMillisecond);
 #endif
-    const int status = bench::runBenchmarks(
-        argc, argv,
-        {{"OpenCV's Canny over ours, signed 16 bits, one thread", "opencv_canny_int16", "canny_int16",
-          "at least 1, aim for 2"},
-         {"float over signed 16 bits", "canny_float", "canny_int16", "at most 1.5"},
-         {"one thread over two", "canny_int16", "canny_int16_2_threads", "at least 1.7"}});
+    const int status =
+        bench::runBenchmarks(argc, argv,
+                             {{"OpenCV's Canny over ours, signed 16 bits, one thread", "opencv_canny_int16", "canny_int16",
+                               "at least 1, aim for 2"},
+                              {"float over signed 16 bits", "canny_float", "canny_int16", "at most 1.5"},
+                              {"one thread over two", "canny_int16", "canny_int16_2_threads", "at least 1.7"}});
     printMemory(int16);
     return status;
 }

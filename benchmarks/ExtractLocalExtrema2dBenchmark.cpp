@@ -40,30 +40,36 @@ void registerCase(const std::string& name, const ImagePtr& image, unsigned int d
                   unsigned long maxNb = 1000000, unsigned int nbThreads = 1)
 {
     const auto config = imaproc::attr::createLocalExtremaConfig(threshold, maxNb);
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
-        core::setNbThreads(nbThreads);
-        std::size_t nbListed = 0;
-        for (auto _ : state)
-            nbListed = imaproc::fd::extractLocalExtrema2d(image, dist, dist, config)->size();
-        state.counters["listed"] = static_cast<double>(nbListed);
-        core::setNbThreads(1);
-    })->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [=](benchmark::State& state) {
+                                     core::setNbThreads(nbThreads);
+                                     std::size_t nbListed = 0;
+                                     for (auto _ : state)
+                                         nbListed = imaproc::fd::extractLocalExtrema2d(image, dist, dist, config)->size();
+                                     state.counters["listed"] = static_cast<double>(nbListed);
+                                     core::setNbThreads(1);
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
 }
 
 #ifdef ORVIK_HAVE_OPENCV
 void registerPeer(const std::string& name, const ImagePtr& image, int type, unsigned int dist)
 {
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
-        const int side = 2 * static_cast<int>(dist) + 1;
-        const cv::Mat in(static_cast<int>(g_size), static_cast<int>(g_size), type, image->accessLine(0),
-                         static_cast<std::size_t>(image->getStrides().y));
-        const cv::Mat kernel = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(side, side));
-        cv::Mat dilated, mask;
-        for (auto _ : state) {
-            cv::dilate(in, dilated, kernel);
-            cv::compare(in, dilated, mask, cv::CMP_EQ);
-        }
-    })->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [=](benchmark::State& state) {
+                                     const int side = 2 * static_cast<int>(dist) + 1;
+                                     const cv::Mat in(static_cast<int>(g_size), static_cast<int>(g_size), type,
+                                                      image->accessLine(0), static_cast<std::size_t>(image->getStrides().y));
+                                     const cv::Mat kernel = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(side, side));
+                                     cv::Mat dilated, mask;
+                                     for (auto _ : state) {
+                                         cv::dilate(in, dilated, kernel);
+                                         cv::compare(in, dilated, mask, cv::CMP_EQ);
+                                     }
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
 }
 #endif
 
@@ -75,7 +81,8 @@ void printMemory(const ImagePtr& image)
         bench::MemoryMeter::restart();
         imaproc::fd::extractLocalExtrema2d(image, dist, dist, none);
         std::printf("%8.2f  percent of the image's size, memory at distance %u, nothing listed\n",
-                    100.0 * static_cast<double>(bench::MemoryMeter::peakAboveStart()) / static_cast<double>(4 * g_size * g_size),
+                    100.0 * static_cast<double>(bench::MemoryMeter::peakAboveStart())
+                        / static_cast<double>(4 * g_size * g_size),
                     dist);
     }
 }

@@ -32,12 +32,15 @@ void run(const ImagePtr& in, const ImagePtr& out)
 template<class Call>
 void registerCase(const char* name, unsigned int nbThreads, benchmark::TimeUnit unit, const Call& call)
 {
-    benchmark::RegisterBenchmark(name, [=](benchmark::State& state) {
-        core::setNbThreads(nbThreads);
-        for (auto _ : state)
-            call();
-        core::setNbThreads(1);
-    })->Unit(unit)->UseRealTime();
+    benchmark::RegisterBenchmark(name,
+                                 [=](benchmark::State& state) {
+                                     core::setNbThreads(nbThreads);
+                                     for (auto _ : state)
+                                         call();
+                                     core::setNbThreads(1);
+                                 })
+        ->Unit(unit)
+        ->UseRealTime();
 }
 
 void printMemory(const ImagePtr& in, const ImagePtr& out)
@@ -142,15 +145,15 @@ int main(int argc, char** argv)
 #ifdef ORVIK_HAVE_OPENCV
     registerOpencv(in, out);
 #endif
-    const int status = bench::runBenchmarks(
-        argc, argv,
-        {{"OpenCV's chain over ours, each with new working images, one thread", "opencv_harris", "harris_uint8",
-          "at least 1, aim for 1.5"},
-         {"OpenCV's chain with images that are kept over ours with new ones", "opencv_harris_kept_images", "harris_uint8",
-          "no figure is set"},
-         {"one thread over two", "harris_uint8", "harris_uint8_2_threads", "at least 1.7"},
-         {"the 1000 strongest corners over the response alone, which the list needs too", "harris_list_uint8", "harris_uint8",
-          "no figure is set"}});
+    const int status =
+        bench::runBenchmarks(argc, argv,
+                             {{"OpenCV's chain over ours, each with new working images, one thread", "opencv_harris",
+                               "harris_uint8", "at least 1, aim for 1.5"},
+                              {"OpenCV's chain with images that are kept over ours with new ones",
+                               "opencv_harris_kept_images", "harris_uint8", "no figure is set"},
+                              {"one thread over two", "harris_uint8", "harris_uint8_2_threads", "at least 1.7"},
+                              {"the 1000 strongest corners over the response alone, which the list needs too",
+                               "harris_list_uint8", "harris_uint8", "no figure is set"}});
     printMemory(in, out);
     return status;
 }

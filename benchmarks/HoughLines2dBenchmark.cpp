@@ -45,8 +45,8 @@ ImagePtr edgesOfPhotograph()
     const unsigned long part = g_size / 2;
     const auto gradients = imaproc::filter::gaussianGradient2dImg(bench::enlargedPhotograph(part), 0.8f);
     const double low = bench::magnitudeQuantile(*gradients.first, *gradients.second, 0.65);
-    const ImagePtr edges = imaproc::fd::cannyEdges2dImg(gradients.first, gradients.second,
-                                                        CannyThresholds::createNode(low, 1.5 * low));
+    const ImagePtr edges =
+        imaproc::fd::cannyEdges2dImg(gradients.first, gradients.second, CannyThresholds::createNode(low, 1.5 * low));
     const ImagePtr tiled = image::createImage(image::eIBT_UInt8, {g_size, g_size});
     for (unsigned long y = 0; y < g_size; ++y)
         for (unsigned long x = 0; x < g_size; ++x)
@@ -71,36 +71,46 @@ benchmark::Counter rateOf(unsigned long n)
 
 void registerVotes(const char* name, const ImagePtr& edges, unsigned long nbVotes, unsigned int nbThreads)
 {
-    benchmark::RegisterBenchmark(name, [=](benchmark::State& state) {
-        core::setNbThreads(nbThreads);
-        for (auto _ : state)
-            imaproc::fd::houghLines2dImg(edges);
-        core::setNbThreads(1);
-        state.counters["votes"] = rateOf(nbVotes);
-    })->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark(name,
+                                 [=](benchmark::State& state) {
+                                     core::setNbThreads(nbThreads);
+                                     for (auto _ : state)
+                                         imaproc::fd::houghLines2dImg(edges);
+                                     core::setNbThreads(1);
+                                     state.counters["votes"] = rateOf(nbVotes);
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
 }
 
 void registerLines(const char* name, const ImagePtr& edges)
 {
-    benchmark::RegisterBenchmark(name, [=](benchmark::State& state) {
-        for (auto _ : state)
-            state.counters["lines"] = static_cast<double>(imaproc::fd::houghLines2d(edges).first->size());
-    })->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark(name,
+                                 [=](benchmark::State& state) {
+                                     for (auto _ : state)
+                                         state.counters["lines"] =
+                                             static_cast<double>(imaproc::fd::houghLines2d(edges).first->size());
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
 }
 
 /// One load, one addition and one store for each bin that a vote changes, in a row that stays in the first cache.
 void registerBound(unsigned long nbVotes)
 {
-    benchmark::RegisterBenchmark("bound", [=](benchmark::State& state) {
-        std::vector<unsigned int> row(2048);
-        for (auto _ : state)
-            for (unsigned long i = 0; i < nbVotes; ++i) {
-                volatile unsigned int* const bin = &row[i & 1023];
-                bin[0] = bin[0] + 1;
-                bin[1024] = bin[1024] + 1;
-            }
-        state.counters["votes"] = rateOf(nbVotes);
-    })->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark("bound",
+                                 [=](benchmark::State& state) {
+                                     std::vector<unsigned int> row(2048);
+                                     for (auto _ : state)
+                                         for (unsigned long i = 0; i < nbVotes; ++i) {
+                                             volatile unsigned int* const bin = &row[i & 1023];
+                                             bin[0] = bin[0] + 1;
+                                             bin[1024] = bin[1024] + 1;
+                                         }
+                                     state.counters["votes"] = rateOf(nbVotes);
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
 }
 
 void printWaiting(const ImagePtr& edges)
@@ -141,8 +151,8 @@ struct DrawnLine
 /// The pixels within half a pixel of a line, along the axis that it is steeper to.
 ImagePtr draw(const DrawnLine& line, long size)
 {
-    const ImagePtr image = image::createImage(image::eIBT_UInt8,
-                                              {static_cast<unsigned long>(size), static_cast<unsigned long>(size)});
+    const ImagePtr image =
+        image::createImage(image::eIBT_UInt8, {static_cast<unsigned long>(size), static_cast<unsigned long>(size)});
     const double cosine = std::cos(line.theta), sine = std::sin(line.theta);
     for (long i = 0; i < size; ++i) {
         const bool steep = std::fabs(cosine) > std::fabs(sine);
@@ -198,7 +208,8 @@ void printFineSteps()
         const ImagePtr image = draw(line, size);
         const auto lines = imaproc::fd::houghLines2d(image, params, extraction).first;
         if (lines->size() > 0)
-            ours.add(line, lines->size(), (*lines)[0].get<HoughLine2dPpties::Rho>(), (*lines)[0].get<HoughLine2dPpties::Theta>());
+            ours.add(line, lines->size(), (*lines)[0].get<HoughLine2dPpties::Rho>(),
+                     (*lines)[0].get<HoughLine2dPpties::Theta>());
 #ifdef ORVIK_HAVE_OPENCV
         const cv::Mat in(static_cast<int>(size), static_cast<int>(size), CV_8UC1, image->accessLine(0),
                          static_cast<std::size_t>(image->getStrides().y));
@@ -237,14 +248,18 @@ int main(int argc, char** argv)
     };
 #ifdef ORVIK_HAVE_OPENCV
     cv::setNumThreads(1);
-    benchmark::RegisterBenchmark("opencv", [=](benchmark::State& state) {
-        const cv::Mat in(static_cast<int>(g_size), static_cast<int>(g_size), CV_8UC1, edges->accessLine(0),
-                         static_cast<std::size_t>(edges->getStrides().y));
-        std::vector<cv::Vec2f> listed;
-        for (auto _ : state)
-            cv::HoughLines(in, listed, 1, CV_PI / g_nbAngles, 1000000);  // votes alone: no bin has as many
-        state.counters["votes"] = rateOf(nbVotes);
-    })->Unit(benchmark::kMillisecond)->UseRealTime();
+    benchmark::RegisterBenchmark("opencv",
+                                 [=](benchmark::State& state) {
+                                     const cv::Mat in(static_cast<int>(g_size), static_cast<int>(g_size), CV_8UC1,
+                                                      edges->accessLine(0), static_cast<std::size_t>(edges->getStrides().y));
+                                     std::vector<cv::Vec2f> listed;
+                                     for (auto _ : state)
+                                         cv::HoughLines(in, listed, 1, CV_PI / g_nbAngles,
+                                                        1000000);  // votes alone: no bin has as many
+                                     state.counters["votes"] = rateOf(nbVotes);
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
     ratios.push_back({"OpenCV's votes over ours", "opencv", "votes", "at least 1.5, aim for 3"});
     ratios.push_back({"OpenCV's votes over ours of floats", "opencv", "votes_float", "shown"});
     ratios.push_back({"OpenCV's votes over our votes and peaks", "opencv", "lines", "shown"});

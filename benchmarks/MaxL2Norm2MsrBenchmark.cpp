@@ -33,7 +33,8 @@ ImagePtr noise(image::eImageBufferType type, unsigned long size, unsigned int se
 }
 
 /// Reads every byte of both images and keeps the loads from being left out; as wide as the machine's vectors.
-__attribute__((target_clones("avx512f", "avx2", "default"))) unsigned long readBoth(const image::BaseImage& a, const image::BaseImage& b)
+__attribute__((target_clones("avx512f", "avx2", "default"))) unsigned long readBoth(const image::BaseImage& a,
+                                                                                    const image::BaseImage& b)
 {
     typedef unsigned long V __attribute__((vector_size(64)));
     const unsigned long lineBytes = a.getSizeX() * image::getImageBufferBaseSize(a.getBufferType());

@@ -56,9 +56,9 @@ ImagePtr enlargedPhotograph(unsigned long size, image::eImageBufferType type)
 std::pair<ImagePtr, ImagePtr> gradientsOfPhotograph(unsigned long size, image::eImageBufferType type)
 {
     const ImagePtr image = enlargedPhotograph(size);
-    const std::pair<ImagePtr, ImagePtr> gradients(image::createImageLike(*image, type), image::createImageLike(*image, type));
-    imaproc::filter::gaussianGradient2dImg(image, 2.0f, 2.0f, 4.0, gradients.first,
-                                           gradients.second);
+    const std::pair<ImagePtr, ImagePtr> gradients(image::createImageLike(*image, type),
+                                                  image::createImageLike(*image, type));
+    imaproc::filter::gaussianGradient2dImg(image, 2.0f, 2.0f, 4.0, gradients.first, gradients.second);
     return gradients;
 }
 

@@ -30,7 +30,8 @@ double RatioReporter::time(const std::string& name) const
 int runBenchmarks(int argc, char** argv, const std::vector<Ratio>& ratios)
 {
     std::vector<char*> arguments(argv, argv + argc);
-    char repetitions[] = "--benchmark_repetitions=25", time[] = "--benchmark_min_time=0.1", order[] = "--benchmark_enable_random_interleaving=true";
+    char repetitions[] = "--benchmark_repetitions=25", time[] = "--benchmark_min_time=0.1",
+         order[] = "--benchmark_enable_random_interleaving=true";
     char display[] = "--benchmark_display_aggregates_only=false";
     arguments.insert(arguments.begin() + 1, {repetitions, time, order, display});
     int count = static_cast<int>(arguments.size());

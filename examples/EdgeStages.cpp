@@ -76,8 +76,8 @@ Edges findEdges(const Picture& picture, const EdgeOptions& options, bool viaLabe
                 StageTimes& times)
 {
     const Gradient gradient = times.measure("gradient", [&] { return computeGradient(picture, options.sigma, common); });
-    const EdgeThresholds thresholds = times.measure(
-        "thresholds", [&] { return chooseThresholds(options.low, options.high, *gradient.x, *gradient.y); });
+    const EdgeThresholds thresholds =
+        times.measure("thresholds", [&] { return chooseThresholds(options.low, options.high, *gradient.x, *gradient.y); });
     return {times.measure("edges", [&] { return detectEdges(gradient, thresholds, viaLabels, common); }), thresholds};
 }
 

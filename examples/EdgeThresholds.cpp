@@ -42,7 +42,8 @@ double deriveHigh(std::vector<float> magnitudes)
 {
     if (magnitudes.empty())
         return 0.0;
-    const auto percentile = magnitudes.begin() + static_cast<std::ptrdiff_t>(0.9 * static_cast<double>(magnitudes.size() - 1));
+    const auto percentile = magnitudes.begin()
+                            + static_cast<std::ptrdiff_t>(0.9 * static_cast<double>(magnitudes.size() - 1));
     std::nth_element(magnitudes.begin(), percentile, magnitudes.end());
     const double largest = *std::max_element(percentile, magnitudes.end());
     // Drawings have few levels: where most is flat the percentile is 0, where much is outline it is that of all lines.

@@ -22,7 +22,7 @@ void addListOptions(CLI::App& app, ListOptions& options);
 struct FeatureList
 {
     std::vector<std::string> names;
-    std::vector<std::vector<double> > rows;
+    std::vector<std::vector<double>> rows;
 };
 
 struct ListFiles

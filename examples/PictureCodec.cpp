@@ -84,14 +84,10 @@ std::uint16_t luma16(std::uint16_t red, std::uint16_t green, std::uint16_t blue)
 void convertRow(SampleType sampleType, const SourceRow& row, std::size_t count, bool invert, unsigned char* out)
 {
     switch (sampleType) {
-    case SampleType::UInt8:
-        return convertSamples<std::uint8_t>(row, count, invert, out);
-    case SampleType::UInt16:
-        return convertSamples<std::uint16_t>(row, count, invert, out);
-    case SampleType::Int16:
-        return convertSamples<std::int16_t>(row, count, invert, out);
-    case SampleType::Real32:
-        return convertSamples<float>(row, count, invert, out);
+    case SampleType::UInt8: return convertSamples<std::uint8_t>(row, count, invert, out);
+    case SampleType::UInt16: return convertSamples<std::uint16_t>(row, count, invert, out);
+    case SampleType::Int16: return convertSamples<std::int16_t>(row, count, invert, out);
+    case SampleType::Real32: return convertSamples<float>(row, count, invert, out);
     }
 }
 

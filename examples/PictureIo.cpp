@@ -19,14 +19,10 @@ using namespace codec;
 double sampleAsNumber(SampleType sampleType, const unsigned char* at)
 {
     switch (sampleType) {
-    case SampleType::UInt8:
-        return *at;
-    case SampleType::UInt16:
-        return loadSample<std::uint16_t>(at);
-    case SampleType::Int16:
-        return loadSample<std::int16_t>(at);
-    case SampleType::Real32:
-        break;
+    case SampleType::UInt8: return *at;
+    case SampleType::UInt16: return loadSample<std::uint16_t>(at);
+    case SampleType::Int16: return loadSample<std::int16_t>(at);
+    case SampleType::Real32: break;
     }
     return loadSample<float>(at);
 }
@@ -74,14 +70,10 @@ Picture readAnyFormat(const std::string& path)
     if (error)
         throw Refusal(error.message());
     switch (recognise(file.get())) {
-    case FileFormat::Png:
-        return readPng(file.get(), fileBytes);
-    case FileFormat::Jpeg:
-        return readJpeg(file.get(), fileBytes);
-    case FileFormat::Tiff:
-        return readTiff(path);
-    case FileFormat::Unknown:
-        break;
+    case FileFormat::Png: return readPng(file.get(), fileBytes);
+    case FileFormat::Jpeg: return readJpeg(file.get(), fileBytes);
+    case FileFormat::Tiff: return readTiff(path);
+    case FileFormat::Unknown: break;
     }
     throw Refusal("neither a PNG, a JPEG nor a TIFF file");
 }
@@ -91,13 +83,10 @@ Picture readAnyFormat(const std::string& path)
 std::size_t bytesPerSample(SampleType sampleType)
 {
     switch (sampleType) {
-    case SampleType::UInt8:
-        return 1;
+    case SampleType::UInt8: return 1;
     case SampleType::UInt16:
-    case SampleType::Int16:
-        return 2;
-    case SampleType::Real32:
-        break;
+    case SampleType::Int16: return 2;
+    case SampleType::Real32: break;
     }
     return 4;
 }

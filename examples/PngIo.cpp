@@ -40,7 +40,8 @@ void readPngBytes(png_structp png, png_bytep bytes, png_size_t count)
 class PngReader
 {
 public:
-    PngReader() : m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning)),
+    PngReader()
+        : m_png(png_create_read_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning)),
           m_info(m_png != nullptr ? png_create_info_struct(m_png) : nullptr)
     {
     }
@@ -130,7 +131,8 @@ void flushPngBytes(png_structp)
 class PngWriter
 {
 public:
-    PngWriter() : m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning)),
+    PngWriter()
+        : m_png(png_create_write_struct(PNG_LIBPNG_VER_STRING, &m_message, onPngError, onPngWarning)),
           m_info(m_png != nullptr ? png_create_info_struct(m_png) : nullptr)
     {
     }

@@ -19,8 +19,7 @@ FeatureList toList(const Pixels2d& points)
 {
     FeatureList list = {{"x", "y", "value"}, {}};
     for (std::size_t i = 0; i < points.size(); ++i)
-        list.rows.push_back(
-            {points[i].get<Pixel2d::X>(), points[i].get<Pixel2d::Y>(), points[i].get<Pixel2d::Value>()});
+        list.rows.push_back({points[i].get<Pixel2d::X>(), points[i].get<Pixel2d::Y>(), points[i].get<Pixel2d::Value>()});
     return list;
 }
 

@@ -154,8 +154,8 @@ private:
                 }
                 const unsigned long columns = std::min<unsigned long>(blockX, picture.sizeX - x);
                 for (unsigned long row = 0; row < rows; ++row) {
-                    unsigned char* out =
-                        picture.samples.data() + (y + row) * picture.rowBytes() + x * bytesPerSample(m_sampleType);
+                    unsigned char* out = picture.samples.data() + (y + row) * picture.rowBytes()
+                                         + x * bytesPerSample(m_sampleType);
                     convertRow(m_sampleType, sourceRow(blocks, row * blockX * step, step), columns, m_isInverted, out);
                 }
             }
@@ -165,9 +165,8 @@ private:
     void readBlock(bool isTiled, std::uint32_t x, std::uint32_t y, std::uint16_t plane, void* block, tmsize_t bytes)
     {
         m_warning = CodecMessage();
-        const tmsize_t got = isTiled
-                                 ? TIFFReadEncodedTile(m_tiff, TIFFComputeTile(m_tiff, x, y, 0, plane), block, bytes)
-                                 : TIFFReadEncodedStrip(m_tiff, TIFFComputeStrip(m_tiff, y, plane), block, bytes);
+        const tmsize_t got = isTiled ? TIFFReadEncodedTile(m_tiff, TIFFComputeTile(m_tiff, x, y, 0, plane), block, bytes)
+                                     : TIFFReadEncodedStrip(m_tiff, TIFFComputeStrip(m_tiff, y, plane), block, bytes);
         if (got != bytes) {
             m_error.keep("a strip or tile is shorter than the picture");
             m_error.refuse();

@@ -63,7 +63,9 @@ int main(int argc, char** argv)
                  "corners");
     Options options;
     options.points.list.max = 500;
-    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")->required()->type_name("");
+    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")
+        ->required()
+        ->type_name("");
     app.add_option("--sigma", options.sigma,
                    "standard deviation of the gradient and of its smoothing, 0.1 to 1000 pixels (default: 1)")
         ->check(isNumberFrom(0.1, 1000))

@@ -62,8 +62,8 @@ void run(const Options& options)
     std::cout << "picture     " << options.picture << ", " << describe(picture) << '\n'
               << describe(options.edges, edges.thresholds) << "policy      " << options.policy << '\n'
               << "threads     " << core::getNbThreads() << '\n'
-              << "kernels     gradient " << lastKernelOf("orvik::imaproc::filter::GaussianGradient2dImgLvl3")
-              << ", edges " << lastKernelOf("orvik::imaproc::fd::CannyEdges2dImgLvl3") << '\n'
+              << "kernels     gradient " << lastKernelOf("orvik::imaproc::filter::GaussianGradient2dImgLvl3") << ", edges "
+              << lastKernelOf("orvik::imaproc::fd::CannyEdges2dImgLvl3") << '\n'
               << describeEdges(mask) << "time        " << times.toString() << '\n'
               << "written     " << files.edges << ", " << files.overlay << std::endl;
 }

@@ -45,8 +45,8 @@ FoundPoints findExtrema(const Picture& picture, const Options& options)
     extrema->set<attr::InImg>(wrapPicture(picture));
     extrema->set<attr::InFeaturesDistX>(options.points.distance);
     extrema->set<attr::InFeaturesDistY>(options.points.distance);
-    extrema->set<attr::InOptLocalExtremaConfig>(
-        attr::LocalExtremaConfig::createNode(kind, options.threshold.value_or(all), options.points.list.max));
+    extrema->set<attr::InOptLocalExtremaConfig>(attr::LocalExtremaConfig::createNode(kind, options.threshold.value_or(all),
+                                                                                     options.points.list.max));
     runToEnd(*extrema, "extrema", options.points.list.common);
 
     std::ostringstream settings;
@@ -70,7 +70,9 @@ int main(int argc, char** argv)
                  "extrema");
     Options options;
     options.points.list.max = 1000;
-    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")->required()->type_name("");
+    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")
+        ->required()
+        ->type_name("");
     app.add_option("--kind", options.kind, "maxima, minima, strict-maxima or strict-minima (default: maxima)")
         ->check(CLI::IsMember({"maxima", "minima", "strict-maxima", "strict-minima"}))
         ->type_name("NAME");

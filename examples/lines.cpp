@@ -59,8 +59,8 @@ FeatureList findLines(const boost::shared_ptr<image::BaseImage>& edges, const Op
 {
     const auto lines = processor::createInitialised<imaproc::fd::HoughLines2dLvl1>();
     lines->set<attr::InGreyImg2d>(edges);
-    lines->set<attr::InOptHoughLinesImgParams>(
-        attr::HoughLinesImgParams::createNode(options.rhoStep, 0.0, M_PI, options.angles, 0.0f));
+    lines->set<attr::InOptHoughLinesImgParams>(attr::HoughLinesImgParams::createNode(options.rhoStep, 0.0, M_PI,
+                                                                                     options.angles, 0.0f));
     lines->set<attr::InOptHoughLinesExtractionParams>(
         attr::HoughLinesExtractionParams::createNode(attr::eHLTT_Ratio, options.threshold, options.distance));
     runToEnd(*lines, "lines", options.list.common);
@@ -103,8 +103,8 @@ void run(const Options& options)
     checkNumberOfBins(picture, options);
     const Edges edges = findEdges(picture, options.edges, false, options.list.common, times);
     const FeatureList lines = times.measure("lines", [&] { return findLines(edges.image, options); });
-    const ListFiles files = times.measure(
-        "write", [&] { return writeList(options.list, "lines", lines, picture, drawLines(picture, lines)); });
+    const ListFiles files =
+        times.measure("write", [&] { return writeList(options.list, "lines", lines, picture, drawLines(picture, lines)); });
     if (options.list.common.quiet)
         return;
     std::cout << "picture     " << options.list.picture << ", " << describe(picture) << '\n'
@@ -113,8 +113,8 @@ void run(const Options& options)
               << "threshold   " << options.threshold << " of the most votes, none higher within " << options.distance
               << " bins\n"
               << "threads     " << core::getNbThreads() << '\n'
-              << "kernels     gradient " << lastKernelOf("orvik::imaproc::filter::GaussianGradient2dImgLvl3")
-              << ", edges " << lastKernelOf("orvik::imaproc::fd::CannyEdges2dImgLvl3") << ", votes "
+              << "kernels     gradient " << lastKernelOf("orvik::imaproc::filter::GaussianGradient2dImgLvl3") << ", edges "
+              << lastKernelOf("orvik::imaproc::fd::CannyEdges2dImgLvl3") << ", votes "
               << lastKernelOf("orvik::imaproc::fd::HoughLines2dImgLvl3") << '\n'
               << describeEdges(toMask(*edges.image)) << "lines       " << lines.rows.size() << " listed, at most "
               << options.list.max << '\n'

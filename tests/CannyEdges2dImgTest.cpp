@@ -7,8 +7,7 @@
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl2.h"
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl3.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -46,7 +45,7 @@ private:
     }
     void light(long x, long y, long z)
     {
-        std::vector<std::pair<long, long> > open = {{x, y}};
+        std::vector<std::pair<long, long>> open = {{x, y}};
         while (!open.empty()) {
             const auto [px, py] = open.back();
             open.pop_back();
@@ -111,8 +110,8 @@ protected:
     void expectReference(const ImagePtr& gx, const ImagePtr& gy, double low, double high) const
     {
         const ImagePtr out = createImageLike(*gx, eIBT_UInt8);
-        ran<CannyEdges2dImgLvl2, InSubGxImg2d, InSubGyImg2d, InCannyThresholds,
-            OutBinImg>(gx, gy, thresholds(low, high), out);
+        ran<CannyEdges2dImgLvl2, InSubGxImg2d, InSubGyImg2d, InCannyThresholds, OutBinImg>(gx, gy, thresholds(low, high),
+                                                                                           out);
         EXPECT_TRUE(sameSamples(*Reference(gx, gy, low, high).classes(), *out)) << "thresholds " << low << ", " << high;
     }
 };
@@ -130,8 +129,14 @@ TEST_P(CannyKernel, ClassesEqualTheDefinitionForAnyValues)
 {
     const ImagePtr gx = randomImage(type(), {137, 9}, 9), gy = randomImage(type(), {137, 9}, 10);
     // Low above high, negative, whole roots that magnitudes meet, and thresholds that are no numbers or beyond all.
-    for (const auto& [low, high] : {std::make_pair(0.0, 0.0), {100.0, 250.0}, {5.0, 2.0}, {-40.0, -60.0}, {65535.0, 65536.0},
-                                    {kNan, 10.0}, {1.0, kNan}, {1e300, 1e300}})
+    for (const auto& [low, high] : {std::make_pair(0.0, 0.0),
+                                    {100.0, 250.0},
+                                    {5.0, 2.0},
+                                    {-40.0, -60.0},
+                                    {65535.0, 65536.0},
+                                    {kNan, 10.0},
+                                    {1.0, kNan},
+                                    {1e300, 1e300}})
         expectReference(gx, gy, low, high);
     const ImagePtr oddX = drawnImage(type(), {70, 12}, oddValues(type()), 11);
     const ImagePtr oddY = drawnImage(type(), {70, 12}, oddValues(type()), 12);
@@ -284,22 +289,25 @@ TEST(CannyEdges, RefuseWhatDoesNotFitInWordsBeforeAnythingIsWritten)
                 gx, gy, thresholds(1, 2), out, other);
         };
     };
-    const std::string refuses = "CannyEdges2dImgLvl1 refuses to run: ", size =
-        "failed: size X x Y x Z x C x T of InGxGreyImg2d";
-    expectRefusals({out, other}, {
-        {refuses + "mandatory attribute InGxGreyImg2d has no value (unset or null)", canny(nullptr, gy, out)},
-        {refuses + "mandatory attribute InCannyThresholds has no value (unset or null)",
-         [&] { cannyEdges2dImg(gx, gy, nullptr, ePOP_Labels, out); }},
-        {size + " (20 x 10 x 1 x 1 x 1) equals that of InGyGreyImg2d (20 x 11 x 1 x 1 x 1)",
-         canny(gx, createImage(eIBT_Int16, {20, 11}), out)},
-        {"failed: buffer type of InGxGreyImg2d (signed 16 bits (type 3)) equals that of InGyGreyImg2d (unsigned 16 bits "
-         "(type 4))", canny(gx, createImage(eIBT_UInt16, {20, 10}), out)},
-        {size + " (20 x 10 x 1 x 1 x 1) equals that of OutBinImg (10 x 20 x 1 x 1 x 1)", canny(gx, gy, other)},
-        {"OutOptWk1BinImg (10 x 20 x 1 x 1 x 1)", withWorking(OutOptWk1BinImg())},
-        {"OutOptWk2BinImg (10 x 20 x 1 x 1 x 1)", withWorking(OutOptWk2BinImg())},
-        {"OutOptWk1LabelImg (10 x 20 x 1 x 1 x 1)", withWorking(OutOptWk1LabelImg())},
-        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<CannyEdges2dImgLvl1>()); }},
-    });
+    const std::string refuses = "CannyEdges2dImgLvl1 refuses to run: ",
+                      size = "failed: size X x Y x Z x C x T of InGxGreyImg2d";
+    expectRefusals(
+        {out, other},
+        {
+            {refuses + "mandatory attribute InGxGreyImg2d has no value (unset or null)", canny(nullptr, gy, out)},
+            {refuses + "mandatory attribute InCannyThresholds has no value (unset or null)",
+             [&] { cannyEdges2dImg(gx, gy, nullptr, ePOP_Labels, out); }},
+            {size + " (20 x 10 x 1 x 1 x 1) equals that of InGyGreyImg2d (20 x 11 x 1 x 1 x 1)",
+             canny(gx, createImage(eIBT_Int16, {20, 11}), out)},
+            {"failed: buffer type of InGxGreyImg2d (signed 16 bits (type 3)) equals that of InGyGreyImg2d (unsigned 16 bits "
+             "(type 4))",
+             canny(gx, createImage(eIBT_UInt16, {20, 10}), out)},
+            {size + " (20 x 10 x 1 x 1 x 1) equals that of OutBinImg (10 x 20 x 1 x 1 x 1)", canny(gx, gy, other)},
+            {"OutOptWk1BinImg (10 x 20 x 1 x 1 x 1)", withWorking(OutOptWk1BinImg())},
+            {"OutOptWk2BinImg (10 x 20 x 1 x 1 x 1)", withWorking(OutOptWk2BinImg())},
+            {"OutOptWk1LabelImg (10 x 20 x 1 x 1 x 1)", withWorking(OutOptWk1LabelImg())},
+            {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<CannyEdges2dImgLvl1>()); }},
+        });
     const ImagePtr bytes = randomImage(eIBT_UInt8, {70, 24}, 23);
     expectInSitu(InSitu::refused, eIBT_UInt8, "InGxGreyImg2d", [&](auto in, auto result) { canny(in, bytes, result)(); });
     expectInSitu(InSitu::refused, eIBT_UInt8, "InGyGreyImg2d", [&](auto in, auto result) { canny(bytes, in, result)(); });
@@ -313,8 +321,9 @@ TEST(CannyEdges, MoreComponentsThanLabelsEndTheRunInWords)
     const ImagePtr out = createImage(eIBT_Binary, {780, 780});
     EXPECT_EQ("there are 67600 connected components, but OutLabelImg, label 16 bits (type 9), can name only 65535: use the "
               "iterative optimization policy or wider labels",
-              thrownText<processor::ORVIKBaseProcessingException>([&] { cannyEdges2dImg(gx, gy, thresholds(1, 2),
-                                                                                        ePOP_Labels, out); }));
+              thrownText<processor::ORVIKBaseProcessingException>([&] {
+                  cannyEdges2dImg(gx, gy, thresholds(1, 2), ePOP_Labels, out);
+              }));
     cannyEdges2dImg(gx, gy, thresholds(1, 2), ePOP_Iterative, out);
     EXPECT_TRUE(sameSamples(*Reference(gx, gy, 1, 2).edges(), *out));
 }

@@ -4,8 +4,7 @@
 
 #include "siblings/Utility/Processor/EraseImg/EraseImgLvl2.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 TEST(EraseImg, SetsAllPlanesToZeroAndNothingBetweenTheLines)
 {

@@ -12,8 +12,7 @@
 #include <algorithm>
 #include <array>
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -38,7 +37,7 @@ boost::shared_ptr<const LocalExtremaConfig> configOf(eLocalExtremumType kind, do
     return LocalExtremaConfig::createNode(kind, threshold, maxNb);
 }
 
-typedef std::vector<std::array<double, 3> > Pixels;  // x, y, value
+typedef std::vector<std::array<double, 3>> Pixels;  // x, y, value
 
 Numbers listOf(const Pixels& pixels)
 {
@@ -107,8 +106,8 @@ INSTANTIATE_TEST_SUITE_P(AllKernels, ExtremaKernel, ::testing::ValuesIn(allKerne
 
 TEST_P(ExtremaKernel, ListsWhatTheDefinitionSaysForAnyWidthAndDistance)
 {
-    const std::pair<unsigned int, unsigned int> distances[] =
-        {{0, 0}, {1, 1}, {2, 7}, {7, 2}, {0, 3}, {3, 0}, {5, 4}, {90, 90}};
+    const std::pair<unsigned int, unsigned int> distances[] = {{0, 0}, {1, 1}, {2, 7}, {7, 2},
+                                                               {0, 3}, {3, 0}, {5, 4}, {90, 90}};
     unsigned int turn = 0;
     for (const unsigned long width : kWidths) {
         const ImagePtr image = drawnImage(type(), {width, 1 + width % 23}, {1, 2, 3, 5}, 31 + turn);
@@ -181,8 +180,8 @@ TEST(Extrema, AreTheSameByEveryCallForStripsAndThreads)
                 {all, multiSlice_extractLocalExtrema2d(stack, 2, distY)},
                 {all, getAsyncProcessorMultiSliceOutput(multiSlice_extractLocalExtrema2d_async(stack, 2, distY))},
                 {someOfAll, multiSlice_extractLocalExtrema2d(stack, 2, distY, config)},
-                {someOfAll, getAsyncProcessorMultiSliceOutput(multiSlice_extractLocalExtrema2d_async(stack, 2, distY,
-                                                                                                     config))}};
+                {someOfAll,
+                 getAsyncProcessorMultiSliceOutput(multiSlice_extractLocalExtrema2d_async(stack, 2, distY, config))}};
         });
     }
 }
@@ -211,15 +210,17 @@ TEST(Extrema, RefuseWhatDoesNotFitInWords)
 {
     const ImagePtr stack = blank(4, 3, 2);
     const std::string plans = "failed: entries of OutPIPixels2d are the planes (z, c, t) of InImg: 1 entries, 2 planes";
-    expectRefusals({}, {
-        {"ExtractLocalExtrema2dLvl1 refuses to run: mandatory attribute InImg has no value (unset or null)",
-         [] { multiSlice_extractLocalExtrema2d(nullptr, 1, 1); }},
-        {plans, [&] { extractLocalExtrema2d(stack, 1, 1); }},
-        {plans, [&] { getAsyncProcessorOutput(extractLocalExtrema2d_async(stack, 1, 1)); }},
-        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<ExtractLocalExtrema2dLvl1>()); }},
-        {"A null processor can't be run",
-         [] { getAsyncProcessorMultiSliceOutput(boost::shared_ptr<ExtractLocalExtrema2dLvl1>()); }},
-    });
+    expectRefusals({},
+                   {
+                       {"ExtractLocalExtrema2dLvl1 refuses to run: mandatory attribute InImg has no value (unset or null)",
+                        [] { multiSlice_extractLocalExtrema2d(nullptr, 1, 1); }},
+                       {plans, [&] { extractLocalExtrema2d(stack, 1, 1); }},
+                       {plans, [&] { getAsyncProcessorOutput(extractLocalExtrema2d_async(stack, 1, 1)); }},
+                       {"A null processor can't be run",
+                        [] { getAsyncProcessorOutput(boost::shared_ptr<ExtractLocalExtrema2dLvl1>()); }},
+                       {"A null processor can't be run",
+                        [] { getAsyncProcessorMultiSliceOutput(boost::shared_ptr<ExtractLocalExtrema2dLvl1>()); }},
+                   });
 }
 
 TEST(Extrema, WithinAnyDistanceBeyondTheImageAreThoseOfItsSize)

@@ -201,7 +201,11 @@ void expectLastIteration(unsigned int last, X& repeated)
 }
 
 /// A result of the type of its input, which lies over all of it or over some lines. `part` names the input.
-enum class InSitu { refused, served };
+enum class InSitu
+{
+    refused,
+    served
+};
 inline void expectInSitu(InSitu whole, image::eImageBufferType type, const std::string& part,
                          const std::function<void(const ImagePtr& in, const ImagePtr& out)>& call)
 {

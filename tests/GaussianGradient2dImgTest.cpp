@@ -7,8 +7,7 @@
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl3.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -61,10 +60,10 @@ TEST_P(GradientOfFloats, IsRoundedHalfToEvenAndSaturated)
         double slope;
         eImageBufferType type;
         double expected;
-    } cases[] = {{2.5, eIBT_Int8, 2},       {3.5, eIBT_Int16, 4},     {-2.5, eIBT_Int32, -2},
-                 {-3.5, eIBT_Int8, -4},     {300, eIBT_UInt8, 255},   {-300, eIBT_Binary, 0},
-                 {-300, eIBT_Int8, -128},   {7e4, eIBT_Label16, 65535}, {3e9, eIBT_Int32, 2147483647},
-                 {3e9, eIBT_UInt32, 3e9},   {1e30, eIBT_Label32, 4294967295}, {kNan, eIBT_Int16, 0}};
+    } cases[] = {
+        {2.5, eIBT_Int8, 2},           {3.5, eIBT_Int16, 4},    {-2.5, eIBT_Int32, -2},           {-3.5, eIBT_Int8, -4},
+        {300, eIBT_UInt8, 255},        {-300, eIBT_Binary, 0},  {-300, eIBT_Int8, -128},          {7e4, eIBT_Label16, 65535},
+        {3e9, eIBT_Int32, 2147483647}, {3e9, eIBT_UInt32, 3e9}, {1e30, eIBT_Label32, 4294967295}, {kNan, eIBT_Int16, 0}};
     for (const auto& each : cases) {
         // So narrow a Gaussian weighs the centre 1 and the neighbours 0.5: halves are met exactly.
         const ImagePtr in = createImage(type(), {3, 1}), out = createImage(each.type, {3, 1});
@@ -143,26 +142,29 @@ TEST(GaussianGradient, RefusesWhatMakesNoKernelAndImagesThatDoNotGoTogether)
     const auto to = [&](const ImagePtr& image, const ImagePtr& outX, const ImagePtr& outY) {
         return [=] { gaussianGradient2dImg(image, 1.0f, 1.0f, 4.0, outX, outY); };
     };
-    const std::string refuses = "GaussianGradient2dImgLvl1 refuses to run:\n", finite =
-        ", it must be a finite number above 0";
+    const std::string refuses = "GaussianGradient2dImgLvl1 refuses to run:\n",
+                      finite = ", it must be a finite number above 0";
     const float infinity = std::numeric_limits<float>::infinity();
-    expectRefusals({x, y, higher}, {
-        {refuses, with(-1, 1, 4)},
-        {"failed: InStdDevX is -1" + finite, with(-1, 1, 4)},
-        {"failed: InStdDevY is 0" + finite, with(1, 0, 4)},
-        {"failed: InStdDevY is nan" + finite, with(1, std::nanf(""), 4)},
-        {"failed: InStdDevX is inf" + finite, with(infinity, 1, 4)},
-        {"failed: InOptGradientGaussianCoverage is -2.5" + finite, with(1, 1, -2.5)},
-        {"failed: InOptGradientGaussianCoverage is inf" + finite, with(1, 1, kInfinity)},
-        {"failed: InStdDevX is 1000000 and InOptGradientGaussianCoverage is 4, which makes a kernel of half-size 4000000, "
-         "it must be at most 1048576", with(1e6f, 1, 4)},
-        {"failed: InStdDevY is 1000000 and InOptGradientGaussianCoverage is 4, which makes", with(1, 1e6f, 4)},
-        {"OutOptGradXImg (8 x 9 x 1 x 1 x 1)", to(in, higher, y)},
-        {"OutOptGradYImg (8 x 9 x 1 x 1 x 1)", to(in, x, higher)},
-        {"failed: memory of OutOptGradXImg", to(in, x, x)},
-        {"mandatory attribute InImg has no value", to(ImagePtr(), x, ImagePtr())},
-        {"gaussianGradient2dImg failed: outX and outY are both null", to(in, ImagePtr(), ImagePtr())},
-    });
+    expectRefusals(
+        {x, y, higher},
+        {
+            {refuses, with(-1, 1, 4)},
+            {"failed: InStdDevX is -1" + finite, with(-1, 1, 4)},
+            {"failed: InStdDevY is 0" + finite, with(1, 0, 4)},
+            {"failed: InStdDevY is nan" + finite, with(1, std::nanf(""), 4)},
+            {"failed: InStdDevX is inf" + finite, with(infinity, 1, 4)},
+            {"failed: InOptGradientGaussianCoverage is -2.5" + finite, with(1, 1, -2.5)},
+            {"failed: InOptGradientGaussianCoverage is inf" + finite, with(1, 1, kInfinity)},
+            {"failed: InStdDevX is 1000000 and InOptGradientGaussianCoverage is 4, which makes a kernel of half-size 4000000, "
+             "it must be at most 1048576",
+             with(1e6f, 1, 4)},
+            {"failed: InStdDevY is 1000000 and InOptGradientGaussianCoverage is 4, which makes", with(1, 1e6f, 4)},
+            {"OutOptGradXImg (8 x 9 x 1 x 1 x 1)", to(in, higher, y)},
+            {"OutOptGradYImg (8 x 9 x 1 x 1 x 1)", to(in, x, higher)},
+            {"failed: memory of OutOptGradXImg", to(in, x, x)},
+            {"mandatory attribute InImg has no value", to(ImagePtr(), x, ImagePtr())},
+            {"gaussianGradient2dImg failed: outX and outY are both null", to(in, ImagePtr(), ImagePtr())},
+        });
     expectInSitu(InSitu::refused, eIBT_Int16, "InImg", [&](auto from, auto out) { to(from, out, ImagePtr())(); });
     expectInSitu(InSitu::refused, eIBT_Int16, "InImg", [&](auto from, auto out) { to(from, ImagePtr(), out)(); });
 }

@@ -6,14 +6,13 @@
 #include "siblings/GlobalMeasure/Processor/HistogramMsr/HistogramMsr2dLvl2.h"
 #include "siblings/GlobalMeasure/Processor/StatsMsr/StatsMsr2dLvl2.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
 using namespace imaproc::glbmsr;
 typedef HistogramResult Histogram;
-typedef std::vector<std::pair<double, double> > Pairs;
+typedef std::vector<std::pair<double, double>> Pairs;
 
 const double kFloatMax = std::numeric_limits<float>::max();
 
@@ -166,9 +165,9 @@ void expectQuantiles(const Histogram& histogram, const Pairs& percentsAndValues)
 
 TEST(Quantiles, OfWholeNumbersAreTheLowestValueThatReachesTheShare)
 {
-    expectQuantiles(*histogramOf(lineOf(eIBT_Int16, {40, -10, 30, 20})),
-                    {{-5, -10}, {0, -10}, {25, -10}, {25.001, 20}, {50, 20}, {75, 30}, {100, 40}, {250, 40},
-                     {kInfinity, 40}});
+    expectQuantiles(
+        *histogramOf(lineOf(eIBT_Int16, {40, -10, 30, 20})),
+        {{-5, -10}, {0, -10}, {25, -10}, {25.001, 20}, {50, 20}, {75, 30}, {100, 40}, {250, 40}, {kInfinity, 40}});
     const ImagePtr hundred = createImage(eIBT_UInt8, {100});
     for (unsigned long i = 0; i < 100; ++i)
         setSample(*hundred, static_cast<double>(i), i, 0);
@@ -197,8 +196,9 @@ TEST(Quantiles, OfEqualBinsLieEvenlyInThem)
 TEST(Quantiles, OfAHistogramThatDisagreesWithItselfAreRefused)
 {
     const auto refusal = [](bool perValue, double first, double last) {
-        return thrownText<imaproc::ORVIKImageProcessingException>(
-            [&] { createCumulativeHistogramData(*Histogram::createNode(perValue, first, last, 1, {1, 1})); });
+        return thrownText<imaproc::ORVIKImageProcessingException>([&] {
+            createCumulativeHistogramData(*Histogram::createNode(perValue, first, last, 1, {1, 1}));
+        });
     };
     EXPECT_EQ("HistogramResult: values from 3.000000 to 2.000000 are no range of bins", refusal(false, 3, 2));
     EXPECT_EQ("HistogramResult: values from 0.000000 to inf are no range of bins", refusal(false, 0, kInfinity));

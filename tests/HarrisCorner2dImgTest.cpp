@@ -9,8 +9,7 @@
 
 #include "frame/attr/StripAttributes.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -45,12 +44,11 @@ void expectResponses(const Images& tensor, const BaseImage& out, int type, float
             double expected = static_cast<double>(value);
             if (std::is_integral<T>::value)
                 expected = std::fabs(expected) < 9.2e18 ? static_cast<double>(static_cast<T>(static_cast<long>(value)))
-                    : 0.0;
+                                                        : 0.0;
             const double found = sampleAt(out, at...);
             ASSERT_TRUE(same({expected}, {found}) || (expected != expected && found != found))
                 << toString(out.getGeometry().getSizes()) << ", type " << type << ", k " << k << ": " << expected
-                    << " against "
-                << found;
+                << " against " << found;
         });
     });
 }
@@ -76,7 +74,7 @@ TEST_P(HarrisKernel, ResponsesEqualTheDefinitionAlsoOverAComponentAndBetweenByte
             Images from;
             for (unsigned int i = 0; i < 3; ++i)
                 from.push_back(odd ? drawnImage(type(), {width, 5}, oddValues(type()), 13 + i)
-                               : randomImage(type(), {width, 5}, 10 + i));
+                                   : randomImage(type(), {width, 5}, 10 + i));
             // Types other than 1 are the smaller eigenvalue; the last k takes integers past what 64 bits hold.
             for (const auto& [kind, k] :
                  {std::make_pair(1, 0.04f), {0, 0.04f}, {2, 1.0f}, {-1, 1.0f}, {1, 0.0f}, {1, -3.0f}, {1, 1e30f}}) {
@@ -177,30 +175,35 @@ TEST(HarrisCorner2dImg, RefusesBeforeAnyWorkAndSaysWhy)
     };
     const auto on = [&](const Images& working, const ImagePtr& result) { return [=] { run(in, working, result); }; };
     const std::string finite = ", it must be a finite number above 0";
-    expectRefusals({in, out, wk[0], wk[1], wk[2], higher}, {
-        {"failed: InOptGradStdDev is -1.5" + finite, with(-1.5f, nullptr, out)},
-        {"failed: InOptGradStdDev is nan" + finite, with(std::nanf(""), nullptr, out)},
-        {"failed: InOptGradientGaussianCoverage is -1" + finite, with(1.0f, GaussianCoverage::createNode(-1.0), out)},
-        {"mandatory attribute InImg has no value", [&] { harrisCorner2dImg(nullptr, 1.0f, nullptr, nullptr, out); }},
-        {"OutImg (8 x 9 x 1 x 1 x 1)", with(1.0f, nullptr, higher)},
-        {"failed: buffer type of OutWk1Img", with(1.0f, nullptr, whole[0])},  // the working images that are made are float
-        {"OutWk1Img (8 x 9 x 1 x 1 x 1)", on({higher, wk[1], wk[2]}, out)},
-        {"OutWk2Img (8 x 9 x 1 x 1 x 1)", on({wk[0], higher, wk[2]}, out)},
-        {"OutWk3Img (signed 16 bits (type 3))", on({wk[0], wk[1], whole[2]}, out)},
-        {"failed: memory of InImg", on({in, wk[1], wk[2]}, out)},
-        {"failed: memory of InImg", on({wk[0], in, wk[2]}, out)},
-        {"failed: memory of OutWk1Img", on({wk[0], wk[0], wk[2]}, out)},
-        {"failed: memory of OutWk1Img", on({wk[0], wk[1], wk[0]}, out)},
-        {"failed: memory of OutWk2Img", on({wk[0], wk[1], wk[1]}, out)},
-        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HarrisCorner2dImgLvl1>()); }},
-    });
+    expectRefusals(
+        {in, out, wk[0], wk[1], wk[2], higher},
+        {
+            {"failed: InOptGradStdDev is -1.5" + finite, with(-1.5f, nullptr, out)},
+            {"failed: InOptGradStdDev is nan" + finite, with(std::nanf(""), nullptr, out)},
+            {"failed: InOptGradientGaussianCoverage is -1" + finite, with(1.0f, GaussianCoverage::createNode(-1.0), out)},
+            {"mandatory attribute InImg has no value", [&] { harrisCorner2dImg(nullptr, 1.0f, nullptr, nullptr, out); }},
+            {"OutImg (8 x 9 x 1 x 1 x 1)", with(1.0f, nullptr, higher)},
+            {"failed: buffer type of OutWk1Img",
+             with(1.0f, nullptr, whole[0])},  // the working images that are made are float
+            {"OutWk1Img (8 x 9 x 1 x 1 x 1)", on({higher, wk[1], wk[2]}, out)},
+            {"OutWk2Img (8 x 9 x 1 x 1 x 1)", on({wk[0], higher, wk[2]}, out)},
+            {"OutWk3Img (signed 16 bits (type 3))", on({wk[0], wk[1], whole[2]}, out)},
+            {"failed: memory of InImg", on({in, wk[1], wk[2]}, out)},
+            {"failed: memory of InImg", on({wk[0], in, wk[2]}, out)},
+            {"failed: memory of OutWk1Img", on({wk[0], wk[0], wk[2]}, out)},
+            {"failed: memory of OutWk1Img", on({wk[0], wk[1], wk[0]}, out)},
+            {"failed: memory of OutWk2Img", on({wk[0], wk[1], wk[1]}, out)},
+            {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HarrisCorner2dImgLvl1>()); }},
+        });
     // The result may lie over a working image or over the input, but not over some of their lines.
     const ImagePtr tall = randomImage(eIBT_Real32, {8, 12}, 26), first = linesOf(tall, 0, 8), later = linesOf(tall, 3, 8);
     expectRefusals({tall}, {{"failed: memory of OutWk1Img", on({first, wk[1], wk[2]}, later)},
                             {"failed: memory of OutWk2Img", on({wk[0], first, wk[2]}, later)},
                             {"failed: memory of OutWk3Img", on({wk[0], wk[1], first}, later)},
                             {"failed: memory of InImg", [=] { run(first, wk, later); }},
-                            {"failed: memory of InImg", [=] { run(first, {wk[0], wk[1], later}, wk[3]); }}});
+                            {"failed: memory of InImg", [=] {
+                                 run(first, {wk[0], wk[1], later}, wk[3]);
+                             }}});
 }
 
 }  // namespace

@@ -7,8 +7,7 @@
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -34,23 +33,23 @@ TEST(HarrisCorner2d, IsTheResponseAndItsExtremaByEveryCallForStripsAndThreads)
     };
     ASSERT_TRUE(fully(plane)->size() > 5 && fully(plane)->size() < 100);
     const Numbers a = numbersOf(plainly(plane)), b = numbersOf(wider(plane)), c = numbersOf(fully(plane));
-    const Numbers allA = planeByPlane(planes, plainly), allB = planeByPlane(planes, wider), allC =
-        planeByPlane(planes, fully);
+    const Numbers allA = planeByPlane(planes, plainly), allB = planeByPlane(planes, wider),
+                  allC = planeByPlane(planes, fully);
     const auto many = [](const auto& started) { return getAsyncProcessorMultiSliceOutput(started); };
     expectSameForStripsAndThreads([&] {
-        return std::vector<Call>{
-            {a, harrisCorner2d(plane, 20, 3)},
-            {b, harrisCorner2d(plane, 1.5f, 10, 2)},
-            {c, harrisCorner2d(plane, 1.2f, coverage, eigen, 1000, 80.0, 4, 1)},
-            {a, harrisCorner2d_async(plane, 20, 3)},
-            {b, harrisCorner2d_async(plane, 1.5f, 10, 2)},
-            {c, harrisCorner2d_async(plane, 1.2f, coverage, eigen, 1000, 80.0, 4, 1)},
-            {allA, multiSlice_harrisCorner2d(planes, 20, 3)},
-            {allB, multiSlice_harrisCorner2d(planes, 1.5f, 10, 2)},
-            {allC, multiSlice_harrisCorner2d(planes, 1.2f, coverage, eigen, 1000, 80.0, 4, 1)},
-            {allA, many(multiSlice_harrisCorner2d_async(planes, 20, 3))},
-            {allB, many(multiSlice_harrisCorner2d_async(planes, 1.5f, 10, 2))},
-            {allC, many(multiSlice_harrisCorner2d_async(planes, 1.2f, coverage, eigen, 1000, 80.0, 4, 1))}};
+        return std::vector<Call>{{a, harrisCorner2d(plane, 20, 3)},
+                                 {b, harrisCorner2d(plane, 1.5f, 10, 2)},
+                                 {c, harrisCorner2d(plane, 1.2f, coverage, eigen, 1000, 80.0, 4, 1)},
+                                 {a, harrisCorner2d_async(plane, 20, 3)},
+                                 {b, harrisCorner2d_async(plane, 1.5f, 10, 2)},
+                                 {c, harrisCorner2d_async(plane, 1.2f, coverage, eigen, 1000, 80.0, 4, 1)},
+                                 {allA, multiSlice_harrisCorner2d(planes, 20, 3)},
+                                 {allB, multiSlice_harrisCorner2d(planes, 1.5f, 10, 2)},
+                                 {allC, multiSlice_harrisCorner2d(planes, 1.2f, coverage, eigen, 1000, 80.0, 4, 1)},
+                                 {allA, many(multiSlice_harrisCorner2d_async(planes, 20, 3))},
+                                 {allB, many(multiSlice_harrisCorner2d_async(planes, 1.5f, 10, 2))},
+                                 {allC,
+                                  many(multiSlice_harrisCorner2d_async(planes, 1.2f, coverage, eigen, 1000, 80.0, 4, 1))}};
     });
     EXPECT_EQ(0u, harrisCorner2d(plane, 0, 3)->size());
     EXPECT_EQ(70u * 50u, harrisCorner2d(plane, NumericLimits<unsigned long>::s_max, 0)->size());
@@ -66,8 +65,8 @@ TEST(HarrisCorner2d, LeavesTheResponseInTheFirstWorkingImage)
 
 TEST(HarrisCorner2d, RefusesBeforeAnyWorkAndSaysWhy)
 {
-    const ImagePtr in = randomImage(eIBT_Real32, {8, 8}, 32), planes = blank(8, 8, 3), higher =
-        createImage(eIBT_Real32, {8, 9});
+    const ImagePtr in = randomImage(eIBT_Real32, {8, 8}, 32), planes = blank(8, 8, 3),
+                   higher = createImage(eIBT_Real32, {8, 9});
     const ImagePtr a = copyOf(*in), b = copyOf(*in), c = copyOf(*in);
     const auto on = [&](const ImagePtr& wk1, const ImagePtr& wk2, const ImagePtr& wk3) {
         return [=] {
@@ -76,20 +75,22 @@ TEST(HarrisCorner2d, RefusesBeforeAnyWorkAndSaysWhy)
         };
     };
     const std::string plans = "failed: entries of OutPIPixels2d are the planes (z, c, t) of InImg: 1 entries, 3 planes";
-    expectRefusals({in, a, b, c, higher}, {
-        {"failed: InOptGradStdDev is 0, it must be a finite number above 0", [&] { harrisCorner2d(in, 0.0f, 5, 1); }},
-        {plans, [&] { harrisCorner2d(planes, 5, 1); }},
-        {plans, [&] { getAsyncProcessorOutput(harrisCorner2d_async(planes, 5, 1)); }},
-        {"mandatory attribute InImg has no value", [&] { multiSlice_harrisCorner2d(nullptr, 5, 1); }},
-        {"OutWk1Img (8 x 9 x 1 x 1 x 1)", on(higher, b, c)},
-        {"OutWk2Img (8 x 9 x 1 x 1 x 1)", on(a, higher, c)},
-        {"failed: memory of InImg", on(in, b, c)},
-        {"failed: memory of InImg", on(a, in, c)},
-        {"failed: memory of OutWk1Img", on(a, a, c)},
-        {"failed: memory of OutWk1Img", on(a, b, a)},
-        {"failed: memory of OutWk2Img", on(a, b, b)},
-        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HarrisCorner2dLvl1>()); }},
-    });
+    expectRefusals(
+        {in, a, b, c, higher},
+        {
+            {"failed: InOptGradStdDev is 0, it must be a finite number above 0", [&] { harrisCorner2d(in, 0.0f, 5, 1); }},
+            {plans, [&] { harrisCorner2d(planes, 5, 1); }},
+            {plans, [&] { getAsyncProcessorOutput(harrisCorner2d_async(planes, 5, 1)); }},
+            {"mandatory attribute InImg has no value", [&] { multiSlice_harrisCorner2d(nullptr, 5, 1); }},
+            {"OutWk1Img (8 x 9 x 1 x 1 x 1)", on(higher, b, c)},
+            {"OutWk2Img (8 x 9 x 1 x 1 x 1)", on(a, higher, c)},
+            {"failed: memory of InImg", on(in, b, c)},
+            {"failed: memory of InImg", on(a, in, c)},
+            {"failed: memory of OutWk1Img", on(a, a, c)},
+            {"failed: memory of OutWk1Img", on(a, b, a)},
+            {"failed: memory of OutWk2Img", on(a, b, b)},
+            {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HarrisCorner2dLvl1>()); }},
+        });
 }
 
 }  // namespace

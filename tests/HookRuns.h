@@ -50,7 +50,8 @@ inline std::vector<long> linesOf(const PlanIndexedMarks& lists)
     std::vector<long> lines;
     for (const PlanIndex& plan : lists.getPlans())
         for (const auto& mark : lists.getEntry(plan)->get<Marks::Coll>().getNodes())
-            lines.insert(lines.end(), {static_cast<long>(plan.z), static_cast<long>(mark->get<Mark::Y>()), mark->get<Mark::Id>()});
+            lines.insert(lines.end(),
+                         {static_cast<long>(plan.z), static_cast<long>(mark->get<Mark::Y>()), mark->get<Mark::Id>()});
     return lines;
 }
 
@@ -59,7 +60,8 @@ inline std::vector<long> expectedLines(const image::BaseImage& image)
     std::vector<long> lines;
     for (unsigned long z = 0; z < image.getSizeZ(); ++z)
         for (unsigned long y = 0; y < image.getSizeY(); ++y)
-            lines.insert(lines.end(), {static_cast<long>(z), static_cast<long>(y), static_cast<long>(sampleAt(image, 0, y, z))});
+            lines.insert(lines.end(),
+                         {static_cast<long>(z), static_cast<long>(y), static_cast<long>(sampleAt(image, 0, y, z))});
     return lines;
 }
 

@@ -12,8 +12,7 @@
 
 #include "frame/attr/StripAttributes.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -85,7 +84,7 @@ ImagePtr expectedAccumulator(const BaseImage& plane, const Params& params, eImag
 {
     const unsigned long nbRows = params.get<Params::NbThetaBins>() + nbMoreRows;
     const ImagePtr accumulator = createImage(type, {columnsOf(plane, params.get<Params::RhoStep>()), nbRows});
-    type == eIBT_Real32 ? voteAsDefined<float>(plane, params, *accumulator)
+    type == eIBT_Real32  ? voteAsDefined<float>(plane, params, *accumulator)
     : type == eIBT_Int32 ? voteAsDefined<int>(plane, params, *accumulator)
                          : voteAsDefined<unsigned int>(plane, params, *accumulator);
     return accumulator;
@@ -199,10 +198,10 @@ TEST(HoughLinesImg, HasTheSizeAndTypeOfItsGeometry)
     for (const eImageBufferType type : kAllTypes) {
         in->init(blank(5, 4, 2, 2, type));
         const bool isWide = type == eIBT_UInt32 || type == eIBT_Label32, isReal = type == eIBT_Real32 || type == eIBT_Label8;
-        const Types expected = isReal            ? Types{eIBT_Real32}
-                               : isSigned(type)  ? Types{eIBT_Int32, eIBT_Real32}
-                               : isWide          ? Types{eIBT_UInt32, eIBT_Real32}
-                                                 : Types{eIBT_Int32, eIBT_UInt32, eIBT_Real32};
+        const Types expected = isReal           ? Types{eIBT_Real32}
+                               : isSigned(type) ? Types{eIBT_Int32, eIBT_Real32}
+                               : isWide         ? Types{eIBT_UInt32, eIBT_Real32}
+                                                : Types{eIBT_Int32, eIBT_UInt32, eIBT_Real32};
         EXPECT_EQ(expected, houghLines2dCheckOutImgBufferType(in)->getAllowedImageBufferTypes()) << toString(type);
         const Types wide = houghLines2dCheckOutImgBufferType(in, true)->getAllowedImageBufferTypes();
         EXPECT_EQ(type != eIBT_Real32, std::count(wide.begin(), wide.end(), eIBT_UInt32) == 1) << toString(type);
@@ -238,21 +237,24 @@ TEST(HoughLinesImg, RefusesWhatDoesNotFitInWords)
     };
     const ImagePtr inside = wrapBuffer(given->accessLine(179), eIBT_UInt32, {5, 4}, ImageStrides(), given);
     const std::string bins = "failed: accumulator of InGreyImg2d has 1 to 2147483647 bins along rho and along theta: ";
-    expectRefusals({given}, {
-        {"HoughLines2dImgLvl1 refuses to run: mandatory attribute InGreyImg2d has no value (unset or null)",
-         into(nullptr, given)},
-        {bins + "8 along rho, 0 along theta", with(paramsOf(1, 0, 1, 0, 0))},
-        {bins + "8 along rho, 4294967295 along theta", with(paramsOf(1, 0, 1, 4294967295u, 0))},
-        {bins + std::to_string(columnsOf(*plane, 1e-15)) + " along rho", with(paramsOf(1e-15, 0, 1, 5, 0))},
-        {"X 9 against 8", into(plane, createImage(eIBT_UInt32, {9, 180}))},
-        {"Y 184 against 180", into(plane, createImage(eIBT_UInt32, {8, 184}))},
-        {"failed: buffer type, of OutImg", into(plane, createImage(eIBT_Int16, {8, 180}))},
-        {"failed: number of planes", into(plane, createImage(eIBT_UInt32, {8, 180, 2}))},
-        {"failed: memory of InGreyImg2d", into(inside, given)},
-        {"failed: Output image Y size (179) is greater than or equals to NbThetaBins field of InOptHoughLinesImgParams data "
-         "item (180)", intoRows(179)},
-        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dImgLvl1>()); }},
-    });
+    expectRefusals(
+        {given},
+        {
+            {"HoughLines2dImgLvl1 refuses to run: mandatory attribute InGreyImg2d has no value (unset or null)",
+             into(nullptr, given)},
+            {bins + "8 along rho, 0 along theta", with(paramsOf(1, 0, 1, 0, 0))},
+            {bins + "8 along rho, 4294967295 along theta", with(paramsOf(1, 0, 1, 4294967295u, 0))},
+            {bins + std::to_string(columnsOf(*plane, 1e-15)) + " along rho", with(paramsOf(1e-15, 0, 1, 5, 0))},
+            {"X 9 against 8", into(plane, createImage(eIBT_UInt32, {9, 180}))},
+            {"Y 184 against 180", into(plane, createImage(eIBT_UInt32, {8, 184}))},
+            {"failed: buffer type, of OutImg", into(plane, createImage(eIBT_Int16, {8, 180}))},
+            {"failed: number of planes", into(plane, createImage(eIBT_UInt32, {8, 180, 2}))},
+            {"failed: memory of InGreyImg2d", into(inside, given)},
+            {"failed: Output image Y size (179) is greater than or equals to NbThetaBins field of InOptHoughLinesImgParams data "
+             "item (180)",
+             intoRows(179)},
+            {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dImgLvl1>()); }},
+        });
     EXPECT_NO_THROW(into(plane, createImage(eIBT_Real32, {8, 180}))());
     EXPECT_NO_THROW(intoRows(184)());
     try {
@@ -279,8 +281,8 @@ TEST(HoughLinesRules, SayWhatIsMissing)
     EXPECT_EQ(8u, made->getSizeX());
     EXPECT_TRUE(rule->testRule());
     params.reset();
-    const std::string expired = "Attribute weak pointer has expired, can't get it", null =
-        "Input attribute should not be null";
+    const std::string expired = "Attribute weak pointer has expired, can't get it",
+                      null = "Input attribute should not be null";
     typedef ORVIKIPLFeatureDetectionException Failure;
     EXPECT_EQ(expired, thrownText<Failure>([&] { made->getSizeX(); }));
     EXPECT_EQ(expired, thrownText<processor::ORVIKBaseProcessingException>([&] { rule->testRule(); }));

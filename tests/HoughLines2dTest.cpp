@@ -9,8 +9,7 @@
 
 #include "frame/core/ActionProvider.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -52,7 +51,7 @@ void expectDrawnLines(unsigned long sizeX, unsigned long sizeY, double degrees,
         for (std::size_t i = 1; i < found.size(); i += 3)
             for (const double turn : {-kPi, 0.0, kPi})
                 nbSame += std::fabs(found[i + 1] - theta + turn) <= kPi / 180
-                    && std::fabs(found[i] - (turn == 0.0 ? rho : -rho)) <= 1.0;
+                          && std::fabs(found[i] - (turn == 0.0 ? rho : -rho)) <= 1.0;
         EXPECT_EQ(1, nbSame) << sizeX << " x " << sizeY << ", " << degrees << " degrees, rho " << rho;
     }
 }
@@ -78,8 +77,8 @@ Numbers expectedLines(const BaseImage& plane, const ImagePtr& accumulator, const
                       const Extraction& extraction)
 {
     const double rhoStep = params.get<Params::RhoStep>(), thetaMin = params.get<Params::ThetaMin>();
-    const double nbAngles = params.get<Params::NbThetaBins>(), thetaStep =
-        (params.get<Params::ThetaMax>() - thetaMin) / nbAngles;
+    const double nbAngles = params.get<Params::NbThetaBins>(),
+                 thetaStep = (params.get<Params::ThetaMax>() - thetaMin) / nbAngles;
     const unsigned int dist = extraction.get<Extraction::PeakDist>();
     double threshold = extraction.get<Extraction::Threshold>();
     Numbers bins;
@@ -130,12 +129,10 @@ TEST(HoughLines, AreTheHighestBinsOfTheContinuedAccumulator)
     for (const eImageBufferType type : kAllTypes)
         for (const auto& params :
              {Params::createNode(1.0, 0.0, kPi, 180u, 0.0f), Params::createNode(0.6, -0.2, 3.3, 100u, 0.0f),
-                                   Params::createNode(1.3, -kPi, kPi, 90u, 0.0f),
-                                       Params::createNode(1.0, 0.0, 3.0, 60u, 0.0f),
-                                   Params::createNode(1.0, 0.5, 5.0, 5u, 0.0f)})
+              Params::createNode(1.3, -kPi, kPi, 90u, 0.0f), Params::createNode(1.0, 0.0, 3.0, 60u, 0.0f),
+              Params::createNode(1.0, 0.5, 5.0, 5u, 0.0f)})
             for (const auto& [kind, threshold] :
-                 {std::make_pair(0, 9.0), {1, 0.4}, {2, 0.99}, {2, 1.5}, {3, 12.0}, {-1, 12.0},
-                                                  {1, -0.5}, {1, 1.5}}) {
+                 {std::make_pair(0, 9.0), {1, 0.4}, {2, 0.99}, {2, 1.5}, {3, 12.0}, {-1, 12.0}, {1, -0.5}, {1, 1.5}}) {
                 const unsigned int dist = std::vector<unsigned int>{0, 1, 4, 120}[seed % 4];
                 // Floats are not told apart by counts in the histogram.
                 if (kind == 2 && type == eIBT_Real32)
@@ -163,8 +160,8 @@ TEST(HoughLines, OfNothingAreNone)
     const ImagePtr plane = picture(eIBT_UInt8, 82);
     for (const int kind : {0, 1, 2}) {
         for (const eImageBufferType type : {eIBT_UInt8, eIBT_Int32, eIBT_Real32})
-            EXPECT_EQ(0u, houghLines2d(createImage(type, {30, 20}), nullptr,
-                                       Extraction::createNode(kind, 0.5, 3u)).first->size());
+            EXPECT_EQ(
+                0u, houghLines2d(createImage(type, {30, 20}), nullptr, Extraction::createNode(kind, 0.5, 3u)).first->size());
         EXPECT_EQ(0u, houghLines2d(plane, nullptr, Extraction::createNode(kind, kNan, 3u)).first->size());
     }
     EXPECT_EQ(0u, houghLines2d(plane, Params::createNode(kNan, 0.0, kPi, 18u, 0.0f), nullptr).first->size());
@@ -182,8 +179,8 @@ TEST(HoughLines, AreTheSameByEveryCallForStripsAndThreads)
     const auto one = numbersOf(houghLines2d(plane)), chosen = numbersOf(houghLines2d(plane, params, extraction));
     const auto lines = planeByPlane(drawn, [](const ImagePtr& each) { return houghLines2d(each).first; });
     const auto votes = planeByPlane(drawn, [](const ImagePtr& each) { return houghLines2d(each).second; });
-    const auto some = planeByPlane(drawn,
-                                   [&](const ImagePtr& each) { return houghLines2d(each, params, extraction).first; });
+    const auto some =
+        planeByPlane(drawn, [&](const ImagePtr& each) { return houghLines2d(each, params, extraction).first; });
     expectSameForStripsAndThreads([&] {
         const auto all = multiSlice_houghLines2d(stack), allChosen = multiSlice_houghLines2d(stack, params, extraction);
         const auto started = getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack));
@@ -237,25 +234,27 @@ TEST(HoughLines, RefuseWhatDoesNotFitInWords)
     const std::string plans =
         "failed: entries of OutPIHoughLines2dPpties are the planes (z, c, t) of InGreyImg2d: 1 entries, 2 planes";
     const std::string bins = "bins along rho and along theta: 8 along rho, ";
-    expectRefusals({given}, {
-        {"HoughLines2dLvl1 refuses to run: mandatory attribute InGreyImg2d has no value (unset or null)",
-         into(nullptr, given)},
-        {plans, [&] { houghLines2d(stack); }},
-        {plans, [&] { getAsyncProcessorOutput(houghLines2d_async(stack)); }},
-        {bins + "8589934770 along theta", with(nullptr, 4294967295u)},
-        {bins + "0 along theta", with(Params::createNode(1.0, 0.0, 4.0, 0u, 0.0f), 1)},
-        {"Y 180 against 200", into(plane, createImage(eIBT_UInt32, {8, 180}))},
-        {"X 9 against 8", into(plane, createImage(eIBT_UInt32, {9, 200}))},
-        {"failed: buffer type, of OutOptImg", into(plane, blank(8, 200))},
-        {"failed: number of planes", into(plane, createImage(eIBT_UInt32, {8, 200, 2}))},
-        {"failed: memory of InGreyImg2d", into(inside, given)},
-        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dLvl1>()); }},
-    });
+    expectRefusals(
+        {given},
+        {
+            {"HoughLines2dLvl1 refuses to run: mandatory attribute InGreyImg2d has no value (unset or null)",
+             into(nullptr, given)},
+            {plans, [&] { houghLines2d(stack); }},
+            {plans, [&] { getAsyncProcessorOutput(houghLines2d_async(stack)); }},
+            {bins + "8589934770 along theta", with(nullptr, 4294967295u)},
+            {bins + "0 along theta", with(Params::createNode(1.0, 0.0, 4.0, 0u, 0.0f), 1)},
+            {"Y 180 against 200", into(plane, createImage(eIBT_UInt32, {8, 180}))},
+            {"X 9 against 8", into(plane, createImage(eIBT_UInt32, {9, 200}))},
+            {"failed: buffer type, of OutOptImg", into(plane, blank(8, 200))},
+            {"failed: number of planes", into(plane, createImage(eIBT_UInt32, {8, 200, 2}))},
+            {"failed: memory of InGreyImg2d", into(inside, given)},
+            {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dLvl1>()); }},
+        });
     // Where the angles do not go round, the distance has no rows to add, and sees the whole accumulator.
     setSample(*plane, 1, 3, 1);
-    EXPECT_EQ(1u, houghLines2d(plane, Params::createNode(1.0, 0.0, 3.0, 60u, 0.0f),
-                               Extraction::createNode(1, 0.5, 4294967295u))
-                      .first->size());
+    EXPECT_EQ(1u,
+              houghLines2d(plane, Params::createNode(1.0, 0.0, 3.0, 60u, 0.0f), Extraction::createNode(1, 0.5, 4294967295u))
+                  .first->size());
 }
 
 }  // namespace

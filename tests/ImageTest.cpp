@@ -12,8 +12,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 typedef imaproc::ORVIKImageProcessingException ImageException;
@@ -28,7 +27,8 @@ TEST(BufferTypes, KnowWhatIsNoneAndWhatIsStoredInUnsignedBytes)
 {
     for (const eImageBufferType type : kAllTypes)
         EXPECT_EQ(type == eIBT_UInt8 || type == eIBT_Binary || type == eIBT_Label8,
-                  createImage(type, ImageSizes(1, 1))->hasBinary8BitsStorage()) << toString(type);
+                  createImage(type, ImageSizes(1, 1))->hasBinary8BitsStorage())
+            << toString(type);
     for (const unsigned int none : {0u, 12u, 255u, ~0u}) {
         EXPECT_EQ(0u, getImageBufferBaseSize(static_cast<eImageBufferType>(none)));
         EXPECT_EQ(eDT_None, toDataType(static_cast<eImageBufferType>(none)));
@@ -61,8 +61,8 @@ TEST(CreateImage, RefusesSizesAndTypesInWords)
     EXPECT_EQ("Invalid image: buffer type 12 is none of the types 1 to 11",
               refusal([] { createImage(static_cast<eImageBufferType>(12), ImageSizes(2, 2)); }));
     const unsigned long huge = std::numeric_limits<unsigned long>::max(), half = 1ul << 32;
-    for (const ImageSizes& sizes : {ImageSizes(huge, 1), ImageSizes(huge - 63, 1), ImageSizes(1, huge), ImageSizes(half, half),
-                                    ImageSizes(half / 2, half / 4, 16), ImageSizes(1, 1, half, half),
+    for (const ImageSizes& sizes : {ImageSizes(huge, 1), ImageSizes(huge - 63, 1), ImageSizes(1, huge),
+                                    ImageSizes(half, half), ImageSizes(half / 2, half / 4, 16), ImageSizes(1, 1, half, half),
                                     ImageSizes(64, half / 4, 1, 1, half), ImageSizes(huge / 2, 1, 1, 2)})
         EXPECT_EQ("Invalid image: the number of bytes of size " + toString(sizes) + " overflows",
                   refusal([&] { createImage(eIBT_Real32, sizes); }));
@@ -105,8 +105,8 @@ TEST(WrapBuffer, TakesStridesInAnyOrderAndDirection)
 
 TEST(WrapBuffer, KeepsTheBufferAliveAsLongAsAnyView)
 {
-    boost::shared_ptr<std::vector<float> > owner = boost::make_shared<std::vector<float> >(6, 1.5f);
-    const boost::weak_ptr<std::vector<float> > watch = owner;
+    boost::shared_ptr<std::vector<float>> owner = boost::make_shared<std::vector<float>>(6, 1.5f);
+    const boost::weak_ptr<std::vector<float>> watch = owner;
     ImagePtr image = wrapBuffer(static_cast<void*>(owner->data()), eIBT_Real32, ImageSizes(2, 1, 3), ImageStrides(), owner);
     owner.reset();
     ImagePtr view = image->getView(PlanIndex(2), 1);
@@ -144,7 +144,8 @@ TEST(WrapBuffer, RefusesInWords)
     for (const long stride : {far, -far, std::numeric_limits<long>::min()})
         EXPECT_EQ("Invalid image: the number of bytes of size 8 x 3 x 1 x 1 x 1 overflows",
                   wrap(eIBT_UInt8, ImageSizes(8, 3), ImageStrides(stride)));
-    EXPECT_EQ("Invalid image: the buffer is null", refusal([] { copyIn(*createImage(eIBT_UInt8, ImageSizes(1, 1)), nullptr); }));
+    EXPECT_EQ("Invalid image: the buffer is null",
+              refusal([] { copyIn(*createImage(eIBT_UInt8, ImageSizes(1, 1)), nullptr); }));
 }
 
 TEST(Views, ShareTheMemoryAndTheSlackOfTheirImage)
@@ -219,7 +220,8 @@ TEST(StripExtractor, ShowsTheLinesOfThePlaneAsked)
 {
     const ImagePtr image = randomImage(eIBT_Int16, ImageSizes(5, 6, 2, 2, 2));
     boost::shared_ptr<OutputImageYStrip2d> strip;
-    ASSERT_TRUE(ImageStripExtractor::extractYStrip2d<OutputImageYStrip2d>(1, 0, 1, 2, 3, eSAT_View, eSPD_Forward, image, strip)
+    ASSERT_TRUE(ImageStripExtractor::extractYStrip2d<OutputImageYStrip2d>(1, 0, 1, 2, 3, eSAT_View, eSPD_Forward, image,
+                                                                          strip)
                     .getValue());
     strip->initBuffer();
     EXPECT_EQ(5u, strip->getSizeX());
@@ -236,8 +238,8 @@ TEST(StripExtractor, RefusesWhatLiesOutside)
     const auto text = [&](unsigned long z, unsigned long c, unsigned long t, unsigned long offset, unsigned long size,
                           const boost::shared_ptr<const BaseImage>& from) {
         boost::shared_ptr<InputImageYStrip2d> strip;
-        const BoolResult result = ImageStripExtractor::extractYStrip2d<InputImageYStrip2d>(
-            z, c, t, offset, size, eSAT_View, eSPD_Forward, from, strip);
+        const BoolResult result = ImageStripExtractor::extractYStrip2d<InputImageYStrip2d>(z, c, t, offset, size, eSAT_View,
+                                                                                           eSPD_Forward, from, strip);
         EXPECT_EQ(result.getValue(), strip != nullptr);
         return result.getMessage();
     };

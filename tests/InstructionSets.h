@@ -76,7 +76,7 @@ protected:
     {
         if (!hasKernel<X>(type(), set()))
             GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
-        m_forced = std::make_unique<ForcedSet<X> >(set());
+        m_forced = std::make_unique<ForcedSet<X>>(set());
         lastEfficiency() = s_noKernel;
     }
     void TearDown() override
@@ -99,10 +99,10 @@ protected:
     auto withPlainCode(F&& f)
     {
         m_forced.reset();
-        m_forced = std::make_unique<ForcedSet<X> >(core::eIS_Generic);
+        m_forced = std::make_unique<ForcedSet<X>>(core::eIS_Generic);
         const auto result = f();
         m_forced.reset();
-        m_forced = std::make_unique<ForcedSet<X> >(set());
+        m_forced = std::make_unique<ForcedSet<X>>(set());
         lastEfficiency() = s_noKernel;
         return result;
     }
@@ -115,7 +115,7 @@ private:
         return processor::getAlgorithmEntry(X::getTypeName()).lastEfficiency;
     }
 
-    std::unique_ptr<ForcedSet<X> > m_forced;
+    std::unique_ptr<ForcedSet<X>> m_forced;
 };
 
 }  // namespace orvik::test

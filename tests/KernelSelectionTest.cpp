@@ -15,8 +15,7 @@
 #include <cstdlib>
 #include <map>
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace imaproc;
 using namespace imaproc::tiny;
@@ -29,10 +28,11 @@ using image::ImageSizes;
 typedef ForcedSet<MaxL2Norm2MsrLvl3> Forced;
 
 const eInstructionSet g_sets[] = {core::eIS_Generic, core::eIS_Sse2, core::eIS_Avx, core::eIS_Avx2, core::eIS_Avx512};
-const unsigned int g_ranks[] = {
-    AlgorithmFunctionEfficiency<0, 0, 0>::getEfficiency(), AlgorithmFunctionEfficiency<1, 0, 0>::getEfficiency(),
-    AlgorithmFunctionEfficiency<5, 0, 0>::getEfficiency(), AlgorithmFunctionEfficiency<7, 0, 0>::getEfficiency(),
-    AlgorithmFunctionEfficiency<8, 0, 0>::getEfficiency()};
+const unsigned int g_ranks[] = {AlgorithmFunctionEfficiency<0, 0, 0>::getEfficiency(),
+                                AlgorithmFunctionEfficiency<1, 0, 0>::getEfficiency(),
+                                AlgorithmFunctionEfficiency<5, 0, 0>::getEfficiency(),
+                                AlgorithmFunctionEfficiency<7, 0, 0>::getEfficiency(),
+                                AlgorithmFunctionEfficiency<8, 0, 0>::getEfficiency()};
 const eInstructionSet g_unknownSet = static_cast<eInstructionSet>(9);
 
 InstructionSetsIdentifier only(eInstructionSet set)
@@ -99,7 +99,8 @@ TEST(Efficiency, RisesWithTheSets)
         AlgorithmFunctionEfficiency<0, 0, 0>::getEfficiency(), AlgorithmFunctionEfficiency<1, 1, 0>::getEfficiency(),
         AlgorithmFunctionEfficiency<5, 5, 0>::getEfficiency(), AlgorithmFunctionEfficiency<7, 7, 0>::getEfficiency(),
         AlgorithmFunctionEfficiency<6, 7, 0>::getEfficiency(), AlgorithmFunctionEfficiency<8, 8, 0>::getEfficiency()};
-    EXPECT_EQ(std::end(g_ranks), std::adjacent_find(std::begin(g_ranks), std::end(g_ranks), std::greater_equal<unsigned int>()));
+    EXPECT_EQ(std::end(g_ranks),
+              std::adjacent_find(std::begin(g_ranks), std::end(g_ranks), std::greater_equal<unsigned int>()));
     EXPECT_EQ(std::end(pairs), std::adjacent_find(std::begin(pairs), std::end(pairs), std::greater_equal<unsigned int>()));
 }
 
@@ -107,7 +108,7 @@ TEST(Efficiency, RisesWithTheSets)
 
 TEST(Registration, HasTheKernelsOfTheSetsOfThisMachineAndNoOthers)
 {
-    std::map<std::string, std::vector<unsigned int> > typesOf;
+    std::map<std::string, std::vector<unsigned int>> typesOf;
     for (const AlgorithmFunctionIdentifier& known : MaxL2Norm2MsrLvl3::retrieveFunctionSelector().getFunctions()) {
         EXPECT_TRUE(known.getInstructionSets().areAvailable());
         typesOf[known.getInstructionSets().toString()].push_back(known.getDataTypes().getType());
@@ -208,7 +209,7 @@ TEST(Selection, FailsInWordsForATypeThatIsNone)
     EXPECT_EQ("MaxL2Norm2MsrLvl3: no kernel serves buffer type no type (type 12)",
               refusalOf([] { fd::maxL2Norm2Msr(typeless(), typeless()); }));
     // A class that sets a border on a parser that could not be made.
-    const auto hash = createInitialised<HashLvl1<false> >();
+    const auto hash = createInitialised<HashLvl1<false>>();
     hash->set<InTinyImg>(typeless());
     hash->set<InReach>(Reach::createNode());
     EXPECT_EQ("HashYLvl3: no kernel serves buffer type no type (type 12)", runRefusal(hash));
@@ -218,7 +219,8 @@ TEST(Parsers, LiveForOneStripOnly)
 {
     const auto copy = createInitialised<CopyRaw64>();
     const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(70, 3));
-    boost::shared_ptr<image::InputImageYStrip2d> strip = boost::make_shared<image::InputImageYStrip2d>(image, PlanIndex(), 0, 3);
+    boost::shared_ptr<image::InputImageYStrip2d> strip =
+        boost::make_shared<image::InputImageYStrip2d>(image, PlanIndex(), 0, 3);
     copy->set<InTinyYStrip>(strip);
     copy->set<OutTinyYStrip>(boost::make_shared<image::OutputImageYStrip2d>(
         image::createImage(image::eIBT_Int16, ImageSizes(70, 3)), PlanIndex(), 0, 3));

@@ -6,8 +6,7 @@
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl3.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::fd;
@@ -21,8 +20,8 @@ double reference(const BaseImage& a, const BaseImage& b)
     double largest = none;
     float m = 0;
     forEachSample(a.getGeometry().getSizes(), [&](auto x, auto... line) {
-        const volatile float fa = static_cast<float>(sampleAt(a, x, line...)), fb =
-            static_cast<float>(sampleAt(b, x, line...));
+        const volatile float fa = static_cast<float>(sampleAt(a, x, line...)),
+                             fb = static_cast<float>(sampleAt(b, x, line...));
         const volatile float aa = fa * fa, bb = fb * fb;
         const float s = bb + aa;
         const float before = x == 0 || x == blocks ? 0 : m;
@@ -90,17 +89,19 @@ TEST(MaxL2Norm2MsrCalls, RefuseWhatDoesNotFitInWords)
 {
     const ImagePtr image = createImage(eIBT_Binary, {16, 16}), lower = createImage(eIBT_Binary, {16, 15});
     const ImagePtr labels = createImage(eIBT_Label8, {16, 16});  // the same samples, but another meaning
-    expectRefusals({}, {
-        {"MaxL2Norm2MsrLvl1 refuses to run: mandatory attribute InImg1 has no value (unset or null)",
-         [&] { maxL2Norm2Msr(nullptr, image); }},
-        {"MaxL2Norm2MsrLvl1 refuses to run: mandatory attribute InImg2 has no value (unset or null)",
-         [&] { maxL2Norm2Msr(image, nullptr); }},
-        {"failed: size X x Y x Z x C x T of InImg1 (16 x 16 x 1 x 1 x 1) equals that of InImg2 (16 x 15 x 1 x 1 x 1)",
-         [&] { maxL2Norm2Msr(image, lower); }},
-        {"failed: buffer type of InImg1 (binary (type 8)) equals that of InImg2 (label 8 bits (type 11))",
-         [&] { getAsyncProcessorOutput(maxL2Norm2Msr_async(image, labels)); }},
-        {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<MaxL2Norm2MsrLvl1>()); }},
-    });
+    expectRefusals(
+        {},
+        {
+            {"MaxL2Norm2MsrLvl1 refuses to run: mandatory attribute InImg1 has no value (unset or null)",
+             [&] { maxL2Norm2Msr(nullptr, image); }},
+            {"MaxL2Norm2MsrLvl1 refuses to run: mandatory attribute InImg2 has no value (unset or null)",
+             [&] { maxL2Norm2Msr(image, nullptr); }},
+            {"failed: size X x Y x Z x C x T of InImg1 (16 x 16 x 1 x 1 x 1) equals that of InImg2 (16 x 15 x 1 x 1 x 1)",
+             [&] { maxL2Norm2Msr(image, lower); }},
+            {"failed: buffer type of InImg1 (binary (type 8)) equals that of InImg2 (label 8 bits (type 11))",
+             [&] { getAsyncProcessorOutput(maxL2Norm2Msr_async(image, labels)); }},
+            {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<MaxL2Norm2MsrLvl1>()); }},
+        });
 }
 
 }  // namespace

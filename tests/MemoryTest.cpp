@@ -62,8 +62,7 @@ extern "C" __attribute__((visibility("default"))) void* aligned_alloc(std::size_
     return mayAllocate() && posix_memalign(&block, alignment, size) == 0 ? block : nullptr;
 }
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace imaproc;
 using namespace processor;
@@ -92,7 +91,7 @@ TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
     const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(5, 6, 2));
     const auto reach = Reach::createNode(1, 1, 1, 1, 0, 0, 0, 0);
     const auto makeHash = [&] {
-        const auto hash = createInitialised<HashLvl1<false> >();
+        const auto hash = createInitialised<HashLvl1<false>>();
         hash->set<InTinyImg>(image);
         hash->set<InReach>(reach);
         return hash;
@@ -106,7 +105,8 @@ TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
         const WithThreads threads(nbThreads);
         executeSyncRun(hook);
         const auto hash = makeHash();
-        for (const boost::shared_ptr<BaseProcessor>& run : {boost::shared_ptr<BaseProcessor>(hash), boost::shared_ptr<BaseProcessor>(hook)}) {
+        for (const boost::shared_ptr<BaseProcessor>& run :
+             {boost::shared_ptr<BaseProcessor>(hash), boost::shared_ptr<BaseProcessor>(hook)}) {
             long n = 0;
             for (bool failed = true; failed; ++n) {
                 const std::exception_ptr thrown = failAllocation(n, failed, [&] { executeSyncRun(run); });

@@ -12,8 +12,7 @@
 
 #include <functional>
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 using namespace imaproc::advmorpho;
 using namespace imaproc::attr;
 
@@ -44,7 +43,7 @@ struct Neighbors : ::testing::TestWithParam<Case>
     static void flood(image::BaseImage& part, image::BaseImage& labels, bool minima, unsigned int& nbLabels)
     {
         const image::ImageSizes& sizes = part.getGeometry().getSizes();
-        std::vector<std::function<void(double)> > found;  // set a sample
+        std::vector<std::function<void(double)>> found;  // set a sample
         double extremum = 0;
         const std::function<void(unsigned long, unsigned long, unsigned long)> reach = [&](auto x, auto y, auto z) {
             const double value = x < sizes.x && y < sizes.y && z < sizes.z ? sampleAt(part, x, y, z) : 0.0;
@@ -70,8 +69,9 @@ struct Neighbors : ::testing::TestWithParam<Case>
         const bool volume = part->getSizeZ() > 1;
         for (unsigned long start = 0, count = 0, size = volume ? 5 : 7; start < size; start += count) {
             count = std::min(height, size - start);
-            const ByteLines lines = volume ? imaproc::advmorpho::linesOf(image::OutputImageZStrip3d(part, PlanIndex(), start, count))
-                                           : imaproc::advmorpho::linesOf(image::OutputImageYStrip2d(part, PlanIndex(), start, count));
+            const ByteLines lines =
+                volume ? imaproc::advmorpho::linesOf(image::OutputImageZStrip3d(part, PlanIndex(), start, count))
+                       : imaproc::advmorpho::linesOf(image::OutputImageYStrip2d(part, PlanIndex(), start, count));
             strips[{start, count}] = StatsResult::createNode(0, 0, 0, 0, GetParam().spreadInStrip(lines), 0);
         }
         return spreadAcrossStrips(*part, GetParam().table, strips);

@@ -22,8 +22,7 @@
 #include <tiffio.h>
 #include <unistd.h>
 
-namespace orvik::examples {
-namespace {
+namespace orvik::examples { namespace {
 
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
@@ -31,8 +30,8 @@ using Values = std::vector<double>;
 
 using Tags = std::map<int, int>;
 
-const Tags g_jpegInTiff = {{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_YCBCR}, {TIFFTAG_SAMPLESPERPIXEL, 3},
-                           {TIFFTAG_COMPRESSION, COMPRESSION_JPEG}};
+const Tags g_jpegInTiff = {
+    {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_YCBCR}, {TIFFTAG_SAMPLESPERPIXEL, 3}, {TIFFTAG_COMPRESSION, COMPRESSION_JPEG}};
 
 template<typename Sample>
 Bytes bytesOf(const std::vector<Sample>& samples)
@@ -141,11 +140,16 @@ protected:
 
     /// Grey of 8 bits in one strip, unless the tags say something else. `blocks` are the strips or tiles in file order, of
     /// equal length except that the last may be shorter.
-    std::string tiff(int sizeX, int sizeY, Tags tags, const Bytes& blocks, std::size_t blockBytes, const char* mode = "w") const
+    std::string tiff(int sizeX, int sizeY, Tags tags, const Bytes& blocks, std::size_t blockBytes,
+                     const char* mode = "w") const
     {
-        tags.insert({{TIFFTAG_IMAGEWIDTH, sizeX}, {TIFFTAG_IMAGELENGTH, sizeY}, {TIFFTAG_BITSPERSAMPLE, 8},
-                     {TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT}, {TIFFTAG_SAMPLESPERPIXEL, 1},
-                     {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG}, {TIFFTAG_COMPRESSION, COMPRESSION_NONE},
+        tags.insert({{TIFFTAG_IMAGEWIDTH, sizeX},
+                     {TIFFTAG_IMAGELENGTH, sizeY},
+                     {TIFFTAG_BITSPERSAMPLE, 8},
+                     {TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT},
+                     {TIFFTAG_SAMPLESPERPIXEL, 1},
+                     {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG},
+                     {TIFFTAG_COMPRESSION, COMPRESSION_NONE},
                      {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK}});
         const bool isTiled = tags.count(TIFFTAG_TILEWIDTH) != 0;
         if (!isTiled)
@@ -197,10 +201,7 @@ protected:
         return reason("cannot read '" + path + "': ", [&] { readPicture(path); });
     }
 
-    std::size_t filesInFolder() const
-    {
-        return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator());
-    }
+    std::size_t filesInFolder() const { return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()); }
 
     fs::path m_folder;
 };
@@ -252,14 +253,18 @@ TEST_F(PictureIo, ReadsJpegAsGrey)
 
 TEST_F(PictureIo, ReadsEverySampleTypeOfTiffInBothByteOrders)
 {
-    const auto typed = [](int depth, int format)
-    { return Tags{{TIFFTAG_BITSPERSAMPLE, depth}, {TIFFTAG_SAMPLEFORMAT, format}, {TIFFTAG_ROWSPERSTRIP, 2}}; };
+    const auto typed = [](int depth, int format) {
+        return Tags{{TIFFTAG_BITSPERSAMPLE, depth}, {TIFFTAG_SAMPLEFORMAT, format}, {TIFFTAG_ROWSPERSTRIP, 2}};
+    };
     for (const char* mode : {"wl", "wb", "wb8"}) {  // the last strip is shorter
-        EXPECT_EQ(valuesOf(tiff(2, 3, typed(8, SAMPLEFORMAT_UINT), {1, 2, 3, 4, 5, 255}, 4, mode)), (Values{1, 2, 3, 4, 5, 255}));
-        EXPECT_EQ(valuesOf(tiff(2, 3, typed(16, SAMPLEFORMAT_UINT), bytesOf<std::uint16_t>({1, 256, 65535, 4, 5, 6}), 8, mode)),
-                  (Values{1, 256, 65535, 4, 5, 6}));
-        EXPECT_EQ(valuesOf(tiff(2, 3, typed(16, SAMPLEFORMAT_INT), bytesOf<std::int16_t>({-32768, -2, 32767, 4, 5, 6}), 8, mode)),
-                  (Values{-32768, -2, 32767, 4, 5, 6}));
+        EXPECT_EQ(valuesOf(tiff(2, 3, typed(8, SAMPLEFORMAT_UINT), {1, 2, 3, 4, 5, 255}, 4, mode)),
+                  (Values{1, 2, 3, 4, 5, 255}));
+        EXPECT_EQ(
+            valuesOf(tiff(2, 3, typed(16, SAMPLEFORMAT_UINT), bytesOf<std::uint16_t>({1, 256, 65535, 4, 5, 6}), 8, mode)),
+            (Values{1, 256, 65535, 4, 5, 6}));
+        EXPECT_EQ(
+            valuesOf(tiff(2, 3, typed(16, SAMPLEFORMAT_INT), bytesOf<std::int16_t>({-32768, -2, 32767, 4, 5, 6}), 8, mode)),
+            (Values{-32768, -2, 32767, 4, 5, 6}));
         Tags packed = typed(32, SAMPLEFORMAT_IEEEFP);
         packed[TIFFTAG_COMPRESSION] = COMPRESSION_LZW;
         EXPECT_EQ(valuesOf(tiff(2, 3, packed, bytesOf<float>({-0.5F, 1e30F, 3, 4, 5, 6}), 16, mode)),
@@ -281,7 +286,9 @@ TEST_F(PictureIo, ReadsTilesAndPlanesOfTiff)
                 const int y = pixel / 512 * 16 + pixel / 16 % 16;
                 blocks.push_back(static_cast<unsigned char>(channel == 0 ? 10 * x : channel == 1 ? 10 * y : 250));
             }
-            const Tags tags = {{TIFFTAG_TILEWIDTH, 16}, {TIFFTAG_TILELENGTH, 16}, {TIFFTAG_SAMPLESPERPIXEL, channels},
+            const Tags tags = {{TIFFTAG_TILEWIDTH, 16},
+                               {TIFFTAG_TILELENGTH, 16},
+                               {TIFFTAG_SAMPLESPERPIXEL, channels},
                                {TIFFTAG_PLANARCONFIG, separate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG},
                                {TIFFTAG_PHOTOMETRIC, channels == 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK},
                                {TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE}};
@@ -298,7 +305,9 @@ TEST_F(PictureIo, ReadsColoursOfTiff)
 {
     EXPECT_EQ(valuesOf(tiff(3, 1, {{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE}}, {0, 1, 255}, 3)), (Values{255, 254, 0}));
     EXPECT_EQ(valuesOf(tiff(3, 1, {{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_PALETTE}}, {7, 8, 9}, 3)), (Values{76, 150, 29}));
-    Tags colour = {{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB}, {TIFFTAG_SAMPLESPERPIXEL, 3}, {TIFFTAG_BITSPERSAMPLE, 16},
+    Tags colour = {{TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB},
+                   {TIFFTAG_SAMPLESPERPIXEL, 3},
+                   {TIFFTAG_BITSPERSAMPLE, 16},
                    {TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_INT}};
     EXPECT_EQ(valuesOf(tiff(1, 1, colour, bytesOf<std::int16_t>({-3, -3, -9}), 6)), Values{-4});  // -3.684
     colour[TIFFTAG_PLANARCONFIG] = PLANARCONFIG_SEPARATE;
@@ -321,8 +330,9 @@ TEST_F(PictureIo, RefusesWhatItCanNotRead)
     EXPECT_EQ(reasonOf(jpeg(16, 4)), "Unsupported color conversion request");
     EXPECT_EQ(reasonOf(tiff(1, 1, {{TIFFTAG_BITSPERSAMPLE, 1}}, {128}, 1)),
               "samples of 1 bit and sample format 1 are not supported");
-    EXPECT_EQ(reasonOf(tiff(1, 1, {{TIFFTAG_SAMPLESPERPIXEL, 4}, {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_SEPARATED}}, {1, 2, 3, 4}, 4)),
-              "colours of photometric interpretation 5 at 8 bit are not supported");
+    EXPECT_EQ(
+        reasonOf(tiff(1, 1, {{TIFFTAG_SAMPLESPERPIXEL, 4}, {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_SEPARATED}}, {1, 2, 3, 4}, 4)),
+        "colours of photometric interpretation 5 at 8 bit are not supported");
 }
 
 TEST_F(PictureIo, RefusesTruncatedFilesAtEveryLength)
@@ -331,10 +341,12 @@ TEST_F(PictureIo, RefusesTruncatedFilesAtEveryLength)
     const Tags strips = {{TIFFTAG_ROWSPERSTRIP, 16}};
     // The palette is written after the samples, and the codec does without.
     const Tags palette = {{TIFFTAG_ROWSPERSTRIP, 16}, {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_PALETTE}};
-    const std::vector<Bytes> files = {
-        readBytes(png(32, 32, 8, PNG_COLOR_TYPE_GRAY, samples)), readBytes(jpeg(24, 3)), readBytes(jpeg(24, 3, true)),
-        readBytes(png(32, 32, 8, PNG_COLOR_TYPE_GRAY, samples, PNG_INTERLACE_ADAM7)),
-        readBytes(tiff(32, 32, strips, samples, 512)), readBytes(tiff(32, 32, palette, samples, 512))};
+    const std::vector<Bytes> files = {readBytes(png(32, 32, 8, PNG_COLOR_TYPE_GRAY, samples)),
+                                      readBytes(jpeg(24, 3)),
+                                      readBytes(jpeg(24, 3, true)),
+                                      readBytes(png(32, 32, 8, PNG_COLOR_TYPE_GRAY, samples, PNG_INTERLACE_ADAM7)),
+                                      readBytes(tiff(32, 32, strips, samples, 512)),
+                                      readBytes(tiff(32, 32, palette, samples, 512))};
     for (std::size_t i = 0; i < files.size(); ++i) {
         ASSERT_EQ(reasonOf(written(files[i])), "no error");
         for (auto end = files[i].begin(); end != files[i].end(); ++end)
@@ -383,14 +395,16 @@ TEST_F(PictureIo, RefusesAbsurdSizesWithoutFillingMemory)
     EXPECT_EQ(reasonOf(written(bytes)), "the file is too short for a picture of 64250 x 64250");
 
     EXPECT_EQ(reasonOf(png(1000000, 1000000, 8, PNG_COLOR_TYPE_GRAY, {})), "the picture is too large (1000000 x 1000000)");
-    EXPECT_EQ(reasonOf(png(100000, 100000, 8, PNG_COLOR_TYPE_GRAY, {})), "the file is too short for a picture of 100000 x 100000");
+    EXPECT_EQ(reasonOf(png(100000, 100000, 8, PNG_COLOR_TYPE_GRAY, {})),
+              "the file is too short for a picture of 100000 x 100000");
 }
 
 TEST_F(PictureIo, LeavesNothingBehindWhenWritingFails)
 {
     const Bytes grey(2000, 1);
-    const auto reasonOfWriting = [&](const std::string& path, unsigned long sizeX = 2)
-    { return reason("cannot write '" + path + "': ", [&] { writeGreyPng(path, sizeX, 2, grey.data(), 1); }); };
+    const auto reasonOfWriting = [&](const std::string& path, unsigned long sizeX = 2) {
+        return reason("cannot write '" + path + "': ", [&] { writeGreyPng(path, sizeX, 2, grey.data(), 1); });
+    };
     EXPECT_EQ(reasonOfWriting(in("no/such.png")), "No such file or directory");
     EXPECT_EQ(reasonOfWriting(m_folder.string()), "Is a directory");
     // A pipe stands for devices, which a faulty writer would replace for the whole machine.
@@ -421,8 +435,9 @@ TEST_F(PictureIo, LeavesNothingBehindWhenWritingFails)
 TEST(PictureDisplay, StretchesTheFiniteRange)
 {
     const float infinity = std::numeric_limits<float>::infinity();
-    const auto real = [](const std::vector<float>& values)
-    { return toDisplay8(Picture{values.size(), 1, SampleType::Real32, bytesOf(values)}); };
+    const auto real = [](const std::vector<float>& values) {
+        return toDisplay8(Picture{values.size(), 1, SampleType::Real32, bytesOf(values)});
+    };
     EXPECT_EQ(real({-1, 0, 1, NAN, infinity, -infinity}), (Bytes{0, 128, 255, 0, 255, 0}));
     EXPECT_EQ(real({5, 5, NAN}), (Bytes{0, 0, 0}));
     EXPECT_EQ(real({-3e38F, 3e38F}), (Bytes{0, 255}));

@@ -111,8 +111,8 @@ ScriptedRepeated::ScriptedRepeated() = default;
 ScriptedRepeated::~ScriptedRepeated() = default;
 
 /// Mandatory and optional inputs, a rule on them and on the outputs, an initialiser of each kind.
-class Outputs : public processor::Processor<Outputs, processor::BaseAsync1Processor, InTinyImg, InOptTinyImg, InOptReach, OutTinyImg,
-                                            OutReal, OutOptTinyImg, OutReach, OutPIMarks>
+class Outputs : public processor::Processor<Outputs, processor::BaseAsync1Processor, InTinyImg, InOptTinyImg, InOptReach,
+                                            OutTinyImg, OutReal, OutOptTinyImg, OutReach, OutPIMarks>
 {
     ORVIK_PROCESSOR(Outputs, 10)
     using BaseAsync1Processor::retrieveProvider;
@@ -123,16 +123,18 @@ class Outputs : public processor::Processor<Outputs, processor::BaseAsync1Proces
     }
     processor::RulePtr createRule() const
     {
-        return matchSize(attribute<InTinyImg>(), attribute<OutTinyImg>()) && matchSize(attribute<OutTinyImg>(), attribute<OutReal>())
+        return matchSize(attribute<InTinyImg>(), attribute<OutTinyImg>())
+               && matchSize(attribute<OutTinyImg>(), attribute<OutReal>())
                && processor::If(processor::isSet(attribute<InOptTinyImg>()),
                                 matchBufferType(attribute<InTinyImg>(), attribute<InOptTinyImg>()))
                && matchImagePlans(attribute<OutPIMarks>(), attribute<InTinyImg>(), eIPMP_Volumes);
     }
     void initInitializers(processor::InitializerMap& map)
     {
-        addInitializer<OutTinyImg>(map, duplicateInOut(attribute<OutTinyImg>(), attribute<InTinyImg>(), image::eImageBufferType()));
+        addInitializer<OutTinyImg>(map, duplicateInOut(attribute<OutTinyImg>(), attribute<InTinyImg>(),
+                                                       image::eImageBufferType()));
         addInitializer<OutReal>(map, promoteUnary(attribute<OutReal>(), attribute<InTinyImg>()));
-        const auto record = boost::make_shared<processor::AllocateInitializer<OutReach> >();
+        const auto record = boost::make_shared<processor::AllocateInitializer<OutReach>>();
         record->initBase(attribute<OutReach>());
         addInitializer<OutReach>(map, record);
         addInitializer<OutPIMarks>(map, fromImageButVolume(attribute<OutPIMarks>(), attribute<InTinyImg>()));
@@ -149,8 +151,7 @@ Outputs::~Outputs() = default;
 
 }  // namespace orvik::imaproc::tiny
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace imaproc;
 using namespace imaproc::tiny;
@@ -189,12 +190,13 @@ TEST(Processor, InitMakesUnsetAttributesInDeclarationOrder)
 TEST(Processor, TellsItsKindAndCanNotBeCopied)
 {
     Scripted1 one;
-    const std::vector<unsigned int> kinds = {HookLvl3().getProcessorType(), one.getProcessorType(), Scripted2().getProcessorType(),
-                                    Scripted3().getProcessorType(), ScriptedRepeated().getProcessorType()};
+    const std::vector<unsigned int> kinds = {HookLvl3().getProcessorType(), one.getProcessorType(),
+                                             Scripted2().getProcessorType(), Scripted3().getProcessorType(),
+                                             ScriptedRepeated().getProcessorType()};
     EXPECT_EQ((std::vector<unsigned int>{0, 1, 2, 3, 7}), kinds);
     EXPECT_TRUE(one.isComplexAction() && !one.hasCopySupport());
     const std::string text = "Objects of class orvik::imaproc::tiny::Scripted1 can't be copied";
-    for (const std::function<void()>& copy : std::initializer_list<std::function<void()> >{
+    for (const std::function<void()>& copy : std::initializer_list<std::function<void()>>{
              [&] { one.copy(Scripted1()); }, [&] { one.duplicate(); }, [&] { one.duplicateShared(); }})
         EXPECT_EQ(text, thrownText<ORVIKUtilException>(copy));
     static_assert(sizeof(eProcessorRulePolicy) == 8 && sizeof(eRetrievalResultType) == 8 && sizeof(core::eSynchroType) == 8,
@@ -210,20 +212,22 @@ TEST(Run, RefusesByTheRuleWithBothValuesAndTouchesNothing)
     outputs->set<InTinyImg>(blank(2, 2));
     outputs->set<InOptTinyImg>(blank(2, 2, 1, 1, image::eIBT_Int16));
     outputs->set<OutTinyImg>(given);
-    EXPECT_EQ("Outputs refuses to run:\n"
-              "failed: all hold:\n"
-              "  failed: size X x Y x Z x C x T of InTinyImg (2 x 2 x 1 x 1 x 1) equals that of OutTinyImg (3 x 2 x 1 x 1 x 1)\n"
-              "  ok: size X x Y x Z x C x T of OutTinyImg (3 x 2 x 1 x 1 x 1) equals that of OutReal (no value yet)\n"
-              "  failed: as InOptTinyImg is set holds:\n"
-              "    failed: buffer type of InTinyImg (unsigned 8 bits (type 2)) equals that of InOptTinyImg (signed 16 bits (type 3))\n"
-              "  ok: entries of OutPIMarks are the volumes (0, c, t) of InTinyImg\n",
-              runRefusal(outputs));
+    EXPECT_EQ(
+        "Outputs refuses to run:\n"
+        "failed: all hold:\n"
+        "  failed: size X x Y x Z x C x T of InTinyImg (2 x 2 x 1 x 1 x 1) equals that of OutTinyImg (3 x 2 x 1 x 1 x 1)\n"
+        "  ok: size X x Y x Z x C x T of OutTinyImg (3 x 2 x 1 x 1 x 1) equals that of OutReal (no value yet)\n"
+        "  failed: as InOptTinyImg is set holds:\n"
+        "    failed: buffer type of InTinyImg (unsigned 8 bits (type 2)) equals that of InOptTinyImg (signed 16 bits (type 3))\n"
+        "  ok: entries of OutPIMarks are the volumes (0, c, t) of InTinyImg\n",
+        runRefusal(outputs));
     EXPECT_EQ(0u, outputs->nbStages);
     EXPECT_FALSE(outputs->get<OutReal>()->hasValue());
     EXPECT_EQ(given, outputs->getStorage<OutTinyImg>());
-    EXPECT_EQ("size X x Y x Z x C x T of InTinyImg equals that of OutTinyImg && size X x Y x Z x C x T of OutTinyImg equals that "
-              "of OutReal && If(InOptTinyImg is set, buffer type of InTinyImg equals that of InOptTinyImg, none) && entries of OutPIMarks are the volumes (0, c, t) of InTinyImg",
-              outputs->getRule()->createRuleFormalString());
+    EXPECT_EQ(
+        "size X x Y x Z x C x T of InTinyImg equals that of OutTinyImg && size X x Y x Z x C x T of OutTinyImg equals that "
+        "of OutReal && If(InOptTinyImg is set, buffer type of InTinyImg equals that of InOptTinyImg, none) && entries of OutPIMarks are the volumes (0, c, t) of InTinyImg",
+        outputs->getRule()->createRuleFormalString());
 
     outputs->set<OutTinyImg>(blank(2, 2));
     outputs->set<InOptTinyImg>(nullptr);
@@ -285,7 +289,8 @@ TEST(Run, AMissingOutputThatNobodyMakesIsRefusedByItsName)
     const auto norm = createInitialised<fd::MaxL2Norm2MsrLvl2>();
     norm->set<attr::InSubImg2d1>(blank(2, 2));
     norm->set<attr::InSubImg2d2>(blank(2, 2));
-    EXPECT_EQ("MaxL2Norm2MsrLvl2 refuses to run: mandatory attribute OutStatsResult has no value (unset or null)", runRefusal(norm));
+    EXPECT_EQ("MaxL2Norm2MsrLvl2 refuses to run: mandatory attribute OutStatsResult has no value (unset or null)",
+              runRefusal(norm));
 }
 
 TEST(Attributes, AreUnsetByNullAndByClearAndThenReadAsTheirDefault)
@@ -402,7 +407,8 @@ TEST(Stages, AFailureEndsTheRunWithItsTextAndCleansUp)
     EXPECT_EQ("failed at two", text);
     for (const std::string step : {"pre", "one", "post"})
         for (const bool throws : {false, true}) {
-            const Log log = logOf<Scripted1>([&](Script& script) { (throws ? script.throwAt : script.failAt) = step; }, &text);
+            const Log log =
+                logOf<Scripted1>([&](Script& script) { (throws ? script.throwAt : script.failAt) = step; }, &text);
             EXPECT_EQ((throws ? "thrown at " : "failed at ") + step, text);
             EXPECT_EQ((Log{step, "clean on error", "clear"}), Log(log.end() - 3, log.end()));
         }
@@ -411,7 +417,8 @@ TEST(Stages, AFailureEndsTheRunWithItsTextAndCleansUp)
 TEST(Stages, PastTheLastIterationAreRefused)
 {
     std::string text;
-    EXPECT_EQ((Log{"pre", "0", "1", "2", "3", "4", "5", "clean on error", "clear"}), logOf<ScriptedRepeated>(nullptr, &text));
+    EXPECT_EQ((Log{"pre", "0", "1", "2", "3", "4", "5", "clean on error", "clear"}),
+              logOf<ScriptedRepeated>(nullptr, &text));
     EXPECT_EQ("Invalid iteration number (cannot be greater than 5)", text);
 }
 

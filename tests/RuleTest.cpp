@@ -9,8 +9,7 @@
 
 #include <boost/smart_ptr/make_shared.hpp>
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace imaproc;
 using namespace imaproc::tiny;
@@ -149,9 +148,10 @@ TEST(Rules, OnAScalarRefuseOnlyWhatIsNegative)
     EXPECT_TRUE(rule->testRule()) << "too wide is narrowed";
     record->init(Reach::createNode(0, 0, 0, 0, 0, 0, 0, -1));
     EXPECT_FALSE(rule->testRule());
-    EXPECT_EQ("failed: InReach::Value is not negative, and beyond half of the smaller of X and Y of InTinyImg narrowed to it: "
-              "-1.000000, image 8 x 5 x 1 x 1 x 1\n",
-              rule->createRuleEvaluatedString(0));
+    EXPECT_EQ(
+        "failed: InReach::Value is not negative, and beyond half of the smaller of X and Y of InTinyImg narrowed to it: "
+        "-1.000000, image 8 x 5 x 1 x 1 x 1\n",
+        rule->createRuleEvaluatedString(0));
 }
 
 TEST(Rules, OnCustomPropertiesCheckWhatIsEnabled)

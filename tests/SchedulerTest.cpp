@@ -22,8 +22,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace imaproc;
 using namespace imaproc::tiny;
@@ -99,7 +98,8 @@ TEST(Threads, GiveTheSameListsWhateverTheirNumberAndTheStrips)
             const WithThreads threads(nbThreads);
             const WithGrain strips(grain);
             executeSyncRun(hook);
-            EXPECT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>())) << nbThreads << " threads, grain " << grain;
+            EXPECT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>()))
+                << nbThreads << " threads, grain " << grain;
         }
 }
 
@@ -296,12 +296,11 @@ TEST(Background, AFailureIsKeptForWhoeverAsks)
     hook->set<InTinyImg>(nullptr);
     ASSERT_TRUE(hook->run(core::eST_Asynchronous).getValue()) << "the rule is part of the run";
     hook->waitForEnd();
-    EXPECT_EQ("HookLvl1 refuses to run: mandatory attribute InTinyImg has no value (unset or null)", hook->getErrorMessage());
+    EXPECT_EQ("HookLvl1 refuses to run: mandatory attribute InTinyImg has no value (unset or null)",
+              hook->getErrorMessage());
 
     const auto norm = fd::maxL2Norm2Msr_async(blank(2, 2), blank(3, 2));
-    EXPECT_NE(std::string::npos, refusalOf([&] {
-                                     fd::getAsyncProcessorOutput(norm);
-                                 }).find("InImg2 (3 x 2 x 1 x 1 x 1)"));
+    EXPECT_NE(std::string::npos, refusalOf([&] { fd::getAsyncProcessorOutput(norm); }).find("InImg2 (3 x 2 x 1 x 1 x 1)"));
 }
 
 TEST(Background, AProcessorKeepsItselfAliveUntilItHasEnded)
@@ -368,14 +367,16 @@ TEST(Fork, TheOtherProcessRunsEverythingOnItsOnlyThread)
     const WithGrain strips(1);
     executeSyncRun(hookOn(image));
     EXPECT_EQ(0, inForkedProcess([&] {
-        const auto hook = hookOn(image);
-        executeSyncRun(hook);
-        const bool sameAtOnce = expectedLines(*image) == linesOf(*hook->getStorage<OutPIMarks>());
-        const auto background = hookOn(image);
-        const bool started = background->run(core::eST_Asynchronous).getValue();
-        background->waitForEnd();
-        return sameAtOnce && started && expectedLines(*image) == linesOf(*background->getStorage<OutPIMarks>()) ? 0 : 1;
-    }));
+                  const auto hook = hookOn(image);
+                  executeSyncRun(hook);
+                  const bool sameAtOnce = expectedLines(*image) == linesOf(*hook->getStorage<OutPIMarks>());
+                  const auto background = hookOn(image);
+                  const bool started = background->run(core::eST_Asynchronous).getValue();
+                  background->waitForEnd();
+                  return sameAtOnce && started && expectedLines(*image) == linesOf(*background->getStorage<OutPIMarks>())
+                             ? 0
+                             : 1;
+              }));
     executeSyncRun(hookOn(image));
 }
 

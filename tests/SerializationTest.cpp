@@ -23,13 +23,15 @@ ORVIK_RECORD_DEFINE(ListLeaves)
 
 ORVIK_INPUT(InLeaves, (processor::InputDataItem<Leaves>), "one leaf of each type");
 ORVIK_INPUT(InWeight, (processor::BaseValueAttribute<double>), "a number");
-ORVIK_OPTIONAL_INPUT(InOptNeighbours, (processor::BaseValueAttribute<attr::eNeighborhood2d>), attr::eN2D_Eight, "an enumerator");
-ORVIK_OPTIONAL_INPUT(InOptReach, (processor::InputOptionalDataItem<Reach>), Reach::createNode(1, 2, 3, 4, 5, 6, 0, 0.5), "a record");
+ORVIK_OPTIONAL_INPUT(InOptNeighbours, (processor::BaseValueAttribute<attr::eNeighborhood2d>), attr::eN2D_Eight,
+                     "an enumerator");
+ORVIK_OPTIONAL_INPUT(InOptReach, (processor::InputOptionalDataItem<Reach>), Reach::createNode(1, 2, 3, 4, 5, 6, 0, 0.5),
+                     "a record");
 ORVIK_OUTPUT(OutWeight, (processor::BaseValueAttribute<double>), "a result");
 
 /// Parameters of all kinds, and nothing to do; in its second version.
-class Parameters : public processor::Processor<Parameters, processor::BaseAsync1Processor, InTinyImg, InLeaves, InMarks, InWeight,
-                                               InOptNeighbours, InOptReach, OutWeight>
+class Parameters : public processor::Processor<Parameters, processor::BaseAsync1Processor, InTinyImg, InLeaves, InMarks,
+                                               InWeight, InOptNeighbours, InOptReach, OutWeight>
 {
     ORVIK_PROCESSOR(Parameters, 20)
 
@@ -50,8 +52,7 @@ Parameters::~Parameters() = default;
 
 }  // namespace orvik::imaproc::tiny
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace imaproc::tiny;
 using imaproc::fd::MaxL2Norm2MsrLvl1;
@@ -141,8 +142,10 @@ TEST(Records, OfAMalformedArchiveAreRefusedWithTheLine)
     EXPECT_EQ("The archive should open section Leaves but has: { Mark", readFailure("{ Mark\n", record));
     EXPECT_EQ("The archive should have item Int but has: Long = 9223372036854775807",
               readFailure(replaced(text, "  Int = -2147483648\n", ""), record));
-    EXPECT_EQ("The archive should close a section but has: more = 1", readFailure(replaced(text, "}", "more = 1\n}"), record));
-    EXPECT_EQ("The archive should close a section but has: the end of the archive", readFailure(replaced(text, "}\n", ""), record));
+    EXPECT_EQ("The archive should close a section but has: more = 1",
+              readFailure(replaced(text, "}", "more = 1\n}"), record));
+    EXPECT_EQ("The archive should close a section but has: the end of the archive",
+              readFailure(replaced(text, "}\n", ""), record));
     const char* const faults[][3] = {{"Flag", "1", "2"},
                                      {"Flag", "1", ""},
                                      {"Int", "-2147483648", "2147483648"},
@@ -299,7 +302,8 @@ TEST(ProcessorArchive, HoldsTheVersionOfAClassOnce)
                 && b->write(out).getValue());
     for (const char* const once : {"{ orvik::imaproc::tiny::Parameters\n", "version = 2\n",
                                    "{ orvik::imaproc::fd::MaxL2Norm2MsrLvl1\n", "version = 1\n"})
-        EXPECT_TRUE(stream.str().find(once) != std::string::npos && stream.str().find(once) == stream.str().rfind(once)) << once;
+        EXPECT_TRUE(stream.str().find(once) != std::string::npos && stream.str().find(once) == stream.str().rfind(once))
+            << once;
 
     BaseIArchive in(stream);
     Parameters first, second;
@@ -314,9 +318,10 @@ TEST(ProcessorArchive, OfALaterVersionIsRefusedAndOfAnOlderOneAccepted)
 {
     Parameters parameters;
     const std::string text = written(parameters);
-    EXPECT_EQ("The archive holds version 3 of class orvik::imaproc::tiny::Parameters, which is more recent than the version in "
-              "use (2)",
-              readFailure(replaced(text, "version = 2", "version = 3"), parameters));
+    EXPECT_EQ(
+        "The archive holds version 3 of class orvik::imaproc::tiny::Parameters, which is more recent than the version in "
+        "use (2)",
+        readFailure(replaced(text, "version = 2", "version = 3"), parameters));
     EXPECT_TRUE(readFrom(replaced(text, "version = 2", "version = 1"), parameters).getValue());
 
     // The version that an archive has registered already counts the same.
@@ -336,7 +341,8 @@ TEST(Factories, MakeProcessorsByTheNameOfTheirClass)
     const MaxL2Norm2MsrLvl1 norm;
     for (const DynamicObjectPtr& made :
          {DynamicObjectPtr(norm.createNew()), norm.createShared(), DynamicObjectPtr(MaxL2Norm2MsrLvl1::createNewObject()),
-          DynamicObjectPtr(objects.createNew(name)), objects.createShared(name), DynamicObjectPtr(processors.createProcessor(name))}) {
+          DynamicObjectPtr(objects.createNew(name)), objects.createShared(name),
+          DynamicObjectPtr(processors.createProcessor(name))}) {
         const auto processor = boost::dynamic_pointer_cast<MaxL2Norm2MsrLvl1>(made);
         ASSERT_TRUE(processor);
         EXPECT_FALSE(processor->isInitialised());

@@ -8,8 +8,7 @@
 #include <array>
 #include <map>
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace imaproc;
 using namespace imaproc::tiny;
@@ -41,8 +40,10 @@ TEST(SubImageSplit, PlanesRunZFastestThenCThenTVolumesCThenT)
     SubImageSplit<HookLvl2, InTinyImg> split;
     boost::shared_ptr<const image::BaseImage> element;
     for (const bool planes : {true, false}) {
-        ASSERT_TRUE(split.initBase(planes ? eSIST_Plane : eSIST_Volume, planes ? eVPT_Slices : eVPT_Whole, eCPT_Channels,
-                                   eTPT_Times, whole).getValue());
+        ASSERT_TRUE(split
+                        .initBase(planes ? eSIST_Plane : eSIST_Volume, planes ? eVPT_Slices : eVPT_Whole, eCPT_Channels,
+                                  eTPT_Times, whole)
+                        .getValue());
         ASSERT_EQ(planes ? 12u : 6u, split.getNbElements());
         unsigned long index = 0;
         for (unsigned long t = 0; t < 2; ++t)
@@ -79,7 +80,9 @@ TEST(Splits, EachTellsItsKindItsAttributeAndItsChild)
     EXPECT_TRUE(lines.checkProcessorType(HookLvl3()));
     EXPECT_FALSE(lines.checkProcessorType(HookLvl2()));
     const std::vector<unsigned int> kinds = {
-        lines.getSplitBaseType(), lines.getSplitDynamicType(), lines.getImageStripSplitType(),
+        lines.getSplitBaseType(),
+        lines.getSplitDynamicType(),
+        lines.getImageStripSplitType(),
         ImageYStrip2dWithKernelSplit<HashYLvl3, const image::BaseImage, InTinyKnlYStrip>().getImageStripSplitType(),
         ImageZStrip3dSplit<CopyRawZ, const image::BaseImage, InTinyZStrip>().getImageStripSplitType(),
         ImageZStrip3dWithKernelSplit<HashZLvl3, const image::BaseImage, InTinyKnlZStrip>().getImageStripSplitType(),
@@ -159,8 +162,9 @@ TEST(ResultSplits, EachChildGetsAResultOfItsOwnAndOldResultsAreDropped)
     ranges.init(byRange, ByRange::CreationFunction());
     HookLvl3 child;
     child.init(processor::ePRP_WithRules);
-    EXPECT_EQ("call to empty boost::function",
-              thrownText<boost::wrapexcept<boost::bad_function_call> >([&] { ranges.processAttribute(child, 0, 1, g_origin); }));
+    EXPECT_EQ("call to empty boost::function", thrownText<boost::wrapexcept<boost::bad_function_call>>([&] {
+                  ranges.processAttribute(child, 0, 1, g_origin);
+              }));
 }
 
 TEST(ByRangeSplit, FilesEachRecordOnceUnderTheRowNearestToItsKey)
@@ -211,7 +215,8 @@ Hash expectedHash(const image::BaseImage& in, const Reach& reach, bool volumes, 
                          : type == image::eBT_Max ? NumericLimits<T>::s_max
                                                   : NumericLimits<T>::s_min;
         const auto at = [&](long i, long j, long k) {
-            const long ofX = std::clamp(i, 0l, sizeX - 1), ofY = std::clamp(j, 0l, sizeY - 1), ofZ = std::clamp(k, 0l, sizeZ - 1);
+            const long ofX = std::clamp(i, 0l, sizeX - 1), ofY = std::clamp(j, 0l, sizeY - 1),
+                       ofZ = std::clamp(k, 0l, sizeZ - 1);
             const bool inside = i == ofX && j == ofY && k == ofZ;
             return inside || type == image::eBT_Nearest ? static_cast<const T*>(in.getLine(ofY, ofZ, c, t))[ofX] : border;
         };
@@ -231,7 +236,7 @@ Hash expectedHash(const image::BaseImage& in, const Reach& reach, bool volumes, 
 template<bool Volumes>
 ImagePtr hashed(const boost::shared_ptr<const image::BaseImage>& in, const boost::shared_ptr<const Reach>& reach)
 {
-    const auto hash = processor::createInitialised<HashLvl1<Volumes> >();
+    const auto hash = processor::createInitialised<HashLvl1<Volumes>>();
     hash->template set<InTinyImg>(in);
     hash->template set<InReach>(reach);
     processor::executeSyncRun(hash);
@@ -248,10 +253,11 @@ ImagePtr expectedHashes(const image::BaseImage& in, const Reach& reach)
     return out;
 }
 
-const boost::shared_ptr<Reach> g_reaches[] = {
-    Reach::createNode(1, 1, 1, 1, 1, 1, image::eBT_Value, 0.0), Reach::createNode(3, 0, 0, 2, 2, 0, image::eBT_Min, 0.0),
-    Reach::createNode(0, 5, 4, 1, 0, 3, image::eBT_Max, 0.0),   Reach::createNode(2, 70, 9, 0, 1, 1, image::eBT_Value, 7.0),
-    Reach::createNode(2, 9, 1, 6, 3, 4, image::eBT_Nearest, 0.0)};
+const boost::shared_ptr<Reach> g_reaches[] = {Reach::createNode(1, 1, 1, 1, 1, 1, image::eBT_Value, 0.0),
+                                              Reach::createNode(3, 0, 0, 2, 2, 0, image::eBT_Min, 0.0),
+                                              Reach::createNode(0, 5, 4, 1, 0, 3, image::eBT_Max, 0.0),
+                                              Reach::createNode(2, 70, 9, 0, 1, 1, image::eBT_Value, 7.0),
+                                              Reach::createNode(2, 9, 1, 6, 3, 4, image::eBT_Nearest, 0.0)};
 
 class StripsWithMargins : public ::testing::TestWithParam<image::eImageBufferType>
 {
@@ -315,7 +321,7 @@ void expectRuns(unsigned long width, const std::vector<Run>& ofLine)
 {
     const WithThreads one(1);
     const WithGrain whole(3);
-    const auto copy = processor::createInitialised<CopyLvl1<Lvl3> >();
+    const auto copy = processor::createInitialised<CopyLvl1<Lvl3>>();
     copy->template set<InTinyImg>(randomImage(image::eIBT_UInt8, ImageSizes(width, 3)));
     RunLog::s_runs.clear();
     processor::executeSyncRun(copy);
@@ -351,7 +357,7 @@ TEST(Runs, LinesOfAVolumesStripCountOverAllItsSlices)
 {
     const WithThreads one(1);
     const WithGrain two(2);
-    const auto copy = processor::createInitialised<CopyLvl1<CopyRawZ, InTinyZStrip, OutTinyZStrip> >();
+    const auto copy = processor::createInitialised<CopyLvl1<CopyRawZ, InTinyZStrip, OutTinyZStrip>>();
     const ImagePtr in = randomImage(image::eIBT_UInt8, ImageSizes(5, 3, 4));
     copy->set<InTinyImg>(in);
     RunLog::s_runs.clear();
@@ -378,7 +384,7 @@ void expectNothingTouchedOutside()
                 for (const auto& pair : pairs) {
                     const ImagePtr before = image::createImage(type, sizes);
                     image::copyOut(*pair[0], before->accessLine(0), before->getStrides());
-                    const auto copy = processor::createInitialised<CopyLvl1<Lvl3, InStrip, OutStrip> >();
+                    const auto copy = processor::createInitialised<CopyLvl1<Lvl3, InStrip, OutStrip>>();
                     copy->template set<InTinyImg>(pair[0]);
                     copy->template set<OutTinyImg>(pair[1]);
                     processor::executeSyncRun(copy);
@@ -409,7 +415,7 @@ TEST(OwnImages, AreNotTouchedOutsideTheirLinesByKernelsThatReachFar)
         const ImagePtr in = randomImage(image::eIBT_UInt8, sizes, 1), out = randomImage(image::eIBT_UInt8, sizes, 2);
         const ImagePtr before = randomImage(image::eIBT_UInt8, sizes, 2);
         // The upper plane is written by the kernel, the lower one, which follows in memory, belongs to somebody else.
-        const auto copy = processor::createInitialised<CopyLvl1<CopyLine256> >();
+        const auto copy = processor::createInitialised<CopyLvl1<CopyLine256>>();
         copy->set<InTinyImg>(in->getView(PlanIndex(0), 1));
         copy->set<OutTinyImg>(out->getView(PlanIndex(0), 1));
         processor::executeSyncRun(copy);
@@ -430,7 +436,7 @@ TEST(Runs, StripsOfUnequalSizeFailWithBoth)
 
 TEST(Runs, MixedSampleTypesThatAKernelDoesNotKnowFailInWords)
 {
-    const auto copy = processor::createInitialised<CopyLvl1<CopyRaw64> >();
+    const auto copy = processor::createInitialised<CopyLvl1<CopyRaw64>>();
     copy->set<InTinyImg>(image::createImage(image::eIBT_UInt8, ImageSizes(9, 4)));
     copy->set<OutTinyImg>(image::createImage(image::eIBT_Real32, ImageSizes(9, 4)));
     EXPECT_EQ("CopyRaw64: the strips do not have the sample types that go together", runRefusal(copy));
@@ -443,8 +449,8 @@ TEST(Dispatchers, RefuseSplitsThatDisagreeOnTheNumberOfElements)
     const ImagePtr tall = image::createImage(image::eIBT_UInt8, ImageSizes(8, 5));
     const ImagePtr low = image::createImage(image::eIBT_UInt8, ImageSizes(8, 4));
     processor::ProviderPtr provider;
-    processor::RetrievalResult result = dispatch<CopyRaw64>(core::BasePriority(), provider, strips<InTinyYStrip>(tall),
-                                                            strips<OutTinyYStrip>(low));
+    processor::RetrievalResult result =
+        dispatch<CopyRaw64>(core::BasePriority(), provider, strips<InTinyYStrip>(tall), strips<OutTinyYStrip>(low));
     EXPECT_EQ(processor::eRRT_RetrievalFailed, result.getValue());
     EXPECT_EQ("CopyRaw64: attribute OutTinyYStrip has 4 elements, attribute InTinyYStrip has 5", result.getMessage());
     EXPECT_FALSE(provider);
@@ -453,7 +459,7 @@ TEST(Dispatchers, RefuseSplitsThatDisagreeOnTheNumberOfElements)
 
     processor::StaticProcessorDispatcher<HookLvl3> dispatcher;
     EXPECT_EQ("HookLvl3: a split is null", dispatcher.initBase(core::BasePriority(), {nullptr}).getMessage());
-    const auto split = boost::make_shared<SubImageSplit<CopyLvl1<CopyRaw64>, InTinyImg> >();
+    const auto split = boost::make_shared<SubImageSplit<CopyLvl1<CopyRaw64>, InTinyImg>>();
     ASSERT_TRUE(split->initBase(eSIST_Plane, eVPT_Slices, eCPT_Channels, eTPT_Times, tall).getValue());
     ASSERT_TRUE(dispatcher.initBase(core::BasePriority(), {split}).getValue());
     const auto child = boost::make_shared<HookLvl3>();
@@ -467,10 +473,11 @@ TEST(Dispatchers, HandOutAllElementsOnceInAscendingOrder)
     for (const unsigned long grain : {0, 1, 10, 996, 997, 5000})
         for (const unsigned int nbThreads : {1, 3, 64}) {
             const WithGrain strip(grain);
-            const auto results = boost::make_shared<std::map<ElementsRange, boost::shared_ptr<Marks> > >();
+            const auto results = boost::make_shared<std::map<ElementsRange, boost::shared_ptr<Marks>>>();
             processor::ProviderPtr provider;
             ASSERT_EQ(processor::eRRT_ProviderRetrieved,
-                      dispatch<HookLvl3>(core::BasePriority(), provider, strips<InTinyYStrip>(in), resultOfEach<OutMarks>(results))
+                      dispatch<HookLvl3>(core::BasePriority(), provider, strips<InTinyYStrip>(in),
+                                         resultOfEach<OutMarks>(results))
                           .getValue());
             const unsigned long nbAnnounced = provider->start(nbThreads);
             unsigned long next = 0, nbRequests = 0;

@@ -7,8 +7,7 @@
 #include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgLvl2.h"
 #include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgLvl3.h"
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 using namespace image;
 using namespace imaproc::attr;
@@ -38,8 +37,8 @@ INSTANTIATE_TEST_SUITE_P(AllKernels, TensorKernel, ::testing::ValuesIn(allKernel
 TEST_P(TensorKernel, IsTheFormulaAndThePlainCodeForAnyWidth)
 {
     for (const unsigned long width : kWidths) {
-        const ImagePtr gx = randomImage(type(), {width, 1 + width % 13}, 1), gy =
-            randomImage(type(), {width, 1 + width % 13}, 2);
+        const ImagePtr gx = randomImage(type(), {width, 1 + width % 13}, 1),
+                       gy = randomImage(type(), {width, 1 + width % 13}, 2);
         const float stdDev = width % 2 ? 0.8f : 1.5f;
         const Plane x = planeOf(*gx), y = planeOf(*gy);
         for (const eImageBufferType outType : {eIBT_Real32, eIBT_Int16}) {
@@ -70,8 +69,8 @@ TEST(StructureTensor, InPlaceAndOnBuffersWithGapsIsTheSameForStripsAndThreads)
                 std::vector<Call> calls;
                 for (const unsigned long crossed : {0ul, 1ul}) {
                     const GuardedImage x(*gx, 5), y(*gy, 3), xy(type, sizes, 1);
-                    const Tensor out = {crossed ? y.get() : x.get(), crossed ? xy.get() : y.get(), crossed ? x.get()
-                                        : xy.get()};
+                    const Tensor out = {crossed ? y.get() : x.get(), crossed ? xy.get() : y.get(),
+                                        crossed ? x.get() : xy.get()};
                     smoothProducts(x.get(), y.get(), 1.2f, 4.0, out);
                     for (unsigned long p = 0; p < 3; ++p)
                         calls.emplace_back(numbersOf(tensor[p]), out[p]);
@@ -103,16 +102,17 @@ TEST(StructureTensor, RefusesWhatDoesNotGoTogether)
     const auto with = [&](const ImagePtr& y, const Tensor& out, float stdDev = 1.0f) {
         return [=] { smoothProducts(gx, y, stdDev, 4.0, out); };
     };
-    expectRefusals({a, b, c, higher}, {
-        {"failed: InSmoothingStdDev is -1, it must be a finite number above 0", with(gy, {a, b, c}, -1.0f)},
-        {"failed: buffer type of InSubGxImg2d", with(other, {a, b, c})},
-        {"OutGxGxImg (70 x 25 x 1 x 1 x 1)", with(gy, {higher, b, c})},
-        {"OutGyGyImg (70 x 25 x 1 x 1 x 1)", with(gy, {a, higher, c})},
-        {"OutGxGyImg (70 x 25 x 1 x 1 x 1)", with(gy, {a, b, higher})},
-        {"failed: memory of OutGxGxImg", with(gy, {a, a, c})},
-        {"failed: memory of OutGxGxImg", with(gy, {a, b, a})},
-        {"failed: memory of OutGyGyImg", with(gy, {a, b, b})},
-    });
+    expectRefusals({a, b, c, higher},
+                   {
+                       {"failed: InSmoothingStdDev is -1, it must be a finite number above 0", with(gy, {a, b, c}, -1.0f)},
+                       {"failed: buffer type of InSubGxImg2d", with(other, {a, b, c})},
+                       {"OutGxGxImg (70 x 25 x 1 x 1 x 1)", with(gy, {higher, b, c})},
+                       {"OutGyGyImg (70 x 25 x 1 x 1 x 1)", with(gy, {a, higher, c})},
+                       {"OutGxGyImg (70 x 25 x 1 x 1 x 1)", with(gy, {a, b, higher})},
+                       {"failed: memory of OutGxGxImg", with(gy, {a, a, c})},
+                       {"failed: memory of OutGxGxImg", with(gy, {a, b, a})},
+                       {"failed: memory of OutGyGyImg", with(gy, {a, b, b})},
+                   });
     for (unsigned long p = 0; p < 3; ++p) {
         Tensor out = {a, b, c};
         expectInSitu(InSitu::served, eIBT_Real32, "InSubGyImg2d", [&](auto in, auto result) {

@@ -18,9 +18,10 @@ namespace orvik::test {
 
 typedef boost::shared_ptr<image::BaseImage> ImagePtr;
 
-constexpr image::eImageBufferType kAllTypes[] = {
-    image::eIBT_Int8,   image::eIBT_UInt8,  image::eIBT_Int16,   image::eIBT_UInt16,  image::eIBT_Int32, image::eIBT_UInt32,
-    image::eIBT_Real32, image::eIBT_Binary, image::eIBT_Label16, image::eIBT_Label32, image::eIBT_Label8};
+constexpr image::eImageBufferType kAllTypes[] = {image::eIBT_Int8,    image::eIBT_UInt8,  image::eIBT_Int16,
+                                                 image::eIBT_UInt16,  image::eIBT_Int32,  image::eIBT_UInt32,
+                                                 image::eIBT_Real32,  image::eIBT_Binary, image::eIBT_Label16,
+                                                 image::eIBT_Label32, image::eIBT_Label8};
 
 inline ImagePtr blank(unsigned long x, unsigned long y, unsigned long z = 1, unsigned long c = 1,
                       image::eImageBufferType type = image::eIBT_UInt8)
@@ -72,15 +73,15 @@ inline void fillRandom(image::BaseImage& image, unsigned int seed)
     const bool binary = image.getBufferType() == image::eIBT_Binary;
     image::withSampleType(image::toDataType(image.getBufferType()), [&](auto sample) {
         typedef decltype(sample) T;
-        forEachSample(image.getGeometry().getSizes(), [&](unsigned long x, unsigned long y, unsigned long z,
-                                                          unsigned long c, unsigned long t) {
-            T value;
-            if constexpr (std::is_floating_point<T>::value)
-                value = std::uniform_real_distribution<T>(-1000, 1000)(random);
-            else
-                value = static_cast<T>(binary ? random() & 1 : random());
-            static_cast<T*>(image.accessLine(y, z, c, t))[x] = value;
-        });
+        forEachSample(image.getGeometry().getSizes(),
+                      [&](unsigned long x, unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
+                          T value;
+                          if constexpr (std::is_floating_point<T>::value)
+                              value = std::uniform_real_distribution<T>(-1000, 1000)(random);
+                          else
+                              value = static_cast<T>(binary ? random() & 1 : random());
+                          static_cast<T*>(image.accessLine(y, z, c, t))[x] = value;
+                      });
     });
 }
 
@@ -146,12 +147,14 @@ inline ::testing::AssertionResult sameSamples(const image::BaseImage& a, const i
     const image::ImageSizes& sizes = a.getGeometry().getSizes();
     if (!(sizes == b.getGeometry().getSizes()) || a.getBufferType() != b.getBufferType())
         return ::testing::AssertionFailure() << toString(sizes) << ", " << toString(a.getBufferType()) << " against "
-               << toString(b.getGeometry().getSizes()) << ", " << toString(b.getBufferType());
+                                             << toString(b.getGeometry().getSizes()) << ", " << toString(b.getBufferType());
     const std::size_t sampleSize = image::getImageBufferBaseSize(a.getBufferType());
     ::testing::AssertionResult result = ::testing::AssertionSuccess();
     forEachSample(sizes, [&](unsigned long x, unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
-        if (result && std::memcmp(static_cast<const char*>(a.getLine(y, z, c, t)) + x * sampleSize,
-                           static_cast<const char*>(b.getLine(y, z, c, t)) + x * sampleSize, sampleSize) != 0)
+        if (result
+            && std::memcmp(static_cast<const char*>(a.getLine(y, z, c, t)) + x * sampleSize,
+                           static_cast<const char*>(b.getLine(y, z, c, t)) + x * sampleSize, sampleSize)
+                   != 0)
             result = ::testing::AssertionFailure()
                      << toString(a.getBufferType()) << ", size " << toString(sizes) << ": at (" << x << ", " << y << ", "
                      << z << ", " << c << ", " << t << ") " << sampleAt(a, x, y, z, c, t) << " against "

@@ -144,7 +144,8 @@ TINY_HASH(HashZLvl3, Border3dPolicy, InTinyKnlZStrip, OutTinyZStrip);
 #undef TINY_HASH
 
 template<bool Volumes>
-class HashLvl2 : public processor::Processor<HashLvl2<Volumes>, processor::BaseAsync1Processor, InTinyImg, InReach, OutTinyImg>
+class HashLvl2
+    : public processor::Processor<HashLvl2<Volumes>, processor::BaseAsync1Processor, InTinyImg, InReach, OutTinyImg>
 {
     ORVIK_PROCESSOR(HashLvl2, 3)
 
@@ -157,11 +158,11 @@ class HashLvl2 : public processor::Processor<HashLvl2<Volumes>, processor::BaseA
         const auto& out = this->template value<OutTinyImg>();
         const image::StripMargins margins = marginsOf(*reach);
         if constexpr (Volumes)
-            return dispatch<HashZLvl3>(priority, provider, stripsWithMargins<InTinyKnlZStrip>(in, margins), same<InReach>(reach),
-                                       strips<OutTinyZStrip>(out));
+            return dispatch<HashZLvl3>(priority, provider, stripsWithMargins<InTinyKnlZStrip>(in, margins),
+                                       same<InReach>(reach), strips<OutTinyZStrip>(out));
         else
-            return dispatch<HashYLvl3>(priority, provider, stripsWithMargins<InTinyKnlYStrip>(in, margins), same<InReach>(reach),
-                                       strips<OutTinyYStrip>(out));
+            return dispatch<HashYLvl3>(priority, provider, stripsWithMargins<InTinyKnlYStrip>(in, margins),
+                                       same<InReach>(reach), strips<OutTinyYStrip>(out));
     }
 };
 template<bool Volumes>
@@ -170,7 +171,8 @@ template<bool Volumes>
 HashLvl2<Volumes>::~HashLvl2() = default;
 
 template<bool Volumes>
-class HashLvl1 : public processor::Processor<HashLvl1<Volumes>, processor::BaseAsync1Processor, InTinyImg, InReach, OutTinyImg>
+class HashLvl1
+    : public processor::Processor<HashLvl1<Volumes>, processor::BaseAsync1Processor, InTinyImg, InReach, OutTinyImg>
 {
     ORVIK_PROCESSOR(HashLvl1, 4)
 
@@ -180,9 +182,10 @@ class HashLvl1 : public processor::Processor<HashLvl1<Volumes>, processor::BaseA
     {
         const auto& in = this->template value<InTinyImg>();
         const auto& out = this->template value<OutTinyImg>();
-        return dispatch<HashLvl2<Volumes> >(
-            priority, provider, Volumes ? eachVolume<InTinyImg>(in) : eachPlane<InTinyImg>(in),
-            same<InReach>(this->template value<InReach>()), Volumes ? eachVolume<OutTinyImg>(out) : eachPlane<OutTinyImg>(out));
+        return dispatch<HashLvl2<Volumes>>(priority, provider,
+                                           Volumes ? eachVolume<InTinyImg>(in) : eachPlane<InTinyImg>(in),
+                                           same<InReach>(this->template value<InReach>()),
+                                           Volumes ? eachVolume<OutTinyImg>(out) : eachPlane<OutTinyImg>(out));
     }
     processor::RulePtr createRule() const
     {
@@ -190,9 +193,9 @@ class HashLvl1 : public processor::Processor<HashLvl1<Volumes>, processor::BaseA
     }
     void initInitializers(processor::InitializerMap& initializers)
     {
-        this->template addInitializer<OutTinyImg>(
-            initializers, duplicateInOut(this->template attribute<OutTinyImg>(), this->template attribute<InTinyImg>(),
-                                         image::eIBT_UInt32));
+        this->template addInitializer<OutTinyImg>(initializers,
+                                                  duplicateInOut(this->template attribute<OutTinyImg>(),
+                                                                 this->template attribute<InTinyImg>(), image::eIBT_UInt32));
     }
 };
 template<bool Volumes>
@@ -230,8 +233,9 @@ public:
 };
 
 /// One type of each size: the copies move bytes, and every type costs time to compile.
-typedef processor::KernelTypes<processor::KernelType<image::eIBT_UInt8, unsigned char>, processor::KernelType<image::eIBT_Int16, short>,
-                               processor::KernelType<image::eIBT_Real32, float> >
+typedef processor::KernelTypes<processor::KernelType<image::eIBT_UInt8, unsigned char>,
+                               processor::KernelType<image::eIBT_Int16, short>,
+                               processor::KernelType<image::eIBT_Real32, float>>
     CopyTypes;
 
 #define TINY_COPY(Name, Mode, Granularity, Axis) \
@@ -252,7 +256,8 @@ TINY_COPY(CopyRawZ, RawStripParserMode, 64, Z);
 
 /// One plane or volume, straight to the strips of `Lvl3`.
 template<class Lvl3, class InStrip = InTinyYStrip, class OutStrip = OutTinyYStrip>
-class CopyLvl1 : public processor::Processor<CopyLvl1<Lvl3, InStrip, OutStrip>, processor::BaseAsync1Processor, InTinyImg, OutTinyImg>
+class CopyLvl1
+    : public processor::Processor<CopyLvl1<Lvl3, InStrip, OutStrip>, processor::BaseAsync1Processor, InTinyImg, OutTinyImg>
 {
     ORVIK_PROCESSOR(CopyLvl1, 6)
 
@@ -265,9 +270,9 @@ class CopyLvl1 : public processor::Processor<CopyLvl1<Lvl3, InStrip, OutStrip>, 
     }
     void initInitializers(processor::InitializerMap& initializers)
     {
-        this->template addInitializer<OutTinyImg>(
-            initializers, duplicateInOut(this->template attribute<OutTinyImg>(), this->template attribute<InTinyImg>(),
-                                         image::eImageBufferType()));
+        this->template addInitializer<OutTinyImg>(initializers, duplicateInOut(this->template attribute<OutTinyImg>(),
+                                                                               this->template attribute<InTinyImg>(),
+                                                                               image::eImageBufferType()));
     }
 };
 template<class Lvl3, class InStrip, class OutStrip>
@@ -326,7 +331,7 @@ class HookLvl2 : public processor::Processor<HookLvl2, processor::BaseAsync1Proc
     void clearIntermediateData() noexcept override { m_results->clear(); }
 
 private:
-    typedef std::map<processor::ElementsRange, boost::shared_ptr<Marks> > Results;
+    typedef std::map<processor::ElementsRange, boost::shared_ptr<Marks>> Results;
     boost::shared_ptr<Results> m_results = boost::make_shared<Results>();
 };
 inline HookLvl2::HookLvl2() = default;

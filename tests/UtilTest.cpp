@@ -24,7 +24,10 @@ namespace orvik {
 
 struct eTestMessage
 {
-    enum domain { eOne = 1 };
+    enum domain
+    {
+        eOne = 1
+    };
 };
 
 namespace details {
@@ -41,8 +44,7 @@ struct MsgMapRegistratorDerived<eTestMessage, void>
 }  // namespace details
 }  // namespace orvik
 
-namespace orvik::test {
-namespace {
+namespace orvik::test { namespace {
 
 namespace fd = imaproc::fd;
 
@@ -111,11 +113,13 @@ TEST(Messages, AllHaveTheirRowsWithBlanksAndSpelling)
     EXPECT_EQ(0u, manager.getNbMessages(typeid(fd::eORVIKIPLFeatureDetectionMessage::domain).name()));
     const auto row = [&](int id) { return manager.getMessage(rowsOfProcessors, id); };
     EXPECT_EQ("Level 1 algorithm: detects edges in images using Canny's detector", row(0));
-    EXPECT_EQ("Level 1 algorithm: computes  circles radii, given circles centers and an image of gradient magnitude", row(6));
+    EXPECT_EQ("Level 1 algorithm: computes  circles radii, given circles centers and an image of gradient magnitude",
+              row(6));
     EXPECT_EQ("Level 2 algorithm: computes spheres radii, given sphere centers and an image of gradient magnitude  on Gpu",
               row(9));
     EXPECT_EQ("Level 1 algorithm: finds the local maxima in a 3d image", row(25));
-    EXPECT_EQ("Level 1 algorithm: Creates a mask image from 3D spheres detected with te 3D Hough detection algorithm", row(72));
+    EXPECT_EQ("Level 1 algorithm: Creates a mask image from 3D spheres detected with te 3D Hough detection algorithm",
+              row(72));
     EXPECT_EQ("Level 3 algorithm: Computation of global maximum of L2 (euclidian) norm of two images", row(77));
     EXPECT_EQ(row(75), fd::MaxL2Norm2MsrLvl1::getToolTipStr());
     EXPECT_EQ(row(77), fd::MaxL2Norm2MsrLvl3().getToolTip());
@@ -191,7 +195,7 @@ BaseException failedThrowSite(Failure fail)
 {
     static Failure* current;
     current = &fail;
-    const LogSource source = {&getORVIKUtilLogger, [] () -> LogMessageManager& {
+    const LogSource source = {&getORVIKUtilLogger, []() -> LogMessageManager& {
                                   (*current)();
                                   return getORVIKUtilLogMessageManager();
                               }};
@@ -230,7 +234,8 @@ TEST(ThrowSite, ALogThatCanNotBeWrittenIsAFailureInsideIt)
         throwCopyRefused("Thing");
         ADD_FAILURE() << "nothing was thrown";
     } catch (const BaseException& e) {
-        EXPECT_EQ("Exception thrown while processing message: no room for the log", std::string(e.what()) + ": " + e.getCause());
+        EXPECT_EQ("Exception thrown while processing message: no room for the log",
+                  std::string(e.what()) + ": " + e.getCause());
     }
 }
 

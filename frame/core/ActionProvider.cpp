@@ -18,9 +18,8 @@ BoolResult SingleActionProvider::init(const boost::shared_ptr<BaseAction>& actio
     return action ? success() : failure("A single action provider was given a null action");
 }
 
-BoolResult SingleActionProvider::queryNextAction(const BaseRequestOrigin&,
-                                                 boost::shared_ptr<BaseActionRequest>& request, bool& hasMore,
-                                                 boost::shared_ptr<BaseSerializationObject>&)
+BoolResult SingleActionProvider::queryNextAction(const BaseRequestOrigin&, boost::shared_ptr<BaseActionRequest>& request,
+                                                 bool& hasMore, boost::shared_ptr<BaseSerializationObject>&)
 {
     request = m_action ? makeTogether<BaseActionRequest>(m_action) : boost::shared_ptr<BaseActionRequest>();
     m_action.reset();

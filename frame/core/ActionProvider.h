@@ -86,8 +86,8 @@ public:
     /// False for a null action.
     BoolResult init(const boost::shared_ptr<BaseAction>& action);
 
-    BoolResult queryNextAction(const BaseRequestOrigin& origin, boost::shared_ptr<BaseActionRequest>& request,
-                               bool& hasMore, boost::shared_ptr<BaseSerializationObject>& data) override;
+    BoolResult queryNextAction(const BaseRequestOrigin& origin, boost::shared_ptr<BaseActionRequest>& request, bool& hasMore,
+                               boost::shared_ptr<BaseSerializationObject>& data) override;
     bool hasPendingAction() const override;
     void notifyDerived(const boost::shared_ptr<BaseActionRequest>& request,
                        const boost::shared_ptr<const BaseSerializationObject>& data, bool& ended) override;

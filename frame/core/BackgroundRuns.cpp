@@ -39,7 +39,7 @@ public:
     {
         TaskHandOver::take();
         const PoolScope pool(m_pool);
-        const std::unique_ptr<boost::shared_ptr<BaseAction> > action(m_action);
+        const std::unique_ptr<boost::shared_ptr<BaseAction>> action(m_action);
         m_work(std::move(*action));
     }
 
@@ -53,7 +53,7 @@ private:
 struct BackgroundRuns
 {
     std::mutex mutex;
-    std::map<const BaseAction*, boost::weak_ptr<BaseAction> > actions;
+    std::map<const BaseAction*, boost::weak_ptr<BaseAction>> actions;
 };
 
 BackgroundRuns& backgroundRuns()
@@ -66,7 +66,7 @@ void endBackgroundRuns()
 {
     if (isForkedProcess())
         return;  // they run in the other process
-    std::vector<boost::shared_ptr<BaseAction> > actions;
+    std::vector<boost::shared_ptr<BaseAction>> actions;
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
         for (const auto& run : backgroundRuns().actions)
@@ -90,7 +90,7 @@ void runInBackground(const boost::shared_ptr<BaseAction>& action, void (*work)(b
     static const bool registered = std::atexit(&endBackgroundRuns) == 0;
     static_cast<void>(registered);
     ThreadPool& pool = poolForRuns();
-    std::unique_ptr<boost::shared_ptr<BaseAction> > reference(new boost::shared_ptr<BaseAction>(action));
+    std::unique_ptr<boost::shared_ptr<BaseAction>> reference(new boost::shared_ptr<BaseAction>(action));
     {
         const std::lock_guard<std::mutex> lock(backgroundRuns().mutex);
         backgroundRuns().actions[action.get()] = action;

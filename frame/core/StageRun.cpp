@@ -20,8 +20,8 @@ class StageRun
 {
 public:
     StageRun(BaseActionProvider& provider, const BaseRequestOrigin& origin, unsigned long nbActions)
-        : m_provider(provider), m_origin(origin), m_childOrigin(origin.withProgress(origin.reportsProgress() && nbActions == 1)),
-          m_nbActions(nbActions)
+        : m_provider(provider), m_origin(origin),
+          m_childOrigin(origin.withProgress(origin.reportsProgress() && nbActions == 1)), m_nbActions(nbActions)
     {
     }
 

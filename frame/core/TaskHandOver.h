@@ -13,10 +13,22 @@ namespace orvik { namespace core {
 struct TaskHandOver
 {
 #ifdef __SANITIZE_THREAD__
-    static void give() { __tsan_release(&s_given); }
-    static void take() { __tsan_acquire(&s_given); }
-    static void leave() { __tsan_release(&s_left); }
-    static void reuse() { __tsan_acquire(&s_left); }
+    static void give()
+    {
+        __tsan_release(&s_given);
+    }
+    static void take()
+    {
+        __tsan_acquire(&s_given);
+    }
+    static void leave()
+    {
+        __tsan_release(&s_left);
+    }
+    static void reuse()
+    {
+        __tsan_acquire(&s_left);
+    }
     inline static char s_given = 0, s_left = 0;
 #else
     static void give() {}

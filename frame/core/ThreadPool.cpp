@@ -24,10 +24,12 @@ thread_local ThreadPool* t_pool = nullptr;
 const unsigned int g_nbProcessors = static_cast<unsigned int>(tbb::info::default_concurrency());
 
 std::atomic<bool> g_forked(false);
-const bool g_forkWatched = pthread_atfork(nullptr, nullptr, [] {
-                               g_forked = true;
-                               t_pool = nullptr;
-                           }) == 0;
+const bool g_forkWatched = pthread_atfork(nullptr, nullptr,
+                                          [] {
+                                              g_forked = true;
+                                              t_pool = nullptr;
+                                          })
+                           == 0;
 
 /// Pools by their number of threads.
 class Pools

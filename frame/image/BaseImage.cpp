@@ -18,7 +18,7 @@ namespace orvik { namespace image {
 
 namespace {
 
-const unsigned long g_alignment = 64;  // bytes; a line starts on a cache line and on a vector of the widest set
+const unsigned long g_alignment = 64;    // bytes; a line starts on a cache line and on a vector of the widest set
 const unsigned long g_linePadding = 64;  // samples
 
 #define ORVIK_THROW_IMAGE(text) \
@@ -31,8 +31,9 @@ class NoMemoryForImage : public std::bad_alloc
 public:
     NoMemoryForImage(const ImageSizes& sizes, unsigned long bytes)
     {
-        std::snprintf(m_text, sizeof m_text, "there is no memory for an image of size %lu x %lu x %lu x %lu x %lu, %lu bytes",
-                      sizes.x, sizes.y, sizes.z, sizes.c, sizes.t, bytes);
+        std::snprintf(m_text, sizeof m_text,
+                      "there is no memory for an image of size %lu x %lu x %lu x %lu x %lu, %lu bytes", sizes.x, sizes.y,
+                      sizes.z, sizes.c, sizes.t, bytes);
     }
     const char* what() const noexcept override { return m_text; }
 
@@ -133,8 +134,8 @@ boost::shared_ptr<BaseImage> wrap(char* data, eImageBufferType type, const Image
     if (reinterpret_cast<std::uintptr_t>(data) % getImageBufferBaseSize(type) != 0)
         ORVIK_THROW_IMAGE("the buffer is not aligned to its samples of " + std::to_string(getImageBufferBaseSize(type))
                           + " bytes");
-    return boost::make_shared<BaseImage>(keepAlive, data, ImageGeometry(sizes, type),
-                                         checkedStrides(strides, type, sizes), false);
+    return boost::make_shared<BaseImage>(keepAlive, data, ImageGeometry(sizes, type), checkedStrides(strides, type, sizes),
+                                         false);
 }
 
 }  // namespace
@@ -227,8 +228,8 @@ boost::shared_ptr<const BaseImage> wrapBuffer(const void* data, eImageBufferType
 
 void copyIn(BaseImage& image, const void* data, const ImageStrides& strides)
 {
-    const boost::shared_ptr<const BaseImage> from = wrapBuffer(data, image.getBufferType(), image.getGeometry().getSizes(),
-                                                               strides);
+    const boost::shared_ptr<const BaseImage> from =
+        wrapBuffer(data, image.getBufferType(), image.getGeometry().getSizes(), strides);
     copySamples(*from, image);
 }
 

@@ -61,4 +61,5 @@ std::string toString(eImageBufferType type)
     return std::string(rowOf(type).name) + " (type " + std::to_string(static_cast<unsigned int>(type)) + ")";
 }
 
-}}  // namespace orvik::image
+}
+}  // namespace orvik::image

@@ -57,10 +57,10 @@ enum eImageBufferType : unsigned int
     eIBT_Int32 = 5,
     eIBT_UInt32 = 6,
     eIBT_Real32 = 7,
-    eIBT_Binary = 8,   ///< `unsigned char`, 0 or 1
-    eIBT_Label16 = 9,  ///< `unsigned short`
-    eIBT_Label32 = 10, ///< `unsigned int`
-    eIBT_Label8 = 11   ///< `unsigned char`
+    eIBT_Binary = 8,    ///< `unsigned char`, 0 or 1
+    eIBT_Label16 = 9,   ///< `unsigned short`
+    eIBT_Label32 = 10,  ///< `unsigned int`
+    eIBT_Label8 = 11    ///< `unsigned char`
 };
 
 ORVIK_API bool isValid(eImageBufferType type);
@@ -87,4 +87,5 @@ void withSampleType(eDataType type, F&& f)
     }
 }
 
-}}  // namespace orvik::image
+}
+}  // namespace orvik::image

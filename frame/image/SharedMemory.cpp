@@ -46,10 +46,9 @@ bool isSame(const BaseImage& a, const BaseImage& b)
 {
     const ImageSizes& sizes = a.getGeometry().getSizes();
     const ImageStrides &strideA = a.getStrides(), &strideB = b.getStrides();
-    return a.getLine(0) == b.getLine(0) && a.getBufferType() == b.getBufferType()
-           && sizes == b.getGeometry().getSizes() && (sizes.y == 1 || strideA.y == strideB.y)
-           && (sizes.z == 1 || strideA.z == strideB.z) && (sizes.c == 1 || strideA.c == strideB.c)
-           && (sizes.t == 1 || strideA.t == strideB.t);
+    return a.getLine(0) == b.getLine(0) && a.getBufferType() == b.getBufferType() && sizes == b.getGeometry().getSizes()
+           && (sizes.y == 1 || strideA.y == strideB.y) && (sizes.z == 1 || strideA.z == strideB.z)
+           && (sizes.c == 1 || strideA.c == strideB.c) && (sizes.t == 1 || strideA.t == strideB.t);
 }
 
 }}  // namespace orvik::image

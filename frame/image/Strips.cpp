@@ -4,9 +4,8 @@
 
 namespace orvik { namespace image {
 
-BaseImageFragment::BaseImageFragment(eStripAxis axis, const boost::shared_ptr<const BaseImage>& image,
-                                     const PlanIndex& plan, unsigned long offset, unsigned long size,
-                                     const StripMargins& margins)
+BaseImageFragment::BaseImageFragment(eStripAxis axis, const boost::shared_ptr<const BaseImage>& image, const PlanIndex& plan,
+                                     unsigned long offset, unsigned long size, const StripMargins& margins)
     : m_image(image), m_plan(plan), m_offset(offset), m_size(size), m_axis(axis), m_margins(margins)
 {
 }

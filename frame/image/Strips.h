@@ -235,8 +235,8 @@ public:
     }
 
 private:
-    static BoolResult check(const BaseImage* image, unsigned long z, unsigned long c, unsigned long t,
-                            unsigned long offsetY, unsigned long sizeY);
+    static BoolResult check(const BaseImage* image, unsigned long z, unsigned long c, unsigned long t, unsigned long offsetY,
+                            unsigned long sizeY);
 };
 
 }}  // namespace orvik::image

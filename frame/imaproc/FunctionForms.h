@@ -134,7 +134,9 @@ struct FunctionForms
 #define ORVIK_FORM_PARAMETERS(parameters) BOOST_PP_SEQ_FOR_EACH_I(ORVIK_EACH_FORM_PARAMETER, _, parameters)
 /// Sets the attributes by the block that follows the macro.
 #define ORVIK_FORM_PREPARE(parameters) \
-    [&](Forms::Processor& processor) { prepare(processor, BOOST_PP_SEQ_FOR_EACH_I(ORVIK_EACH_FORM_ARGUMENT, _, parameters)); }
+    [&](Forms::Processor& processor) { \
+        prepare(processor, BOOST_PP_SEQ_FOR_EACH_I(ORVIK_EACH_FORM_ARGUMENT, _, parameters)); \
+    }
 
 // One function at once, which returns what `hand` makes of the processor, and one in the background.
 #define ORVIK_FORMS(Name, Result, planes, hand, parameters) \
@@ -146,8 +148,7 @@ struct FunctionForms
     { \
         return Forms::start(Forms::planes, ORVIK_FORM_PREPARE(parameters)); \
     }
-#define ORVIK_DECLARE_PREPARE(parameters) \
-    static void prepare(Forms::Processor& processor, ORVIK_FORM_PARAMETERS(parameters))
+#define ORVIK_DECLARE_PREPARE(parameters) static void prepare(Forms::Processor& processor, ORVIK_FORM_PARAMETERS(parameters))
 
 /// `Name` and `Name_async` of functions that treat all planes at once and return their result.
 #define ORVIK_FUNCTION(Name, parameters) ORVIK_FUNCTION_OF(Name, BOOST_PP_VARIADIC_SEQ_TO_SEQ(parameters))

@@ -111,10 +111,7 @@ public:
     { \
     public: \
         ~Name() override; \
-        const StorageType& accessor() const \
-        { \
-            return getStorage(); \
-        } \
+        const StorageType& accessor() const { return getStorage(); } \
     }
 #define ORVIK_STRIP_KIND(Name, Base, accessor) \
     class ORVIK_API Name : public Base \
@@ -122,10 +119,7 @@ public:
     public: \
         typedef Name StripBase; \
         ~Name() override; \
-        const StorageType& accessor() const \
-        { \
-            return getStorage(); \
-        } \
+        const StorageType& accessor() const { return getStorage(); } \
     }
 typedef StripStorage<image::InputImageYStrip2d, false> InputYStrip2dStorage;
 typedef StripStorage<image::OutputImageYStrip2d, true> OutputYStrip2dStorage;

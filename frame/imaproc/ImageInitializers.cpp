@@ -92,8 +92,7 @@ std::string BaseUnaryImageInitializer::createInitializerFormalString() const
                   lockInput(m_input)->getObjectName(), getDescription());
 }
 
-void BaseDuplicateImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                                         const WeakImage& in,
+void BaseDuplicateImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in,
                                          const image::eImageBufferType& type, const eImageInitializerStoragePolicy&)
 {
     initImages(out, in);
@@ -110,8 +109,8 @@ std::string BaseDuplicateImageInitializer::getDescription() const
     return image::isValid(m_type) ? toString(m_type) : textOf(eImageInitializerMessage::eOfItsType);
 }
 
-void BasePromoteUnaryImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out,
-                                            const WeakImage& in, const ePromoteUnaryType&)
+void BasePromoteUnaryImageInitializer::init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in,
+                                            const ePromoteUnaryType&)
 {
     initImages(out, in);
 }
@@ -155,8 +154,7 @@ std::string BaseCustomImageInitializer::createInitializerFormalString() const
     return textOf(eImageInitializerMessage::eAsComputed, getOutputAttribute()->getObjectName());
 }
 
-void BaseFromImagePlanIndexedInitializer::initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
-                                                   const WeakImage& in,
+void BaseFromImagePlanIndexedInitializer::initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out, const WeakImage& in,
                                                    const eFromImagePlanIndexedPolicy& policy)
 {
     initBase(out);

@@ -55,8 +55,8 @@ class ORVIK_API BaseDuplicateImageInitializer : public BaseUnaryImageInitializer
 {
 public:
     ~BaseDuplicateImageInitializer() override;
-    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in,
-              const image::eImageBufferType& type, const eImageInitializerStoragePolicy& policy);
+    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in, const image::eImageBufferType& type,
+              const eImageInitializerStoragePolicy& policy);
 
 protected:
     image::eImageBufferType getOutputType(const image::BaseImage& input) const override;
@@ -76,8 +76,7 @@ class ORVIK_API BasePromoteUnaryImageInitializer : public BaseUnaryImageInitiali
 {
 public:
     ~BasePromoteUnaryImageInitializer() override;
-    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in,
-              const ePromoteUnaryType& promotion);
+    void init(const boost::weak_ptr<BaseOutputImageAttribute>& out, const WeakImage& in, const ePromoteUnaryType& promotion);
 
 protected:
     image::eImageBufferType getOutputType(const image::BaseImage& input) const override;
@@ -146,8 +145,8 @@ processor::InitializerPtr duplicateInOut(const boost::shared_ptr<Out>& out, cons
                                          const image::eImageBufferType& type,
                                          const eImageInitializerStoragePolicy& policy = eIISP_Local)
 {
-    const boost::shared_ptr<DuplicateImageInitializer<In, Out> > initializer =
-        makeTogether<DuplicateImageInitializer<In, Out> >();
+    const boost::shared_ptr<DuplicateImageInitializer<In, Out>> initializer =
+        makeTogether<DuplicateImageInitializer<In, Out>>();
     initializer->init(out, in, type, policy);
     return initializer;
 }
@@ -156,17 +155,16 @@ template<class In, class Out>
 processor::InitializerPtr promoteUnary(const boost::shared_ptr<Out>& out, const boost::shared_ptr<In>& in,
                                        const ePromoteUnaryType& promotion = ePUT_Real)
 {
-    const boost::shared_ptr<PromoteUnaryImageInitializer<In, Out> > initializer =
-        makeTogether<PromoteUnaryImageInitializer<In, Out> >();
+    const boost::shared_ptr<PromoteUnaryImageInitializer<In, Out>> initializer =
+        makeTogether<PromoteUnaryImageInitializer<In, Out>>();
     initializer->init(out, in, promotion);
     return initializer;
 }
 
 template<class Out>
-processor::InitializerPtr customOutput(const boost::shared_ptr<Out>& out,
-                                       const boost::shared_ptr<BaseCustomImageInfo>& info)
+processor::InitializerPtr customOutput(const boost::shared_ptr<Out>& out, const boost::shared_ptr<BaseCustomImageInfo>& info)
 {
-    const boost::shared_ptr<CustomImageInitializer<Out> > initializer = makeTogether<CustomImageInitializer<Out> >();
+    const boost::shared_ptr<CustomImageInitializer<Out>> initializer = makeTogether<CustomImageInitializer<Out>>();
     initializer->init(out, info);
     return initializer;
 }

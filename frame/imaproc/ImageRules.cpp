@@ -59,7 +59,7 @@ private:
 template<class Base>
 RulePtr compare(const Comparison& comparison, const processor::WeakAttribute& a, const processor::WeakAttribute& b)
 {
-    const boost::shared_ptr<ComparisonRule<Base> > rule = makeTogether<ComparisonRule<Base> >(comparison);
+    const boost::shared_ptr<ComparisonRule<Base>> rule = makeTogether<ComparisonRule<Base>>(comparison);
     rule->initBase(a, b);
     return rule;
 }
@@ -87,22 +87,18 @@ const Comparison g_bufferType = {eImageRuleMessage::eEqualBufferTypes,
                                      return imageOf(a).getBufferType() == imageOf(b).getBufferType();
                                  },
                                  [](const BaseAttribute& a) { return toString(imageOf(a).getBufferType()); }};
-const Comparison g_colorGeometry = {eImageRuleMessage::eEqualColorGeometries,
-                                    [](const BaseAttribute& a, const BaseAttribute& b) {
-                                        return imageOf(a).getGeometry().getColorGeometryType()
-                                               == imageOf(b).getGeometry().getColorGeometryType();
-                                    },
-                                    [](const BaseAttribute& a) {
-                                        return textOf(eImageRuleMessage::eNbChannels, std::to_string(sizesOf(a).c));
-                                    }};
-const Comparison g_volumeGeometry = {eImageRuleMessage::eEqualVolumeGeometries,
-                                     [](const BaseAttribute& a, const BaseAttribute& b) {
-                                         return imageOf(a).getGeometry().getVolumeGeometryType()
-                                                == imageOf(b).getGeometry().getVolumeGeometryType();
-                                     },
-                                     [](const BaseAttribute& a) {
-                                         return textOf(eImageRuleMessage::eNbSlices, std::to_string(sizesOf(a).z));
-                                     }};
+const Comparison g_colorGeometry = {
+    eImageRuleMessage::eEqualColorGeometries,
+    [](const BaseAttribute& a, const BaseAttribute& b) {
+        return imageOf(a).getGeometry().getColorGeometryType() == imageOf(b).getGeometry().getColorGeometryType();
+    },
+    [](const BaseAttribute& a) { return textOf(eImageRuleMessage::eNbChannels, std::to_string(sizesOf(a).c)); }};
+const Comparison g_volumeGeometry = {
+    eImageRuleMessage::eEqualVolumeGeometries,
+    [](const BaseAttribute& a, const BaseAttribute& b) {
+        return imageOf(a).getGeometry().getVolumeGeometryType() == imageOf(b).getGeometry().getVolumeGeometryType();
+    },
+    [](const BaseAttribute& a) { return textOf(eImageRuleMessage::eNbSlices, std::to_string(sizesOf(a).z)); }};
 const Comparison g_notInSitu = {eImageRuleMessage::eDifferentMemory,
                                 [](const BaseAttribute& a, const BaseAttribute& b) {
                                     return !shareMemory(imageOf(a), imageOf(b));

@@ -50,12 +50,10 @@ private:
 };
 
 template<class P, class A>
-class SubImageSplit
-    : public processor::TypedSplit<P, A, BaseSubImageSplit<typename A::StorageType::element_type> >
+class SubImageSplit : public processor::TypedSplit<P, A, BaseSubImageSplit<typename A::StorageType::element_type>>
 {
 public:
-    BoolResult processAttribute(processor::BaseProcessor& child, unsigned int index,
-                                const core::BaseRequestOrigin&) override
+    BoolResult processAttribute(processor::BaseProcessor& child, unsigned int index, const core::BaseRequestOrigin&) override
     {
         typename A::StorageType subImage;
         const BoolResult result = this->getSubImage(index, subImage);
@@ -89,8 +87,7 @@ template<class P, class C, class A>
 class PlanIndexedSplit : public processor::TypedSplit<P, A, BasePlanIndexedSplit>
 {
 public:
-    BoolResult processAttribute(processor::BaseProcessor& child, unsigned int index,
-                                const core::BaseRequestOrigin&) override
+    BoolResult processAttribute(processor::BaseProcessor& child, unsigned int index, const core::BaseRequestOrigin&) override
     {
         boost::shared_ptr<BaseSerializationObject> entry;
         const BoolResult result = this->getEntry(index, entry);
@@ -197,9 +194,10 @@ private:
         const unsigned long nbElements = getNbElements();
         if (end >= nbElements)
             return boost::shared_ptr<const image::SavedElements>();
-        return boost::make_shared<image::SavedElements>(
-            *this->m_image, Strip::s_axis, end - std::min(end, m_margins.getStart(Strip::s_axis)),
-            std::min(end + m_margins.getEnd(Strip::s_axis), nbElements), start, m_atStart.get());
+        return boost::make_shared<image::SavedElements>(*this->m_image, Strip::s_axis,
+                                                        end - std::min(end, m_margins.getStart(Strip::s_axis)),
+                                                        std::min(end + m_margins.getEnd(Strip::s_axis), nbElements), start,
+                                                        m_atStart.get());
     }
 
     image::StripMargins m_margins;
@@ -217,9 +215,9 @@ template<class I, class S>
 using BaseImageZStrip3dWithKernelSplit = BaseStripSplit<I, S>;
 
 template<class P, class I, class A>
-class StripSplit : public processor::TypedSplit<P, A, BaseStripSplit<I, typename A::StorageType::element_type> >
+class StripSplit : public processor::TypedSplit<P, A, BaseStripSplit<I, typename A::StorageType::element_type>>
 {
-    typedef processor::TypedSplit<P, A, BaseStripSplit<I, typename A::StorageType::element_type> > Base;
+    typedef processor::TypedSplit<P, A, BaseStripSplit<I, typename A::StorageType::element_type>> Base;
 
 public:
     using Base::processAttribute;

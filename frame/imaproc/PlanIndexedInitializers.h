@@ -22,8 +22,8 @@ public:
 
     ~BaseFromImagePlanIndexedInitializer() override;
     using processor::BaseOutputInitializer::initBase;
-    void initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out,
-                  const WeakImage& in, const eFromImagePlanIndexedPolicy& policy);
+    void initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out, const WeakImage& in,
+                  const eFromImagePlanIndexedPolicy& policy);
     processor::eOutputInitializerType getOutputInitializerType() const override { return processor::eOIT_ImageProcessing; }
     using processor::BaseOutputInitializer::initAttribute;
     BoolResult initAttribute() override;
@@ -61,8 +61,8 @@ template<class A, class In>
 processor::InitializerPtr fromImage(const boost::shared_ptr<A>& out, const boost::shared_ptr<In>& in,
                                     const eFromImagePlanIndexedPolicy& policy = eFIPIP_Planes)
 {
-    const boost::shared_ptr<FromImagePlanIndexedInitializer<A> > initializer =
-        makeTogether<FromImagePlanIndexedInitializer<A> >();
+    const boost::shared_ptr<FromImagePlanIndexedInitializer<A>> initializer =
+        makeTogether<FromImagePlanIndexedInitializer<A>>();
     initializer->initBase(out, in, policy);
     return initializer;
 }

@@ -26,9 +26,9 @@ bool BaseRuleMatchScalarToImageSize::testRule() const
 std::string BaseRuleMatchScalarToImageSize::createRuleFormalString() const
 {
     const bool half = m_scale == eMISS_Half;
-    return textOf(m_type == eMIST_MinXYZ
-                      ? half ? eImageRuleMessage::eScalarInHalfXYZ : eImageRuleMessage::eScalarInXYZ
-                      : half ? eImageRuleMessage::eScalarInHalfXY : eImageRuleMessage::eScalarInXY,
+    return textOf(m_type == eMIST_MinXYZ ? half ? eImageRuleMessage::eScalarInHalfXYZ : eImageRuleMessage::eScalarInXYZ
+                  : half                 ? eImageRuleMessage::eScalarInHalfXY
+                                         : eImageRuleMessage::eScalarInXY,
                   retrieveValueAttributeName(), getAttribute1()->getObjectName());
 }
 

@@ -32,8 +32,7 @@ public:
     eImageBinaryMixedRuleType getImageBinaryMixedRuleType() const override { return eIBMRT_ScalarToSize; }
 
     using BaseImageBinaryMixedRule::initBase;
-    void initBase(const WeakImage& image,
-                  const boost::weak_ptr<const processor::BaseDataItemAttribute>& attribute);
+    void initBase(const WeakImage& image, const boost::weak_ptr<const processor::BaseDataItemAttribute>& attribute);
     void setSize(const eMatchImageSizeType& type, const eMatchImageSizeScale& scale);
     bool testRule() const override;
     std::string createRuleFormalString() const override;
@@ -63,8 +62,7 @@ template<class Leaf, class A>
 processor::RulePtr matchSize(const eMatchImageSizeType& type, const eMatchImageSizeScale& scale, const WeakImage& image,
                              const boost::shared_ptr<A>& record)
 {
-    const boost::shared_ptr<RuleMatchLeafToImageSize<A, Leaf> > rule =
-        makeTogether<RuleMatchLeafToImageSize<A, Leaf> >();
+    const boost::shared_ptr<RuleMatchLeafToImageSize<A, Leaf>> rule = makeTogether<RuleMatchLeafToImageSize<A, Leaf>>();
     rule->initBase(image, record);
     rule->setSize(type, scale);
     return rule;

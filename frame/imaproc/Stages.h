@@ -14,9 +14,9 @@ namespace orvik { namespace imaproc {
 
 /// Static for whole planes and volumes, dynamic for the strips of a Level 3 child.
 template<class P>
-using DispatcherOf = typename std::conditional<std::is_base_of<processor::BaseProcessingAlgorithm, P>::value,
-                                               processor::DynamicProcessorDispatcher<P>,
-                                               processor::StaticProcessorDispatcher<P> >::type;
+using DispatcherOf =
+    typename std::conditional<std::is_base_of<processor::BaseProcessingAlgorithm, P>::value,
+                              processor::DynamicProcessorDispatcher<P>, processor::StaticProcessorDispatcher<P>>::type;
 
 /// A stage of one child of class `P` per plane, volume or strip; `parts` tell what each gets, and into how many there are.
 template<class P, class... Parts>
@@ -24,8 +24,8 @@ processor::RetrievalResult dispatch(const core::BasePriority& priority, processo
                                     const Parts&... parts)
 {
     const ArenaScope together;
-    const boost::shared_ptr<DispatcherOf<P> > dispatcher = makeTogether<DispatcherOf<P> >();
-    std::vector<boost::shared_ptr<typename DispatcherOf<P>::Split> > splits;
+    const boost::shared_ptr<DispatcherOf<P>> dispatcher = makeTogether<DispatcherOf<P>>();
+    std::vector<boost::shared_ptr<typename DispatcherOf<P>::Split>> splits;
     splits.reserve(sizeof...(Parts));
     BoolResult result = success();
     (void(result = result ? parts.template addSplit<P>(splits) : result), ...);
@@ -50,15 +50,15 @@ struct SameForAll
     typename A::StorageType value;
 
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit>>& splits) const
     {
-        splits.push_back(makeTogether<processor::StaticNoSplit<P, A> >(value));
+        splits.push_back(makeTogether<processor::StaticNoSplit<P, A>>(value));
         return success();
     }
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const
     {
-        splits.push_back(makeTogether<processor::DynamicNoSplit<P, A> >(value));
+        splits.push_back(makeTogether<processor::DynamicNoSplit<P, A>>(value));
         return success();
     }
     template<class P>
@@ -131,9 +131,9 @@ struct SubImages
     eVolumeParsingType volume;
 
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit>>& splits) const
     {
-        const boost::shared_ptr<SubImageSplit<P, A> > split = makeTogether<SubImageSplit<P, A> >();
+        const boost::shared_ptr<SubImageSplit<P, A>> split = makeTogether<SubImageSplit<P, A>>();
         splits.push_back(split);
         return split->initBase(splitType, volume, eCPT_Channels, eTPT_Times, image);
     }
@@ -174,10 +174,9 @@ struct PlanEntries
     unsigned long sizeZ, sizeC, sizeT;
 
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit>>& splits) const
     {
-        const boost::shared_ptr<PlanIndexedSplit<P, Coll, A> > split =
-            makeTogether<PlanIndexedSplit<P, Coll, A> >();
+        const boost::shared_ptr<PlanIndexedSplit<P, Coll, A>> split = makeTogether<PlanIndexedSplit<P, Coll, A>>();
         splits.push_back(split);
         return split->initBase(coll, sizeZ, sizeC, sizeT, false);
     }
@@ -201,20 +200,20 @@ template<class A, class Key>
 struct ResultsOf
 {
     typedef typename A::Entry Result;
-    boost::shared_ptr<std::map<Key, boost::shared_ptr<Result> > > results;
+    boost::shared_ptr<std::map<Key, boost::shared_ptr<Result>>> results;
 
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseStaticSplit>>& splits) const
     {
-        const auto split = makeTogether<processor::StaticResultSplit<P, A> >();
+        const auto split = makeTogether<processor::StaticResultSplit<P, A>>();
         split->init(results, boost::make_shared<Result>());
         splits.push_back(split);
         return success();
     }
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const
     {
-        const auto split = makeTogether<processor::DynamicByCreationResultSplit<P, A> >();
+        const auto split = makeTogether<processor::DynamicByCreationResultSplit<P, A>>();
         split->init(results);
         splits.push_back(split);
         return success();
@@ -223,7 +222,7 @@ struct ResultsOf
 
 /// A result of its own for each child, kept in the parent's map: by index for planes, by range for strips.
 template<class A, class Key>
-ResultsOf<A, Key> resultOfEach(const boost::shared_ptr<std::map<Key, boost::shared_ptr<typename A::Entry> > >& results)
+ResultsOf<A, Key> resultOfEach(const boost::shared_ptr<std::map<Key, boost::shared_ptr<typename A::Entry>>>& results)
 {
     return {results};
 }
@@ -238,9 +237,9 @@ struct StripsOf
     bool inPlace;
 
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const
     {
-        const auto split = makeTogether<StripSplit<P, StripImage, A> >();
+        const auto split = makeTogether<StripSplit<P, StripImage, A>>();
         splits.push_back(split);
         if (inPlace)
             split->setInPlace();

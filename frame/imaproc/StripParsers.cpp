@@ -41,7 +41,8 @@ void PlainStripParser::start(unsigned long granularity)
     m_granularity = granularity;
     m_inPlace = m_strip->hasSlack() && granularity <= block;
     if (!m_inPlace)
-        m_scratch.init(processor::alignedCount(m_wholeLines || granularity > block ? sizeX : block, granularity), m_dataType);
+        m_scratch.init(processor::alignedCount(m_wholeLines || granularity > block ? sizeX : block, granularity),
+                       m_dataType);
 }
 
 void PlainStripParser::beginLine(unsigned long line)
@@ -127,8 +128,8 @@ void KernelStripParser::beginLine(unsigned long line)
 }
 
 template<class Mode, class Attr, class StorageAttr>
-boost::shared_ptr<processor::BaseDataParser> StripParserInfo<Mode, Attr, StorageAttr>::createParser(
-    const boost::shared_ptr<Attr>& attribute)
+boost::shared_ptr<processor::BaseDataParser>
+StripParserInfo<Mode, Attr, StorageAttr>::createParser(const boost::shared_ptr<Attr>& attribute)
 {
     boost::shared_ptr<processor::BaseDataParser> parser;
     image::withSampleType(image::toDataType(attribute->getImageBufferType()), [&](auto sample) {

@@ -102,7 +102,7 @@ private:
     image::BorderPolicy m_border;
     image::FragHybridBuffer m_elements;
     unsigned long m_lineSize;
-    unsigned long m_row;  // line of the strip's current element, 0 in planes
+    unsigned long m_row;     // line of the strip's current element, 0 in planes
     const void* m_nextLine;  // null at the end of the strip or image
 };
 

@@ -14,10 +14,10 @@ namespace orvik { namespace processor {
 
 namespace {
 
-std::map<std::string, std::unique_ptr<AlgorithmEntry> >& entries()
+std::map<std::string, std::unique_ptr<AlgorithmEntry>>& entries()
 {
-    static std::map<std::string, std::unique_ptr<AlgorithmEntry> >* const all =
-        new std::map<std::string, std::unique_ptr<AlgorithmEntry> >;
+    static std::map<std::string, std::unique_ptr<AlgorithmEntry>>* const all =
+        new std::map<std::string, std::unique_ptr<AlgorithmEntry>>;
     return *all;
 }
 
@@ -36,11 +36,10 @@ BoolResult AlgorithmFunctionSelector::registerFunction(const AlgorithmFunctionId
 
 void AlgorithmFunctionSelector::unRegisterFunctions(const core::InstructionSetsIdentifier& sets)
 {
-    m_functions.erase(std::remove_if(m_functions.begin(), m_functions.end(),
-                                     [&](const AlgorithmFunctionIdentifier& known) {
-                                         return known.getInstructionSets() == sets;
-                                     }),
-                      m_functions.end());
+    m_functions.erase(
+        std::remove_if(m_functions.begin(), m_functions.end(),
+                       [&](const AlgorithmFunctionIdentifier& known) { return known.getInstructionSets() == sets; }),
+        m_functions.end());
 }
 
 BoolResult AlgorithmFunctionSelector::select(const DataTypeIdentifierColl& dataTypes,
@@ -51,8 +50,7 @@ BoolResult AlgorithmFunctionSelector::select(const DataTypeIdentifierColl& dataT
     for (const AlgorithmFunctionIdentifier& known : m_functions) {
         if (known.getDataTypes().getType() != dataTypes.getType())
             continue;
-        if (forced.isEmpty() ? !best || known.getEfficiency() > best->getEfficiency()
-                             : known.getInstructionSets() == forced)
+        if (forced.isEmpty() ? !best || known.getEfficiency() > best->getEfficiency() : known.getInstructionSets() == forced)
             best = &known;
     }
     if (!best) {

@@ -62,8 +62,8 @@ typedef ProcessingResult<bool> (BaseProcessingAlgorithm::*AlgorithmFunction)(con
 class ORVIK_API AlgorithmFunctionIdentifier
 {
 public:
-    void init(const DataTypeIdentifierColl& dataTypes, const core::InstructionSetsIdentifier& sets,
-              unsigned int efficiency, AlgorithmFunction function)
+    void init(const DataTypeIdentifierColl& dataTypes, const core::InstructionSetsIdentifier& sets, unsigned int efficiency,
+              AlgorithmFunction function)
     {
         m_dataTypes = dataTypes;
         m_sets = sets;

@@ -60,14 +60,14 @@ BoolResult BaseAsyncProcessor::runDerived()
 
 void BaseAsyncProcessor::requestCancellationdDerived() {}
 
-RetrievalResult BaseAsync1Processor::retrieveProvider(const core::BasePriority& priority, unsigned int stage,
-                                                      unsigned int, ProviderPtr& provider)
+RetrievalResult BaseAsync1Processor::retrieveProvider(const core::BasePriority& priority, unsigned int stage, unsigned int,
+                                                      ProviderPtr& provider)
 {
     return stage == 0 ? retrieveProvider(priority, provider) : noMoreProvider();
 }
 
-RetrievalResult BaseAsync2Processor::retrieveProvider(const core::BasePriority& priority, unsigned int stage,
-                                                      unsigned int, ProviderPtr& provider)
+RetrievalResult BaseAsync2Processor::retrieveProvider(const core::BasePriority& priority, unsigned int stage, unsigned int,
+                                                      ProviderPtr& provider)
 {
     switch (stage) {
     case 0: return retrieveFirstProvider(priority, provider);
@@ -76,8 +76,8 @@ RetrievalResult BaseAsync2Processor::retrieveProvider(const core::BasePriority& 
     }
 }
 
-RetrievalResult BaseAsync3Processor::retrieveProvider(const core::BasePriority& priority, unsigned int stage,
-                                                      unsigned int, ProviderPtr& provider)
+RetrievalResult BaseAsync3Processor::retrieveProvider(const core::BasePriority& priority, unsigned int stage, unsigned int,
+                                                      ProviderPtr& provider)
 {
     switch (stage) {
     case 0: return retrieveFirstProvider(priority, provider);

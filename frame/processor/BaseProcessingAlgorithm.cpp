@@ -95,8 +95,7 @@ BoolResult BaseProcessingAlgorithm::runKernel(AlgorithmFunction function, const 
         if (parser->getNbInitData() != counts[0] || parser->getNbMainData() != counts[1]
             || parser->getNbFinalData() != counts[2] || parser->getNbLines() != nbLines)
             return failure(getObjectName() + ": the strips differ in size: "
-                           + std::to_string(counts[0] + counts[1] + counts[2]) + " x " + std::to_string(nbLines)
-                           + " and "
+                           + std::to_string(counts[0] + counts[1] + counts[2]) + " x " + std::to_string(nbLines) + " and "
                            + std::to_string(parser->getNbInitData() + parser->getNbMainData() + parser->getNbFinalData())
                            + " x " + std::to_string(parser->getNbLines()));
 

@@ -6,7 +6,7 @@
 
 namespace orvik { namespace processor {
 
-typedef std::vector<boost::shared_ptr<BaseDataParser> > DataParserColl;
+typedef std::vector<boost::shared_ptr<BaseDataParser>> DataParserColl;
 
 /// Level 3: a kernel, chosen by sample type and instruction set, on the runs of one strip.
 class ORVIK_API BaseProcessingAlgorithm : public BaseSyncProcessor

@@ -55,7 +55,7 @@ constexpr eStageResultType failedValue(eStageResultType)
 }
 
 typedef boost::shared_ptr<core::BaseActionProvider> ProviderPtr;
-typedef std::vector<boost::shared_ptr<BaseAttribute> > AttributeColl;
+typedef std::vector<boost::shared_ptr<BaseAttribute>> AttributeColl;
 
 /// Tells the name and the purpose of a class.
 class ORVIK_API BaseObjectDescription
@@ -86,9 +86,8 @@ public:
     const RulePtr& getRule() const { return m_rule; }
     const ProcessorDispatchPolicy& getDispatchPolicy() const { return m_dispatchPolicy; }
 
-    virtual BoolResult initDerived(AttributeColl& attributes, InitializerMap& initializers,
-                                   ProcessorDispatchPolicy& policy, RulePtr& rule,
-                                   const eProcessorRulePolicy& rulePolicy) = 0;
+    virtual BoolResult initDerived(AttributeColl& attributes, InitializerMap& initializers, ProcessorDispatchPolicy& policy,
+                                   RulePtr& rule, const eProcessorRulePolicy& rulePolicy) = 0;
 
     virtual StageResult preProcess();
     virtual StageResult postProcess();
@@ -132,4 +131,5 @@ private:
 /// processor runs leave unchanged, whichever thread raised them.
 ORVIK_API void executeSyncRun(const boost::shared_ptr<BaseProcessor>& processor);
 
-}}  // namespace orvik::processor
+}
+}  // namespace orvik::processor

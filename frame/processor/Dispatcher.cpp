@@ -20,7 +20,7 @@ unsigned long divideUp(unsigned long a, unsigned long b)
 
 /// Gives a child what each split has for it.
 template<class Split, class Process>
-BoolResult giveAll(const std::vector<boost::shared_ptr<Split> >& splits, const BaseProcessor& child, const Process& process)
+BoolResult giveAll(const std::vector<boost::shared_ptr<Split>>& splits, const BaseProcessor& child, const Process& process)
 {
     for (const boost::shared_ptr<Split>& split : splits) {
         const BoolResult result = split->checkProcessorType(child)
@@ -55,8 +55,8 @@ BoolResult BaseProcessorDispatcher::initElements(const core::BasePriority& prior
             continue;
         if (decider && nbElements != m_nbElements)
             return failure(getProcessorName() + ": attribute " + split->getAttributeName() + " has "
-                           + std::to_string(nbElements) + " elements, attribute " + decider->getAttributeName()
-                           + " has " + std::to_string(m_nbElements));
+                           + std::to_string(nbElements) + " elements, attribute " + decider->getAttributeName() + " has "
+                           + std::to_string(m_nbElements));
         decider = split;
         m_nbElements = nbElements;
     }
@@ -107,14 +107,13 @@ BaseStaticProcessorDispatcher::BaseStaticProcessorDispatcher() = default;
 BaseStaticProcessorDispatcher::~BaseStaticProcessorDispatcher() = default;
 
 BoolResult BaseStaticProcessorDispatcher::initBase(const core::BasePriority& priority,
-                                                   std::vector<boost::shared_ptr<BaseStaticSplit> > splits)
+                                                   std::vector<boost::shared_ptr<BaseStaticSplit>> splits)
 {
     m_splits = std::move(splits);
     return initElements(priority, m_splits.size(), [this](unsigned long i) { return m_splits[i].get(); });
 }
 
-BoolResult BaseStaticProcessorDispatcher::initAttributes(const ElementsRange& range,
-                                                         const core::BaseRequestOrigin& origin,
+BoolResult BaseStaticProcessorDispatcher::initAttributes(const ElementsRange& range, const core::BaseRequestOrigin& origin,
                                                          const boost::shared_ptr<BaseProcessor>& child)
 {
     return giveAll(m_splits, *child, [&](BaseStaticSplit& split) {
@@ -138,14 +137,13 @@ BaseDynamicProcessorDispatcher::BaseDynamicProcessorDispatcher() = default;
 BaseDynamicProcessorDispatcher::~BaseDynamicProcessorDispatcher() = default;
 
 BoolResult BaseDynamicProcessorDispatcher::initBase(const core::BasePriority& priority,
-                                                    std::vector<boost::shared_ptr<BaseDynamicSplit> > splits)
+                                                    std::vector<boost::shared_ptr<BaseDynamicSplit>> splits)
 {
     m_splits = std::move(splits);
     return initElements(priority, m_splits.size(), [this](unsigned long i) { return m_splits[i].get(); });
 }
 
-BoolResult BaseDynamicProcessorDispatcher::initAttributes(const ElementsRange& range,
-                                                          const core::BaseRequestOrigin& origin,
+BoolResult BaseDynamicProcessorDispatcher::initAttributes(const ElementsRange& range, const core::BaseRequestOrigin& origin,
                                                           const boost::shared_ptr<BaseProcessor>& child)
 {
     return giveAll(m_splits, *child, [&](BaseDynamicSplit& split) {

@@ -18,9 +18,8 @@ public:
     virtual BoolResult initAttributes(const ElementsRange& range, const core::BaseRequestOrigin& origin,
                                       const boost::shared_ptr<BaseProcessor>& child) = 0;
 
-    BoolResult queryNextAction(const core::BaseRequestOrigin& origin,
-                               boost::shared_ptr<core::BaseActionRequest>& request, bool& hasMore,
-                               boost::shared_ptr<BaseSerializationObject>& data) override;
+    BoolResult queryNextAction(const core::BaseRequestOrigin& origin, boost::shared_ptr<core::BaseActionRequest>& request,
+                               bool& hasMore, boost::shared_ptr<BaseSerializationObject>& data) override;
     bool hasPendingAction() const override { return m_next < m_nbElements; }
     void notifyDerived(const boost::shared_ptr<core::BaseActionRequest>& request,
                        const boost::shared_ptr<const BaseSerializationObject>& data, bool& ended) override;
@@ -46,14 +45,14 @@ class ORVIK_API BaseStaticProcessorDispatcher : public BaseProcessorDispatcher
 public:
     BaseStaticProcessorDispatcher();
     ~BaseStaticProcessorDispatcher() override;
-    BoolResult initBase(const core::BasePriority& priority, std::vector<boost::shared_ptr<BaseStaticSplit> > splits);
+    BoolResult initBase(const core::BasePriority& priority, std::vector<boost::shared_ptr<BaseStaticSplit>> splits);
     BoolResult initAttributes(const ElementsRange& range, const core::BaseRequestOrigin& origin,
                               const boost::shared_ptr<BaseProcessor>& child) override;
     void clearDerived() override;
     unsigned long start(unsigned int nbThreads) override;
 
 private:
-    std::vector<boost::shared_ptr<BaseStaticSplit> > m_splits;
+    std::vector<boost::shared_ptr<BaseStaticSplit>> m_splits;
 };
 
 class ORVIK_API BaseDynamicProcessorDispatcher : public BaseProcessorDispatcher
@@ -61,7 +60,7 @@ class ORVIK_API BaseDynamicProcessorDispatcher : public BaseProcessorDispatcher
 public:
     BaseDynamicProcessorDispatcher();
     ~BaseDynamicProcessorDispatcher() override;
-    BoolResult initBase(const core::BasePriority& priority, std::vector<boost::shared_ptr<BaseDynamicSplit> > splits);
+    BoolResult initBase(const core::BasePriority& priority, std::vector<boost::shared_ptr<BaseDynamicSplit>> splits);
     BoolResult initAttributes(const ElementsRange& range, const core::BaseRequestOrigin& origin,
                               const boost::shared_ptr<BaseProcessor>& child) override;
     void clearDerived() override;
@@ -73,7 +72,7 @@ protected:
     virtual unsigned long getMinElements() const = 0;
 
 private:
-    std::vector<boost::shared_ptr<BaseDynamicSplit> > m_splits;
+    std::vector<boost::shared_ptr<BaseDynamicSplit>> m_splits;
 };
 
 template<class P>

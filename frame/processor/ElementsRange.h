@@ -27,9 +27,9 @@ inline bool operator<(const ElementsRange& a, const ElementsRange& b)
 /// What the children of a stage gave, each a result of its own: filled by a result split, joined in `postProcess`, emptied
 /// by `clearIntermediateData`. The map is shared with the split.
 template<class Key, class Result>
-struct PartialResults : boost::shared_ptr<std::map<Key, boost::shared_ptr<Result> > >
+struct PartialResults : boost::shared_ptr<std::map<Key, boost::shared_ptr<Result>>>
 {
-    typedef std::map<Key, boost::shared_ptr<Result> > Map;
+    typedef std::map<Key, boost::shared_ptr<Result>> Map;
     PartialResults() : boost::shared_ptr<Map>(boost::make_shared<Map>()) {}
 };
 /// By index, as planes and volumes are numbered.

@@ -27,11 +27,11 @@ typedef KernelTypes<KernelType<image::eIBT_Int8, signed char>, KernelType<image:
                     KernelType<image::eIBT_Int32, int>, KernelType<image::eIBT_UInt32, unsigned int>,
                     KernelType<image::eIBT_Real32, float>, KernelType<image::eIBT_Binary, unsigned char>,
                     KernelType<image::eIBT_Label8, unsigned char>, KernelType<image::eIBT_Label16, unsigned short>,
-                    KernelType<image::eIBT_Label32, unsigned int> >
+                    KernelType<image::eIBT_Label32, unsigned int>>
     AllKernelTypes;
-typedef KernelTypes<KernelType<image::eIBT_Real32, float> > Real32KernelTypes;
+typedef KernelTypes<KernelType<image::eIBT_Real32, float>> Real32KernelTypes;
 typedef KernelTypes<KernelType<image::eIBT_UInt8, unsigned char>, KernelType<image::eIBT_Binary, unsigned char>,
-                    KernelType<image::eIBT_Label8, unsigned char> >
+                    KernelType<image::eIBT_Label8, unsigned char>>
     UInt8KernelTypes;
 
 /// Logs, at TRACE, kernels that could not be registered: a less efficient one serves.
@@ -77,8 +77,7 @@ private:
         dataTypes.init(type);
         AlgorithmFunctionIdentifier identifier;
         identifier.init(dataTypes, m_sets, efficiency(),
-                        static_cast<AlgorithmFunction>(
-                            &X::template genericProcessFunction<typename Type::Sample, Sets...>));
+                        static_cast<AlgorithmFunction>(&X::template genericProcessFunction<typename Type::Sample, Sets...>));
         const BoolResult result = selector.registerFunction(identifier);
         if (!result)
             failures += result.getMessage() + "\n";
@@ -111,8 +110,7 @@ struct KernelTypesOfSet<Types, core::eIS_Avx>
 /// while its library is loaded. In the unit of plain code, which every class has, the class itself comes first.
 #define ORVIK_REGISTER_KERNELS(X, Types) \
     ORVIK_REGISTER_CLASS_OF_KERNELS(X) \
-    namespace { \
-    namespace details { \
+    namespace { namespace details { \
     /** Always true: kernels that could not be registered are logged, and less efficient ones serve. */ \
     bool functionRegistration() \
     { \

@@ -29,8 +29,8 @@ public:
     template<class X>
     void registerProcessor()
     {
-        registerProcessor(X::getTypeName(), makeInfo(X::getObjectNameStr(), X::getToolTipStr(), X::s_library,
-                                                     X::s_headerPath));
+        registerProcessor(X::getTypeName(),
+                          makeInfo(X::getObjectNameStr(), X::getToolTipStr(), X::s_library, X::s_headerPath));
     }
     void registerProcessor(const std::string& typeName, const ProcessorInfo& info);
     void unRegisterProcessor(const std::string& typeName);

@@ -65,8 +65,7 @@ public:
     ~BaseStaticSplit() override;
     eSplitBaseType getSplitBaseType() const override { return eSBT_Static; }
     virtual eSplitStaticType getSplitStaticType() const = 0;
-    virtual BoolResult processAttribute(BaseProcessor& child, unsigned int index,
-                                        const core::BaseRequestOrigin& origin) = 0;
+    virtual BoolResult processAttribute(BaseProcessor& child, unsigned int index, const core::BaseRequestOrigin& origin) = 0;
     void initBaseUnSplitted(const ElementsLocationInfo& info) { m_location = info; }
 
 private:
@@ -100,10 +99,7 @@ public:
     using Base::Base;
     const std::string& getAttributeName() const override { return A::getObjectNameStr(); }
     const std::string& getAttributeToolTip() const override { return A::getToolTipStr(); }
-    bool checkProcessorType(const BaseProcessor& child) const override
-    {
-        return dynamic_cast<const P*>(&child) != nullptr;
-    }
+    bool checkProcessorType(const BaseProcessor& child) const override { return dynamic_cast<const P*>(&child) != nullptr; }
 
 protected:
     /// Sets the child's part.
@@ -135,8 +131,7 @@ class DynamicNoSplit : public TypedSplit<P, A, BaseDynamicSplit>
 public:
     explicit DynamicNoSplit(const typename A::StorageType& value) : m_value(value) {}
     eSplitDynamicType getSplitDynamicType() const override { return eSDT_NoSplit; }
-    BoolResult processAttribute(BaseProcessor& child, unsigned long, unsigned long,
-                                const core::BaseRequestOrigin&) override
+    BoolResult processAttribute(BaseProcessor& child, unsigned long, unsigned long, const core::BaseRequestOrigin&) override
     {
         return this->give(child, m_value);
     }
@@ -159,7 +154,7 @@ class StaticResultSplit : public TypedSplit<P, A, BaseStaticSplit>
 {
 public:
     typedef typename A::Entry Result;
-    typedef std::map<unsigned int, boost::shared_ptr<Result> > ResultMap;
+    typedef std::map<unsigned int, boost::shared_ptr<Result>> ResultMap;
 
     /// Empties the map.
     void init(const boost::shared_ptr<ResultMap>& results, const boost::shared_ptr<Result>& prototype)
@@ -196,7 +191,7 @@ class DynamicByCreationResultSplit : public TypedSplit<P, A, BaseDynamicSplit>
 {
 public:
     typedef typename A::Entry Result;
-    typedef std::map<ElementsRange, boost::shared_ptr<Result> > ResultMap;
+    typedef std::map<ElementsRange, boost::shared_ptr<Result>> ResultMap;
     typedef boost::function<boost::shared_ptr<Result>(unsigned long, unsigned long)> CreationFunction;
 
     /// Empties the map.
@@ -232,8 +227,8 @@ class DynamicByRangeDataSplit : public TypedSplit<P, A, BaseDynamicSplit>
 {
 public:
     typedef typename A::Entry List;
-    typedef std::map<ElementsRange, boost::shared_ptr<List> > ListMap;
-    typedef std::map<ElementsRange, std::vector<unsigned long> > IndexMap;
+    typedef std::map<ElementsRange, boost::shared_ptr<List>> ListMap;
+    typedef std::map<ElementsRange, std::vector<unsigned long>> IndexMap;
 
     /// Empties both maps.
     void init(const boost::shared_ptr<const List>& source, const boost::shared_ptr<ListMap>& lists,

@@ -15,7 +15,7 @@ template<class T>
 BoolResult BaseValueAttribute<T>::write(BaseOArchive& archive) const
 {
     const ArchivedAs<T> value = m_value;
-    archive << SerializationOItem<ArchivedAs<T> >("value", value);
+    archive << SerializationOItem<ArchivedAs<T>>("value", value);
     return success();
 }
 
@@ -23,7 +23,7 @@ template<class T>
 BoolResult BaseValueAttribute<T>::read(BaseIArchive& archive)
 {
     ArchivedAs<T> value;
-    archive >> SerializationIItem<ArchivedAs<T> >("value", value);
+    archive >> SerializationIItem<ArchivedAs<T>>("value", value);
     initBase(static_cast<T>(value));
     return success();
 }

@@ -34,7 +34,7 @@ struct IsLeafList : std::false_type
 {
 };
 template<class T>
-struct IsLeafList<std::vector<T> > : std::true_type
+struct IsLeafList<std::vector<T>> : std::true_type
 {
 };
 
@@ -99,7 +99,7 @@ private:
 
 /// A list of plain values in a record.
 template<class T>
-class DataItemLeafColl : public DataItemLeaf<std::vector<T> >
+class DataItemLeafColl : public DataItemLeaf<std::vector<T>>
 {
 };
 
@@ -148,7 +148,7 @@ class DataItemNodeColl : public BaseDataItemNodeColl
 {
 public:
     typedef T NodeType;
-    typedef std::vector<boost::shared_ptr<T> > Nodes;
+    typedef std::vector<boost::shared_ptr<T>> Nodes;
 
     std::size_t size() const override { return m_nodes.size(); }
     void clear() override { m_nodes.clear(); }
@@ -192,9 +192,12 @@ public: \
     }; \
 \
 private: \
-    const Leaf& leafOf(const Leaf*) const { return m_##Leaf; } \
+    const Leaf& leafOf(const Leaf*) const \
+    { \
+        return m_##Leaf; \
+    } \
     Leaf m_##Leaf;
-#define ORVIK_LEAF_PARAMETER(Type, Leaf) const Type &value##Leaf
+#define ORVIK_LEAF_PARAMETER(Type, Leaf) const Type& value##Leaf
 #define ORVIK_LEAF_ASSIGN(Type, Leaf) node->m_##Leaf.accessValue() = value##Leaf;
 #define ORVIK_LEAF_VISIT(Type, Leaf) visitor(m_##Leaf);
 // The same for each leaf of a sequence, which is given as `leaf`, in its brackets.

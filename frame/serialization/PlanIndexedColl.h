@@ -13,8 +13,7 @@ namespace orvik {
 /// Address of a plane of an image: slice, channel, time. For a list per volume, z is 0.
 struct PlanIndex
 {
-    PlanIndex(unsigned long zIndex = 0, unsigned long cIndex = 0, unsigned long tIndex = 0)
-        : z(zIndex), c(cIndex), t(tIndex)
+    PlanIndex(unsigned long zIndex = 0, unsigned long cIndex = 0, unsigned long tIndex = 0) : z(zIndex), c(cIndex), t(tIndex)
     {
     }
 
@@ -58,7 +57,7 @@ protected:
     virtual bool accepts(const BaseSerializationObject& entry) const = 0;
 
 private:
-    std::map<PlanIndex, boost::shared_ptr<BaseSerializationObject> > m_entries;
+    std::map<PlanIndex, boost::shared_ptr<BaseSerializationObject>> m_entries;
 };
 
 /// Declares a plan-indexed collection of records `Entry`; its body is compiled with ORVIK_PLAN_INDEXED_DEFINE, so that
@@ -75,7 +74,7 @@ private:
         static boost::shared_ptr<Name> createOfOnePlane(); \
         /** The entry of a plane, with its own type; null when there is none. */ \
         boost::shared_ptr<EntryType> getEntry(const ::orvik::PlanIndex& index) const; \
-        boost::shared_ptr< ::orvik::BaseSerializationObject> createEntry() const override; \
+        boost::shared_ptr<::orvik::BaseSerializationObject> createEntry() const override; \
 \
     protected: \
         bool accepts(const ::orvik::BaseSerializationObject& entry) const override; \
@@ -98,7 +97,7 @@ private:
     { \
         return boost::const_pointer_cast<Name::Entry>(boost::static_pointer_cast<const Name::Entry>(getStorage(index))); \
     } \
-    boost::shared_ptr< ::orvik::BaseSerializationObject> Name::createEntry() const \
+    boost::shared_ptr<::orvik::BaseSerializationObject> Name::createEntry() const \
     { \
         return Name::Entry::createNode(); \
     } \

@@ -84,7 +84,8 @@ inline Lanes<float>::type floorOf(Lanes<float>::type v)
 #elif ORVIK_SET_BYTES == 32
     return _mm256_floor_ps(v);
 #else
-    const Lanes<float>::type whole = __builtin_convertvector(__builtin_convertvector(v, Lanes<int>::type), Lanes<float>::type);
+    const Lanes<float>::type whole =
+        __builtin_convertvector(__builtin_convertvector(v, Lanes<int>::type), Lanes<float>::type);
     return whole - (whole > v ? Lanes<float>::type{} + 1.0f : Lanes<float>::type{});
 #endif
 }

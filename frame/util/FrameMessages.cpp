@@ -5,7 +5,7 @@ namespace orvik {
 namespace {
 
 template<class TDomain>
-void addRows(LogMessageManager& manager, std::initializer_list<std::pair<TDomain, const char*> > rows)
+void addRows(LogMessageManager& manager, std::initializer_list<std::pair<TDomain, const char*>> rows)
 {
     for (const std::pair<TDomain, const char*>& row : rows)
         manager.addMessage(row.first, row.second);
@@ -21,24 +21,23 @@ void addProcessingRows(LogMessageManager& manager)
                   {eProcessorMessage::eMandatoryAttributeMissing,
                    "%s refuses to run: mandatory attribute %s has no value (unset or null)"},
                   {eProcessorMessage::eRunFailed, "%s failed: %s"},
-                  {eProcessorMessage::eProcessorNotInitialised,
-                   "Processor %s has not been initialised, call init first"}});
-    addRows<eRuleMessage::domain>(
-        manager, {{eRuleMessage::eAttributeExpired, "Attribute weak pointer has expired, can't get it"},
-                  {eRuleMessage::eNotInitialised, "Initialize rule before trying to use its data"},
-                  {eRuleMessage::eNullAttribute, "Input attribute should not be null"},
-                  {eRuleMessage::eHolds, "ok: "},
-                  {eRuleMessage::eFails, "failed: "},
-                  {eRuleMessage::eBothHold, "%s && %s"},
-                  {eRuleMessage::eAllHold, "all hold:"},
-                  {eRuleMessage::eIf, "If(%s, %s, %s)"},
-                  {eRuleMessage::eAsConditionHolds, "as %s holds:"},
-                  {eRuleMessage::eAsConditionFails, "as %s does not hold:"},
-                  {eRuleMessage::eNot, "Not(%s)"},
-                  {eRuleMessage::eDoesNotHold, "does not hold:"},
-                  {eRuleMessage::eNone, "none"},
-                  {eRuleMessage::eNoCondition, "no condition"},
-                  {eRuleMessage::eIsSet, "%s is set"}});
+                  {eProcessorMessage::eProcessorNotInitialised, "Processor %s has not been initialised, call init first"}});
+    addRows<eRuleMessage::domain>(manager,
+                                  {{eRuleMessage::eAttributeExpired, "Attribute weak pointer has expired, can't get it"},
+                                   {eRuleMessage::eNotInitialised, "Initialize rule before trying to use its data"},
+                                   {eRuleMessage::eNullAttribute, "Input attribute should not be null"},
+                                   {eRuleMessage::eHolds, "ok: "},
+                                   {eRuleMessage::eFails, "failed: "},
+                                   {eRuleMessage::eBothHold, "%s && %s"},
+                                   {eRuleMessage::eAllHold, "all hold:"},
+                                   {eRuleMessage::eIf, "If(%s, %s, %s)"},
+                                   {eRuleMessage::eAsConditionHolds, "as %s holds:"},
+                                   {eRuleMessage::eAsConditionFails, "as %s does not hold:"},
+                                   {eRuleMessage::eNot, "Not(%s)"},
+                                   {eRuleMessage::eDoesNotHold, "does not hold:"},
+                                   {eRuleMessage::eNone, "none"},
+                                   {eRuleMessage::eNoCondition, "no condition"},
+                                   {eRuleMessage::eIsSet, "%s is set"}});
     addRows<eOutputInitializerMessage::domain>(
         manager,
         {{eOutputInitializerMessage::eAttributeExpired, "Attribute weak pointer has expired, can't get it"},
@@ -83,12 +82,10 @@ void addImageRows(LogMessageManager& manager)
          {eImageRuleMessage::eSizeYAgainst, ": Y %d against %d"},
          {eImageRuleMessage::eBufferTypeAgainst, ": %s against %s"},
          {eImageRuleMessage::eEitherBufferType, "%s or %s"},
-         {eImageRuleMessage::eScalarInXY,
-          "%s is not negative, and beyond the smaller of X and Y of %s narrowed to it"},
+         {eImageRuleMessage::eScalarInXY, "%s is not negative, and beyond the smaller of X and Y of %s narrowed to it"},
          {eImageRuleMessage::eScalarInHalfXY,
           "%s is not negative, and beyond half of the smaller of X and Y of %s narrowed to it"},
-         {eImageRuleMessage::eScalarInXYZ,
-          "%s is not negative, and beyond the smallest of X, Y and Z of %s narrowed to it"},
+         {eImageRuleMessage::eScalarInXYZ, "%s is not negative, and beyond the smallest of X, Y and Z of %s narrowed to it"},
          {eImageRuleMessage::eScalarInHalfXYZ,
           "%s is not negative, and beyond half of the smallest of X, Y and Z of %s narrowed to it"},
          {eImageRuleMessage::eScalarFound, "%s: %s"},

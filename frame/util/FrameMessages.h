@@ -8,30 +8,46 @@ namespace orvik {
 
 struct eORVIKUtilErrors
 {
-    enum domain { eCopyNotSupported = 3 };
+    enum domain
+    {
+        eCopyNotSupported = 3
+    };
 };
 
 struct eORVIKSerializationMessage
 {
-    enum domain { eClassVersionTooRecent = 25 };
+    enum domain
+    {
+        eClassVersionTooRecent = 25
+    };
 };
 
 namespace processor {
 
 struct eProcessorMessage
 {
-    enum domain { eRunRefused = 1, eMandatoryAttributeMissing = 2, eRunFailed = 3, eProcessorNotInitialised = 33 };
+    enum domain
+    {
+        eRunRefused = 1,
+        eMandatoryAttributeMissing = 2,
+        eRunFailed = 3,
+        eProcessorNotInitialised = 33
+    };
 };
 
 struct eAlgorithmFunctionMessage
 {
-    enum domain { eRegistrationFailed = 12 };
+    enum domain
+    {
+        eRegistrationFailed = 12
+    };
 };
 
 /// What rules and their combinations say.
 struct eRuleMessage
 {
-    enum domain {
+    enum domain
+    {
         eAttributeExpired,
         eNotInitialised,
         eNullAttribute,
@@ -53,7 +69,13 @@ struct eRuleMessage
 /// What initialisers of outputs say.
 struct eOutputInitializerMessage
 {
-    enum domain { eAttributeExpired, eNotInitialised, eNullAttribute, eNewRecord };
+    enum domain
+    {
+        eAttributeExpired,
+        eNotInitialised,
+        eNullAttribute,
+        eNewRecord
+    };
 };
 
 ORVIK_API extern const LogSource g_baseProcessingLogSource;
@@ -64,13 +86,17 @@ namespace imaproc {
 
 struct eImageMessage
 {
-    enum domain { eInvalidImage = 0 };
+    enum domain
+    {
+        eInvalidImage = 0
+    };
 };
 
 /// What rules on images and strips say.
 struct eImageRuleMessage
 {
-    enum domain {
+    enum domain
+    {
         eEqualSizes,
         eEqualSizeX,
         eEqualSizeY,
@@ -113,7 +139,8 @@ struct eImageRuleMessage
 /// What initialisers of images, and of lists per plane, say.
 struct eImageInitializerMessage
 {
-    enum domain {
+    enum domain
+    {
         eInputUnset,
         eCustomInputUnset,
         eLikeInput,

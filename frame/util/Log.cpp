@@ -22,8 +22,8 @@ const char* const g_messageFailureText = "Exception thrown while processing mess
 void logMessageFailure(const char* function, const char* file, unsigned int line)
 {
     try {
-        logMessage(getBaseLogger(), log4cplus::ERROR_LOG_LEVEL, std::string(g_messageFailureText) + " in " + function,
-                   file, static_cast<int>(line));
+        logMessage(getBaseLogger(), log4cplus::ERROR_LOG_LEVEL, std::string(g_messageFailureText) + " in " + function, file,
+                   static_cast<int>(line));
     } catch (...) {
         // A log that can't be written may be the failure itself; the exception that follows tells of it.
     }
@@ -40,8 +40,7 @@ const std::string& getBaseLoggerName()
 log4cplus::Logger& getBaseLogger()
 {
     static log4cplus::Logger* const logger = [] {
-        std::unique_ptr<log4cplus::Logger> made(
-            new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName())));
+        std::unique_ptr<log4cplus::Logger> made(new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName())));
         made->addAppender(log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
         return made.release();
     }();
@@ -72,8 +71,7 @@ log4cplus::Logger& imaproc::getORVIKImageProcessingLogger()
     return logger;
 }
 
-void logMessage(log4cplus::Logger& logger, const int& level, const std::string& message, const std::string& file,
-                int line)
+void logMessage(log4cplus::Logger& logger, const int& level, const std::string& message, const std::string& file, int line)
 {
     logger.log(level, message, file.c_str(), line);
 }

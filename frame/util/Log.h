@@ -33,8 +33,8 @@ ORVIK_API LogMessageManager& getORVIKImageProcessingLogMessageManager();
 }  // namespace imaproc
 
 /// Sends a text to a logger with the position of the caller. Levels are log4cplus' own: ERROR 40000, TRACE 0.
-ORVIK_API void logMessage(log4cplus::Logger& logger, const int& level, const std::string& message,
-                          const std::string& file, int line);
+ORVIK_API void logMessage(log4cplus::Logger& logger, const int& level, const std::string& message, const std::string& file,
+                          int line);
 
 /// Logger and catalogue of one library, as a throw site needs them.
 struct LogSource
@@ -46,8 +46,8 @@ struct LogSource
 /// First half of a throw site: builds the text and logs it at ERROR when that level is enabled.
 /// A failure in here is logged on the base logger and leaves as BaseException with the failure as its cause.
 ORVIK_API std::string formatAndLogError(const LogSource& source, const std::string& domainName, int id,
-                                        std::initializer_list<std::string> arguments, const char* function,
-                                        const char* file, unsigned int line);
+                                        std::initializer_list<std::string> arguments, const char* function, const char* file,
+                                        unsigned int line);
 
 /// Logs a failure that already has its text, at ERROR.
 ORVIK_API void logError(const LogSource& source, const std::string& text, const char* file, unsigned int line);

@@ -11,7 +11,7 @@ namespace orvik {
 struct LogMessageManager::Rows
 {
     mutable std::mutex mutex;
-    std::map<std::string, std::map<int, std::string> > texts;
+    std::map<std::string, std::map<int, std::string>> texts;
 };
 
 LogMessageManager::LogMessageManager() : m_rows(new Rows) {}

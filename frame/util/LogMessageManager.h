@@ -108,7 +108,7 @@ struct MessageMapRegistrator
 {
     static bool process()
     {
-        return MsgMapRegistrator<E, details::MsgMapRegistratorDerived<E, Unused> >::registerMessageMap();
+        return MsgMapRegistrator<E, details::MsgMapRegistratorDerived<E, Unused>>::registerMessageMap();
     }
 };
 

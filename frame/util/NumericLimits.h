@@ -23,7 +23,7 @@ struct NumericLimits
     static constexpr T s_min = std::numeric_limits<T>::lowest();
     static constexpr T s_max = std::numeric_limits<T>::max();
     static constexpr T s_eps = std::numeric_limits<T>::epsilon();  // 2^-23, 2^-52; 0 for integers
-    static constexpr T s_sqrt_eps = details::g_sqrtEps<T>;  // the square root of s_eps; 0 for integers
+    static constexpr T s_sqrt_eps = details::g_sqrtEps<T>;         // the square root of s_eps; 0 for integers
 };
 
 }  // namespace orvik

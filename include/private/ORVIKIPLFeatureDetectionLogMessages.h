@@ -11,12 +11,16 @@ namespace imaproc { namespace fd {
 /// Tool tips; the numbers of the rows are those of the classes.
 struct eProcessorMessage
 {
-    enum domain { eFirst = 0 };
+    enum domain
+    {
+        eFirst = 0
+    };
 };
 
 struct eRuleMessage
 {
-    enum domain {
+    enum domain
+    {
         eAttributeExpired = 0,
         eNotInitialised = 1,
         eSizeYGreaterOrEqualEvaluated = 2,
@@ -28,17 +32,27 @@ struct eRuleMessage
 /// What this library's rules say beyond the rows above, whose number is fixed.
 struct eLibraryRuleMessage
 {
-    enum domain { eAccumulatorHasBins, eAccumulatorBins };
+    enum domain
+    {
+        eAccumulatorHasBins,
+        eAccumulatorBins
+    };
 };
 
 struct eOutputInitializerMessage
 {
-    enum domain { eNullAttribute = 0 };
+    enum domain
+    {
+        eNullAttribute = 0
+    };
 };
 
 struct eORVIKIPLFeatureDetectionMessage
 {
-    enum domain { eNone = 0 };
+    enum domain
+    {
+        eNone = 0
+    };
 };
 
 /// Where failures of this library are logged, for ORVIK_THROW.

@@ -77,8 +77,8 @@ image::ImageSizes sizesOf(const py::array& array, const std::string& name)
 {
     const py::ssize_t nbAxes = array.ndim();
     if (nbAxes < g_minAxes || nbAxes > g_maxAxes)
-        throw py::value_error(name + ": an array of shape " + textOf(array.attr("shape")) + " has "
-                              + std::to_string(nbAxes) + " axes, 2 to 5 are expected: (y, x) to (t, c, z, y, x)");
+        throw py::value_error(name + ": an array of shape " + textOf(array.attr("shape")) + " has " + std::to_string(nbAxes)
+                              + " axes, 2 to 5 are expected: (y, x) to (t, c, z, y, x)");
     if (array.size() == 0)
         throw py::value_error(name + ": an array of shape " + textOf(array.attr("shape")) + " has no samples");
     std::array<unsigned long, g_maxAxes> sizes = {1, 1, 1, 1, 1};
@@ -112,7 +112,7 @@ const py::dtype& dtypeOf(eImageBufferType type)
     // Never destroyed: at the end of the process the interpreter is gone before statics are.
     static const std::vector<py::dtype>& dtypes = *new std::vector<py::dtype>{
         py::dtype("V1"), py::dtype("i1"), py::dtype("u1"), py::dtype("i2"), py::dtype("u2"), py::dtype("i4"),
-        py::dtype("u4"), py::dtype("f4"), py::dtype("?"), py::dtype("u2"), py::dtype("u4"), py::dtype("u1")};
+        py::dtype("u4"), py::dtype("f4"), py::dtype("?"),  py::dtype("u2"), py::dtype("u4"), py::dtype("u1")};
     return dtypes[type];
 }
 
@@ -147,8 +147,8 @@ boost::shared_ptr<image::BaseImage> writeArray(const py::object& object, const s
         throw py::value_error(name + ": the array is read-only");
     image::ImageStrides strides;
     if (!stridesOf(array, strides))
-        throw py::value_error(name + ": a result can't be written to an array with strides "
-                              + textOf(array.attr("strides")) + ": the samples of a line must follow one another");
+        throw py::value_error(name + ": a result can't be written to an array with strides " + textOf(array.attr("strides"))
+                              + ": the samples of a line must follow one another");
     try {
         return image::wrapBuffer(array.mutable_data(), type, sizes, strides, keepReference(array));
     } catch (const imaproc::ORVIKImageProcessingException& e) {
@@ -167,9 +167,8 @@ py::array toArray(const boost::shared_ptr<image::BaseImage>& image, py::ssize_t 
                                                     strides.t};
     std::vector<py::ssize_t> shape(allSizes.rend() - nbAxes, allSizes.rend());
     std::vector<py::ssize_t> distances(allStrides.rend() - nbAxes, allStrides.rend());
-    const py::capsule owner(new boost::shared_ptr<image::BaseImage>(image), [](void* pointer) {
-        delete static_cast<boost::shared_ptr<image::BaseImage>*>(pointer);
-    });
+    const py::capsule owner(new boost::shared_ptr<image::BaseImage>(image),
+                            [](void* pointer) { delete static_cast<boost::shared_ptr<image::BaseImage>*>(pointer); });
     py::array array(dtype, std::move(shape), std::move(distances), image->accessLine(0), owner);
     if (type == image::eIBT_Label8 || type == image::eIBT_Label16 || type == image::eIBT_Label32)
         return py::module_::import("orvik_fd").attr("asLabel")(array);

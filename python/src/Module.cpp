@@ -43,10 +43,11 @@ PYBIND11_MODULE(_core, module)
         .def(py::init<const std::string&, const py::object&>())
         .def("set", &Run::set)
         .def("give", &Run::give)
-        .def("returning", [](py::object self, const py::args& attributes) {
-            self.cast<Run&>().returns(attributes);
-            return self;
-        })
+        .def("returning",
+             [](py::object self, const py::args& attributes) {
+                 self.cast<Run&>().returns(attributes);
+                 return self;
+             })
         .def("execute", &Run::execute)
         .def("start", &Run::start)
         .def("wait", &Run::wait)

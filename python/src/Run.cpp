@@ -33,9 +33,9 @@ const unsigned long g_signalMilliseconds = 50;
 const unsigned long g_nbSamplesOfSmall = 1ul << 16;
 
 /// The runs that were started and may not have ended. A processor that nobody holds any more is at its end.
-std::vector<boost::weak_ptr<BaseProcessor> >& startedRuns()
+std::vector<boost::weak_ptr<BaseProcessor>>& startedRuns()
 {
-    static auto* const runs = new std::vector<boost::weak_ptr<BaseProcessor> >;  // used with the interpreter lock held
+    static auto* const runs = new std::vector<boost::weak_ptr<BaseProcessor>>;  // used with the interpreter lock held
     return *runs;
 }
 
@@ -86,8 +86,7 @@ py::object onlyArgument(const std::string& attribute, const py::kwargs& argument
 Run::Run(const std::string& className, const py::object& progress)
     : m_className(className),
       m_processor(processor::ProcessorFactory::getInstance().createProcessor("orvik::imaproc::" + className)),
-      m_progress(progress),
-      m_nbForks(getNbForks())
+      m_progress(progress), m_nbForks(getNbForks())
 {
     if (!m_processor)
         throw py::value_error("no class has the name " + className);
@@ -187,7 +186,9 @@ py::object Run::execute(bool everyPlane)
 void Run::start(bool everyPlane)
 {
     if (hasEndBegun()) {
-        { const Unlocked heldUp; }  // unless it is the thread that ends the interpreter
+        {
+            const Unlocked heldUp;
+        }  // unless it is the thread that ends the interpreter
         throw std::runtime_error("the interpreter ends: no run can be started");
     }
     prepare(everyPlane);
@@ -319,7 +320,7 @@ py::object Run::readLists(BasePlanIndexedColl& coll) const
 
 void Run::endAll()
 {
-    std::vector<boost::shared_ptr<BaseProcessor> > runs;
+    std::vector<boost::shared_ptr<BaseProcessor>> runs;
     for (const auto& run : startedRuns())
         if (boost::shared_ptr<BaseProcessor> processor = run.lock())
             runs.push_back(std::move(processor));

@@ -63,7 +63,7 @@ private:
     std::string m_className;
     boost::shared_ptr<processor::BaseProcessor> m_processor;
     pybind11::object m_progress;
-    std::vector<std::pair<std::string, pybind11::object> > m_given;
+    std::vector<std::pair<std::string, pybind11::object>> m_given;
     std::vector<std::string> m_results;
     pybind11::ssize_t m_nbAxes = 2;
     unsigned long m_nbSamples = 0;

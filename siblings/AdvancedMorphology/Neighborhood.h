@@ -24,7 +24,7 @@ struct NeighborLine
 /// always neighbours.
 struct Neighborhood
 {
-    NeighborLine lines[8];      ///< in raster order
+    NeighborLine lines[8];  ///< in raster order
     unsigned long nbLines = 0;
     unsigned long nbBefore = 0;  ///< how many of them lie before the line itself
 };

@@ -7,7 +7,13 @@ namespace orvik { namespace imaproc { namespace filter {
 /// What the rules of this library say.
 struct eFilteringRuleMessage
 {
-    enum domain { eFiniteAboveZero, eNotFiniteAboveZero, eKernelFits, eKernelSize };
+    enum domain
+    {
+        eFiniteAboveZero,
+        eNotFiniteAboveZero,
+        eKernelFits,
+        eKernelSize
+    };
 };
 
 LogMessageManager& getORVIKIPLFilteringLogMessageManager();

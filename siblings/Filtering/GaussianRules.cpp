@@ -76,8 +76,8 @@ public:
     bool testRule() const override { return !(halfSize() > g_maxGaussianHalfSize); }
     std::string createRuleFormalString() const override
     {
-        return textOf(eFilteringRuleMessage::eKernelFits, getAttribute1()->getObjectName(),
-                      getAttribute2()->getObjectName(), toText(g_maxGaussianHalfSize));
+        return textOf(eFilteringRuleMessage::eKernelFits, getAttribute1()->getObjectName(), getAttribute2()->getObjectName(),
+                      toText(g_maxGaussianHalfSize));
     }
     std::string createRuleEvaluatedString(unsigned int depth) const override
     {

@@ -15,8 +15,7 @@
 
 #include "frame/simd/OpenSet.h"
 
-namespace orvik { namespace imaproc { namespace filter {
-namespace {
+namespace orvik { namespace imaproc { namespace filter { namespace {
 
 /// A vector of sums, as they are or rounded to float.
 template<class Sum>

@@ -8,10 +8,11 @@
 
 namespace orvik { namespace imaproc { namespace filter {
 
-image::StripMargins makeGaussianMargins(image::eStripAxis axis, double stdDev, double coverage, const image::BaseImage& image)
+image::StripMargins makeGaussianMargins(image::eStripAxis axis, double stdDev, double coverage,
+                                        const image::BaseImage& image)
 {
-    const unsigned long halfSize = std::min(static_cast<unsigned long>(getGaussianHalfSize(stdDev, coverage)),
-                                            image::getNbElements(image, axis));
+    const unsigned long halfSize =
+        std::min(static_cast<unsigned long>(getGaussianHalfSize(stdDev, coverage)), image::getNbElements(image, axis));
     image::StripMargins margins;
     (axis == image::eSA_Y ? margins.startY : margins.startZ) = halfSize;
     (axis == image::eSA_Y ? margins.endY : margins.endZ) = halfSize + g_nbLinesAtOnce - 1;

@@ -13,7 +13,8 @@ constexpr unsigned long g_minStripLines = 4 * g_nbLinesAtOnce;
 /// Margins of strips along `axis` of an image for a Gaussian kernel across their elements: its half-size, and behind, for
 /// the elements that go together, g_nbLinesAtOnce - 1 more. Elements farther than the image is large are all the same one;
 /// its kernel is folded there.
-image::StripMargins makeGaussianMargins(image::eStripAxis axis, double stdDev, double coverage, const image::BaseImage& image);
+image::StripMargins makeGaussianMargins(image::eStripAxis axis, double stdDev, double coverage,
+                                        const image::BaseImage& image);
 
 /// False, with the half-size, for a strip whose margins along its axis are not those of a kernel of that half-size.
 BoolResult checkGaussianMargins(const image::BaseImageFragment& strip, unsigned long halfSize);

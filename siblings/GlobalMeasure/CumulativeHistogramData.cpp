@@ -30,9 +30,8 @@ void checkRange(const HistogramResult& histogram)
 }  // namespace
 
 CumulativeHistogramData::CumulativeHistogramData(const HistogramResult& histogram)
-    : m_valuePerBin(histogram.get<HistogramResult::ValuePerBin>()),
-      m_first(histogram.get<HistogramResult::FirstValue>()), m_last(histogram.get<HistogramResult::LastValue>()),
-      m_cumulated(histogram.get<HistogramResult::Counts>())
+    : m_valuePerBin(histogram.get<HistogramResult::ValuePerBin>()), m_first(histogram.get<HistogramResult::FirstValue>()),
+      m_last(histogram.get<HistogramResult::LastValue>()), m_cumulated(histogram.get<HistogramResult::Counts>())
 {
     if (!m_cumulated.empty())
         checkRange(histogram);

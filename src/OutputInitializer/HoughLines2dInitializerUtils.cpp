@@ -30,8 +30,7 @@ image::eImageBufferType CustomHoughLines2dOutputInitializer::getImageBufferType(
 }
 
 boost::shared_ptr<CustomHoughLines2dOutputInitializer> outputHoughLines2d(
-    const WeakImage& input, const WeakHoughLinesImgParams& params,
-    const WeakHoughLinesExtractionParams& extractionParams)
+    const WeakImage& input, const WeakHoughLinesImgParams& params, const WeakHoughLinesExtractionParams& extractionParams)
 {
     const auto initializer = makeTogether<CustomHoughLines2dOutputInitializer>();
     initializer->init(input, params, extractionParams);

@@ -167,8 +167,7 @@ boost::shared_ptr<HoughLines2dImgImageSizeY> houghLines2dCheckOutImgSzYEquals(co
 }
 
 boost::shared_ptr<HoughLines2dImageSizeY> houghLines2dCheckOutImgSzYEquals(
-    const WeakImage& input, const WeakHoughLinesImgParams& params,
-    const WeakHoughLinesExtractionParams& extractionParams)
+    const WeakImage& input, const WeakHoughLinesImgParams& params, const WeakHoughLinesExtractionParams& extractionParams)
 {
     const auto property = makeTogether<HoughLines2dImageSizeY>();
     property->init(input, params, extractionParams);

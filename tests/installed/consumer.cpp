@@ -35,7 +35,9 @@ int main()
 
     std::cout << "corners " << fd::harrisCorner2d(picture, 4, 5)->size() << " of "
               << fd::extractLocalExtrema2d(fd::harrisCorner2dImg(picture), 5, 5,
-                                           attr::createLocalExtremaConfig(attr::eLET_Maxima, 1.0))->size() << "\n";
+                                           attr::createLocalExtremaConfig(attr::eLET_Maxima, 1.0))
+                     ->size()
+              << "\n";
     const auto lines = fd::houghLines2d(edges);
     std::cout << "votes " << (lines.second->getSizeX() == fd::houghLines2dImg(edges)->getSizeX()) << ", lines "
               << (lines.first->size() > 0) << "\n";

@@ -52,7 +52,9 @@ template<class D, class Family, class... A>
 processor::RulePtr CannyChainLvl1<D, Family, A...>::createRule() const
 {
     typedef typename Family::Gradients Gradients;
-    const auto attributeOf = [this](auto gradient) { return this->template attribute<typename decltype(gradient)::Whole>(); };
+    const auto attributeOf = [this](auto gradient) {
+        return this->template attribute<typename decltype(gradient)::Whole>();
+    };
     const auto& gx = this->template attribute<typename Gradients::Gx>();
     const auto& out = this->template attribute<attr::OutBinImg>();
     const auto sizeWhenSet = [&](const auto& working) {
@@ -97,9 +99,8 @@ BoolResult CannyChainLvl1<D, Family, A...>::makeWorkingImage(unsigned int buffer
 }
 
 template<class D, class Family, class... A>
-processor::RetrievalResult CannyChainLvl1<D, Family, A...>::retrieveProvider(const core::BasePriority& priority,
-                                                                             unsigned int iterationNumber,
-                                                                             processor::ProviderPtr& provider)
+processor::RetrievalResult CannyChainLvl1<D, Family, A...>::retrieveProvider(
+    const core::BasePriority& priority, unsigned int iterationNumber, processor::ProviderPtr& provider)
 {
     switch (iterationNumber) {
     case 0: return retrieveFirstProvider(priority, provider);
@@ -126,9 +127,10 @@ processor::RetrievalResult CannyChainLvl1<D, Family, A...>::retrieveFirstProvide
     }
     return Family::Gradients::withParts(
         [&](const auto&... gradients) {
-            return dispatch<typename Family::Classes>(
-                priority, provider, Family::template each<attr::OutBinImg>(workingImage()),
-                same(this->template attribute<attr::InCannyThresholds>()), gradients...);
+            return dispatch<typename Family::Classes>(priority, provider,
+                                                      Family::template each<attr::OutBinImg>(workingImage()),
+                                                      same(this->template attribute<attr::InCannyThresholds>()),
+                                                      gradients...);
         },
         [this](auto gradient) {
             typedef decltype(gradient) G;
@@ -143,7 +145,8 @@ processor::RetrievalResult CannyChainLvl1<D, Family, A...>::retrieveSecondProvid
     if (!usesLabels())
         return dispatch<typename Family::IterativePropagation>(
             priority, provider, Family::template each<attr::OutImg>(workingImage()),
-            same<typename Family::InNeighborhood>(Family::s_neighborhood), same<attr::InLocalExtremumType>(attr::eLET_Maxima),
+            same<typename Family::InNeighborhood>(Family::s_neighborhood),
+            same<attr::InLocalExtremumType>(attr::eLET_Maxima),
             Family::template each<typename Family::InSubImg>(workingImage()));
     if (const BoolResult made = makeWorkingImage<attr::OutOptWk2BinImg>(image::eIBT_Binary); !made)
         return made;

@@ -30,8 +30,7 @@ private:
 
 /// For customOutput. @throws ORVIKIPLFeatureDetectionException for an attribute that is null.
 ORVIK_API boost::shared_ptr<CustomHoughLines2dOutputInitializer> outputHoughLines2d(
-    const WeakImage& input, const WeakHoughLinesImgParams& params,
-    const WeakHoughLinesExtractionParams& extractionParams);
+    const WeakImage& input, const WeakHoughLinesImgParams& params, const WeakHoughLinesExtractionParams& extractionParams);
 
 }  // namespace fd
 }}  // namespace orvik::imaproc

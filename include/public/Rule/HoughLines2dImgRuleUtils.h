@@ -87,12 +87,11 @@ ORVIK_API boost::shared_ptr<HoughLines2dImgImageSizeX> houghLines2dCheckOutImgSz
 ORVIK_API boost::shared_ptr<HoughLines2dImgImageSizeY> houghLines2dCheckOutImgSzYEquals(
     const WeakImage& input, const WeakHoughLinesImgParams& params);
 ORVIK_API boost::shared_ptr<HoughLines2dImageSizeY> houghLines2dCheckOutImgSzYEquals(
-    const WeakImage& input, const WeakHoughLinesImgParams& params,
-    const WeakHoughLinesExtractionParams& extractionParams);
+    const WeakImage& input, const WeakHoughLinesImgParams& params, const WeakHoughLinesExtractionParams& extractionParams);
 ORVIK_API processor::RulePtr houghLines2dCheckOutImgSzYGreaterOrEqual(const boost::weak_ptr<const attr::OutImg>& out,
                                                                       const WeakHoughLinesImgParams& params);
-ORVIK_API boost::shared_ptr<HoughLines2dImgOutputBufferType> houghLines2dCheckOutImgBufferType(
-    const WeakImage& input, bool unsignedAsWell = false);
+ORVIK_API boost::shared_ptr<HoughLines2dImgOutputBufferType> houghLines2dCheckOutImgBufferType(const WeakImage& input,
+                                                                                               bool unsignedAsWell = false);
 
 }  // namespace fd
 }}  // namespace orvik::imaproc

@@ -35,8 +35,7 @@ unsigned long greatestLabel(eDataType type)
 
 }  // namespace
 
-BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, image::BaseImage& labels,
-                       unsigned int& maxLabel)
+BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, image::BaseImage& labels, unsigned int& maxLabel)
 {
     const eDataType type = image::toDataType(labels.getBufferType());
     unsigned long nbLabels = 0;
@@ -51,8 +50,8 @@ BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, imag
     unsigned long next = 1;
     for (const auto& part : parts) {
         const unsigned long index = part.first;
-        const boost::shared_ptr<image::BaseImage> view = labels.getView(
-            PlanIndex(index % nbAlongZ * sizeZ, index / nbAlongZ % sizeC, index / (nbAlongZ * sizeC)), sizeZ);
+        const boost::shared_ptr<image::BaseImage> view =
+            labels.getView(PlanIndex(index % nbAlongZ * sizeZ, index / nbAlongZ % sizeC, index / (nbAlongZ * sizeC)), sizeZ);
         image::withSampleType(type, [&](auto zero) { writeLabels<decltype(zero)>(part.second->runs, next, *view); });
         next += part.second->runs.getNbComponents();
     }

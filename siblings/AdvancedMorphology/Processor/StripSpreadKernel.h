@@ -12,8 +12,7 @@
 
 #include "frame/simd/OpenSet.h"
 
-namespace orvik { namespace imaproc { namespace advmorpho {
-namespace {
+namespace orvik { namespace imaproc { namespace advmorpho { namespace {
 
 /// Largest value of each column over some lines, and of all of them.
 template<unsigned long N>

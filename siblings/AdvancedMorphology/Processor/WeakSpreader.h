@@ -55,4 +55,5 @@ private:
     std::vector<Seed> m_seeds;  // one per run of samples whose turn has not come
 };
 
-}}}  // namespace orvik::imaproc::advmorpho
+}}
+}  // namespace orvik::imaproc::advmorpho

@@ -8,8 +8,7 @@
 
 #include "frame/simd/OpenSet.h"
 
-namespace orvik { namespace imaproc { namespace fd {
-namespace {
+namespace orvik { namespace imaproc { namespace fd { namespace {
 
 /// A block of a line, and the lines above and below, each from the pixel left of the block.
 template<class Sample, class Magnitude>
@@ -86,9 +85,7 @@ void classify(const WholeBlock<int>& block, const SquaredThresholds<Sample>& thr
 {
     typedef Lanes<int>::type I;
     typedef Lanes<unsigned int>::type U;
-    const auto magnitudes = [&](int row, unsigned long i) {
-        return reinterpret_cast<U>(block.magnitudes(row, i));
-    };
+    const auto magnitudes = [&](int row, unsigned long i) { return reinterpret_cast<U>(block.magnitudes(row, i)); };
     const U low = U{} + thresholds.leastCandidate, high = U{} + thresholds.leastStrong;
     for (unsigned long i = 0; i < kBlock; i += Lanes<int>::count) {
         const U m = magnitudes(1, i + 1);
@@ -102,10 +99,14 @@ void classify(const WholeBlock<int>& block, const SquaredThresholds<Sample>& thr
         // d > 2p and -d > 2p, so written that 2p cannot overflow.
         const I horizontal = d - p > p, vertical = -d - p > p;
         const I opposite = std::is_signed<Sample>::value ? (x ^ y) < 0 : I{};
-        const U before = horizontal ? magnitudes(1, i) : vertical ? magnitudes(0, i + 1)
-                         : opposite ? magnitudes(0, i + 2) : magnitudes(0, i);
-        const U after = horizontal ? magnitudes(1, i + 2) : vertical ? magnitudes(2, i + 1)
-                        : opposite ? magnitudes(2, i) : magnitudes(2, i + 2);
+        const U before = horizontal ? magnitudes(1, i)
+                         : vertical ? magnitudes(0, i + 1)
+                         : opposite ? magnitudes(0, i + 2)
+                                    : magnitudes(0, i);
+        const U after = horizontal ? magnitudes(1, i + 2)
+                        : vertical ? magnitudes(2, i + 1)
+                        : opposite ? magnitudes(2, i)
+                                   : magnitudes(2, i + 2);
         const I kept = candidate & reinterpret_cast<I>(m > before)
                        & (reinterpret_cast<I>(m > after) | ((horizontal | vertical) & reinterpret_cast<I>(m == after)));
         const I strong = thresholds.hasStrong ? reinterpret_cast<I>(m >= high) : I{};
@@ -135,10 +136,14 @@ void classify(const AnyBlock& block, unsigned long begin, unsigned long n, const
         const D ay = reinterpret_cast<D>(reinterpret_cast<L>(y) & magnitudeBits);
         const L horizontal = ax * tanLow > ay, vertical = ay > ax * tanHigh;
         const L opposite = std::is_signed<Sample>::value ? (0.0 > x) ^ (0.0 > y) : L{};  // minus zero counts as positive
-        const D before = horizontal ? block.magnitudes(1, i) : vertical ? block.magnitudes(0, i + 1)
-                         : opposite ? block.magnitudes(0, i + 2) : block.magnitudes(0, i);
-        const D after = horizontal ? block.magnitudes(1, i + 2) : vertical ? block.magnitudes(2, i + 1)
-                        : opposite ? block.magnitudes(2, i) : block.magnitudes(2, i + 2);
+        const D before = horizontal ? block.magnitudes(1, i)
+                         : vertical ? block.magnitudes(0, i + 1)
+                         : opposite ? block.magnitudes(0, i + 2)
+                                    : block.magnitudes(0, i);
+        const D after = horizontal ? block.magnitudes(1, i + 2)
+                        : vertical ? block.magnitudes(2, i + 1)
+                        : opposite ? block.magnitudes(2, i)
+                                   : block.magnitudes(2, i + 2);
         const L kept = (m > before) & ((m > after) | ((horizontal | vertical) & (m == after)));
         const L strong = m > thresholds.high;
         store(classes, kept & candidate & (1 - strong));
@@ -168,8 +173,10 @@ inline void classify(const Neighbourhood<float, float>& at, const SquaredThresho
             const F a = load(at.rows[row] + before), b = load(at.rows[2 - row] + after);
             return a > b ? a : b;
         };
-        const F neighbour = horizontal ? larger(1, i, i + 2) : vertical ? larger(0, i + 1, i + 1)
-                            : (x < 0) ^ (y < 0) ? larger(0, i + 2, i) : larger(0, i, i + 2);
+        const F neighbour = horizontal          ? larger(1, i, i + 2)
+                            : vertical          ? larger(0, i + 1, i + 1)
+                            : (x < 0) ^ (y < 0) ? larger(0, i + 2, i)
+                                                : larger(0, i, i + 2);
         const I kept = (m > neighbour * up) & (m > thresholds.aboveLow), strong = m > thresholds.aboveHigh;
         const I settled = (horizontal | vertical | diagonal) & (m > tiny) & (m < huge)
                           & ((neighbour > m * up) | (kept & (strong | (m < thresholds.belowHigh))));

@@ -24,7 +24,7 @@ struct CannyEdges2dFamily
     typedef advmorpho::ConnectedComponent2dImgLvl1 ConnectedComponents;
     typedef advmorpho::LabelExtremumPropagation2dImgLutBuildPassLvl2 LabelLutPass;
     typedef util::BasicThresholdImgLvl2 Threshold;
-    typedef GradientList<Gradient<InGxGreyImg2d, InSubGxImg2d>, Gradient<InGyGreyImg2d, InSubGyImg2d> > Gradients;
+    typedef GradientList<Gradient<InGxGreyImg2d, InSubGxImg2d>, Gradient<InGyGreyImg2d, InSubGyImg2d>> Gradients;
     typedef InSubImg2d InSubImg;
     typedef InSubLabelImg2d InSubLabelImg;
     typedef InSubImg2d InThresholdImg;
@@ -51,17 +51,17 @@ ORVIK_DEFINE_PROCESSOR(CannyEdges2dImgLvl1)
 
 typedef FunctionForms<CannyEdges2dImgLvl1, OutBinImg> Forms;
 
-ORVIK_FUNCTION(cannyEdges2dImg, (const ConstImagePtr&, inGxImg2d)(const ConstImagePtr&, inGyImg2d)
-                                (const ConstPtr<CannyThresholds>&, inCannyThresholds))
+ORVIK_FUNCTION(cannyEdges2dImg, (const ConstImagePtr&, inGxImg2d)(const ConstImagePtr&, inGyImg2d)(
+                                    const ConstPtr<CannyThresholds>&, inCannyThresholds))
 {
     processor.set<InGxGreyImg2d>(inGxImg2d);
     processor.set<InGyGreyImg2d>(inGyImg2d);
     processor.set<InCannyThresholds>(inCannyThresholds);
 }
 
-ORVIK_PROCEDURE(cannyEdges2dImg, (const ConstImagePtr&, inGxImg2d)(const ConstImagePtr&, inGyImg2d)
-                                 (const ConstPtr<CannyThresholds>&, inCannyThresholds)
-                                 (const eProcessingOptimizationPolicy&, inOptimizationPolicy)(const ImagePtr&, outImg))
+ORVIK_PROCEDURE(cannyEdges2dImg, (const ConstImagePtr&, inGxImg2d)(const ConstImagePtr&, inGyImg2d)(
+                                     const ConstPtr<CannyThresholds>&, inCannyThresholds)(
+                                     const eProcessingOptimizationPolicy&, inOptimizationPolicy)(const ImagePtr&, outImg))
 {
     prepare(processor, inGxImg2d, inGyImg2d, inCannyThresholds);
     processor.set<InOptOptimizationPolicy>(inOptimizationPolicy);

@@ -10,8 +10,7 @@
 
 #include "frame/simd/OpenSet.h"
 
-namespace orvik { namespace imaproc { namespace fd {
-namespace {
+namespace orvik { namespace imaproc { namespace fd { namespace {
 
 /// What squared magnitudes are kept in: the narrowest type that the sum of squares may wrap in.
 template<class Sample>

@@ -39,17 +39,17 @@ processor::RetrievalResult ExtractLocalExtrema2dLvl1::retrieveProvider(const cor
 
 typedef FunctionForms<ExtractLocalExtrema2dLvl1, OutPIPixels2d> Forms;
 
-ORVIK_PLANE_FUNCTIONS(extractLocalExtrema2d, (const ConstImagePtr&, inImg)(unsigned int, inFeaturesDistX)
-                                             (unsigned int, inFeaturesDistY))
+ORVIK_PLANE_FUNCTIONS(extractLocalExtrema2d,
+                      (const ConstImagePtr&, inImg)(unsigned int, inFeaturesDistX)(unsigned int, inFeaturesDistY))
 {
     processor.set<InImg>(inImg);
     processor.set<InFeaturesDistX>(inFeaturesDistX);
     processor.set<InFeaturesDistY>(inFeaturesDistY);
 }
 
-ORVIK_PLANE_FUNCTIONS(extractLocalExtrema2d, (const ConstImagePtr&, inImg)(unsigned int, inFeaturesDistX)
-                                             (unsigned int, inFeaturesDistY)
-                                             (const ConstPtr<LocalExtremaConfig>&, inOptLocalExtremaConfig))
+ORVIK_PLANE_FUNCTIONS(extractLocalExtrema2d,
+                      (const ConstImagePtr&, inImg)(unsigned int, inFeaturesDistX)(unsigned int, inFeaturesDistY)(
+                          const ConstPtr<LocalExtremaConfig>&, inOptLocalExtremaConfig))
 {
     prepare(processor, inImg, inFeaturesDistX, inFeaturesDistY);
     processor.set<InOptLocalExtremaConfig>(inOptLocalExtremaConfig);

@@ -16,9 +16,8 @@ processor::StageResult ExtractLocalExtrema2dLvl3::preProcess()
     const image::InputImageYStrip2dWithKernel& strip = *value<InKnlYStrip2d>();
     const image::StripMargins& margins = strip.getMargins();
     if (margins.startX != margins.endX || margins.startY != margins.endY)
-        return failure(getObjectName() + ": the margins of the strip differ, along x "
-                       + std::to_string(margins.startX) + " and " + std::to_string(margins.endX)
-                       + ", along y " + std::to_string(margins.startY) + " and "
+        return failure(getObjectName() + ": the margins of the strip differ, along x " + std::to_string(margins.startX)
+                       + " and " + std::to_string(margins.endX) + ", along y " + std::to_string(margins.startY) + " and "
                        + std::to_string(margins.endY));
     const bool lowest = isMinima(value<InLocalExtremaConfig>()->get<LocalExtremaConfig::LocalExtremumType>());
     setBorder<InKnlYStrip2d>(lowest ? image::valuedMaxBorder2d() : image::valuedMinBorder2d());

@@ -47,8 +47,8 @@ processor::RetrievalResult HarrisCorner2dLvl1::retrieveProvider(const core::Base
         eachPlane<OutWk1Img>(value<OutWk1Img>()), same<InFeaturesDistY>(value<InFeaturesDistY>()),
         same<InFeaturesDistX>(value<InFeaturesDistX>()), same<InLocalExtremaConfig>(value<InLocalExtremaConfig>()),
         same<InCornerDetectionParams>(value<InOptCornerDetectionParams2d>()),
-        same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
-        same<InGradStdDev>(value<InOptGradStdDev>()), eachPlane<InSubImg2d>(value<InImg>()));
+        same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()), same<InGradStdDev>(value<InOptGradStdDev>()),
+        eachPlane<InSubImg2d>(value<InImg>()));
 }
 
 typedef FunctionForms<HarrisCorner2dLvl1, OutPIPixels2d> Forms;
@@ -67,18 +67,18 @@ ORVIK_PLANE_FUNCTIONS(harrisCorner2d, (const ConstImagePtr&, inImg)(unsigned lon
     prepare(processor, inImg, createLocalExtremaConfig(maxNbCorners), featuresDist, featuresDist);
 }
 
-ORVIK_PLANE_FUNCTIONS(harrisCorner2d, (const ConstImagePtr&, inImg)(float, inOptGradStdDev)(unsigned long, maxNbCorners)
-                                      (unsigned int, featuresDist))
+ORVIK_PLANE_FUNCTIONS(harrisCorner2d, (const ConstImagePtr&, inImg)(float, inOptGradStdDev)(unsigned long, maxNbCorners)(
+                                          unsigned int, featuresDist))
 {
     prepare(processor, inImg, maxNbCorners, featuresDist);
     processor.set<InOptGradStdDev>(inOptGradStdDev);
 }
 
-ORVIK_PLANE_FUNCTIONS(harrisCorner2d, (const ConstImagePtr&, inImg)(float, inOptGradStdDev)
-                                      (const ConstPtr<GaussianCoverage>&, inOptGradientGaussianCoverage)
-                                      (const ConstPtr<CornerDetectionParams>&, inOptCornerDetectionParams)
-                                      (unsigned long, maxNbCorners)(double, threshold)(unsigned int, featuresDistX)
-                                      (unsigned int, featuresDistY))
+ORVIK_PLANE_FUNCTIONS(harrisCorner2d,
+                      (const ConstImagePtr&, inImg)(float, inOptGradStdDev)(const ConstPtr<GaussianCoverage>&,
+                                                                            inOptGradientGaussianCoverage)(
+                          const ConstPtr<CornerDetectionParams>&, inOptCornerDetectionParams)(unsigned long, maxNbCorners)(
+                          double, threshold)(unsigned int, featuresDistX)(unsigned int, featuresDistY))
 {
     prepare(processor, inImg, createLocalExtremaConfig(threshold, maxNbCorners), featuresDistX, featuresDistY);
     processor.set<InOptGradStdDev>(inOptGradStdDev);

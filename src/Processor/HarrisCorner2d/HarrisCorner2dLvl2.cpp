@@ -24,18 +24,19 @@ processor::RulePtr HarrisCorner2dLvl2::createRule() const
 processor::RetrievalResult HarrisCorner2dLvl2::retrieveFirstProvider(const core::BasePriority& priority,
                                                                      processor::ProviderPtr& provider)
 {
-    return delegate<HarrisCorner2dImgLvl2>(
-        priority, provider, same(attribute<InSubImg2d>()), same(attribute<InGradStdDev>()),
-        same(attribute<InGaussianCoverage>()), same(attribute<InCornerDetectionParams>()), same(attribute<OutWk1Img>()),
-        same(attribute<OutWk2Img>()), same(attribute<OutWk3Img>()), same<OutImg>(value<OutWk1Img>()));
+    return delegate<HarrisCorner2dImgLvl2>(priority, provider, same(attribute<InSubImg2d>()),
+                                           same(attribute<InGradStdDev>()), same(attribute<InGaussianCoverage>()),
+                                           same(attribute<InCornerDetectionParams>()), same(attribute<OutWk1Img>()),
+                                           same(attribute<OutWk2Img>()), same(attribute<OutWk3Img>()),
+                                           same<OutImg>(value<OutWk1Img>()));
 }
 
 processor::RetrievalResult HarrisCorner2dLvl2::retrieveSecondProvider(const core::BasePriority& priority,
                                                                       processor::ProviderPtr& provider)
 {
-    return delegate<ExtractLocalExtrema2dLvl2>(
-        priority, provider, same<InSubImg2d>(value<OutWk1Img>()), same(attribute<InFeaturesDistX>()),
-        same(attribute<InFeaturesDistY>()), same(attribute<InLocalExtremaConfig>()), same(attribute<OutPixels2d>()));
+    return delegate<ExtractLocalExtrema2dLvl2>(priority, provider, same<InSubImg2d>(value<OutWk1Img>()),
+                                               same(attribute<InFeaturesDistX>()), same(attribute<InFeaturesDistY>()),
+                                               same(attribute<InLocalExtremaConfig>()), same(attribute<OutPixels2d>()));
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -104,8 +104,10 @@ BoolResult HarrisCorner2dImgLvl3::genericProcessFunction(const processor::Proces
     typedef attr::CornerDetectionParams Params;
     const auto* const strip = onceAStrip(info, [&] {
         const Params& params = *value<attr::InCornerDetectionParams>();
-        return Strip{parser<attr::InXXYStrip2d, Sample>(), parser<attr::InYYYStrip2d, Sample>(),
-                     parser<attr::InXYYStrip2d, Sample>(), parser<attr::OutYStrip2d, Sample>(),
+        return Strip{parser<attr::InXXYStrip2d, Sample>(),
+                     parser<attr::InYYYStrip2d, Sample>(),
+                     parser<attr::InXYYStrip2d, Sample>(),
+                     parser<attr::OutYStrip2d, Sample>(),
                      params.get<Params::CornerResponseType>() == attr::eCRT_Harris,
                      HarrisMeasure{params.get<Params::HarrisK>()}};
     });

@@ -25,7 +25,8 @@ processor::RulePtr HarrisCorner2dImgLvl1::createRule() const
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
            // Known here, though the stages would refuse them, too: later the working images would have been written.
            && noInSitu(in, wk1) && noInSitu(in, wk2) && noInSitu(wk1, wk2) && noInSitu(wk1, wk3) && noInSitu(wk2, wk3)
-           && inSituOrApart(wk1, out) && inSituOrApart(wk2, out) && inSituOrApart(wk3, out)
+           && inSituOrApart(wk1, out) && inSituOrApart(wk2, out)
+           && inSituOrApart(wk3, out)
            // A plane may be written over itself, not over one that is still to be read.
            && inSituOrApart(in, wk3) && inSituOrApart(in, out);
 }
@@ -45,8 +46,8 @@ processor::RetrievalResult HarrisCorner2dImgLvl1::retrieveProvider(const core::B
         priority, provider, eachPlane<OutImg>(value<OutImg>()), eachPlane<OutWk3Img>(value<OutWk3Img>()),
         eachPlane<OutWk2Img>(value<OutWk2Img>()), eachPlane<OutWk1Img>(value<OutWk1Img>()),
         same<InCornerDetectionParams>(value<InOptCornerDetectionParams2d>()),
-        same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
-        same<InGradStdDev>(value<InOptGradStdDev>()), eachPlane<InSubImg2d>(value<InImg>()));
+        same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()), same<InGradStdDev>(value<InOptGradStdDev>()),
+        eachPlane<InSubImg2d>(value<InImg>()));
 }
 
 typedef FunctionForms<HarrisCorner2dImgLvl1, OutImg> Forms;
@@ -62,10 +63,10 @@ ORVIK_FUNCTION(harrisCorner2dImg, (const ConstImagePtr&, inImg)(float, inOptGrad
     processor.set<InOptGradStdDev>(inOptGradStdDev);
 }
 
-ORVIK_PROCEDURE(harrisCorner2dImg, (const ConstImagePtr&, inImg)(float, inOptGradStdDev)
-                                   (const ConstPtr<GaussianCoverage>&, inOptGradientGaussianCoverage)
-                                   (const ConstPtr<CornerDetectionParams>&, inOptCornerDetectionParams)
-                                   (const ImagePtr&, outImg))
+ORVIK_PROCEDURE(harrisCorner2dImg,
+                (const ConstImagePtr&, inImg)(float, inOptGradStdDev)(const ConstPtr<GaussianCoverage>&,
+                                                                      inOptGradientGaussianCoverage)(
+                    const ConstPtr<CornerDetectionParams>&, inOptCornerDetectionParams)(const ImagePtr&, outImg))
 {
     prepare(processor, inImg, inOptGradStdDev);
     processor.set<InOptGradientGaussianCoverage>(inOptGradientGaussianCoverage);

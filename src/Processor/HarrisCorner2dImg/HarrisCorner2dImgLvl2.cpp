@@ -46,10 +46,11 @@ processor::RetrievalResult HarrisCorner2dImgLvl2::retrieveSecondProvider(const c
 processor::RetrievalResult HarrisCorner2dImgLvl2::retrieveThirdProvider(const core::BasePriority& priority,
                                                                         processor::ProviderPtr& provider)
 {
-    return dispatch<HarrisCorner2dImgLvl3>(
-        priority, provider, strips<OutYStrip2d>(value<OutImg>()),
-        same<InCornerDetectionParams>(value<InCornerDetectionParams>()), strips<InXYYStrip2d>(value<OutWk3Img>()),
-        strips<InYYYStrip2d>(value<OutWk2Img>()), strips<InXXYStrip2d>(value<OutWk1Img>()));
+    return dispatch<HarrisCorner2dImgLvl3>(priority, provider, strips<OutYStrip2d>(value<OutImg>()),
+                                           same<InCornerDetectionParams>(value<InCornerDetectionParams>()),
+                                           strips<InXYYStrip2d>(value<OutWk3Img>()),
+                                           strips<InYYYStrip2d>(value<OutWk2Img>()),
+                                           strips<InXXYStrip2d>(value<OutWk1Img>()));
 }
 
 }}}  // namespace orvik::imaproc::fd

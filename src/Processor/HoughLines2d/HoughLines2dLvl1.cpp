@@ -34,8 +34,8 @@ processor::RulePtr HoughLines2dLvl1::createRule() const
 
 void HoughLines2dLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutPIHoughLines2dPpties>(
-        initializers, fromImage(attribute<OutPIHoughLines2dPpties>(), attribute<InGreyImg2d>()));
+    addInitializer<OutPIHoughLines2dPpties>(initializers,
+                                            fromImage(attribute<OutPIHoughLines2dPpties>(), attribute<InGreyImg2d>()));
 }
 
 processor::RetrievalResult HoughLines2dLvl1::retrieveProvider(const core::BasePriority& priority,
@@ -46,11 +46,10 @@ processor::RetrievalResult HoughLines2dLvl1::retrieveProvider(const core::BasePr
         matchImagePlans(attribute<OutPIHoughLines2dPpties>(), attribute<InGreyImg2d>(), eIPMP_Planes);
     if (!plans->testRule())
         return failure(plans->createRuleEvaluatedString(0));
-    const BoolResult made =
-        customOutput(attribute<OutOptImg>(),
-                     outputHoughLines2d(attribute<InGreyImg2d>(), attribute<InOptHoughLinesImgParams>(),
-                                        attribute<InOptHoughLinesExtractionParams>()))
-            ->initOutputAttribute();
+    const BoolResult made = customOutput(attribute<OutOptImg>(),
+                                         outputHoughLines2d(attribute<InGreyImg2d>(), attribute<InOptHoughLinesImgParams>(),
+                                                            attribute<InOptHoughLinesExtractionParams>()))
+                                ->initOutputAttribute();
     if (!made)
         return made;
     return dispatch<HoughLines2dLvl2>(
@@ -66,9 +65,9 @@ ORVIK_PLANE_FUNCTIONS(houghLines2d, (const ConstImagePtr&, inGreyImg))
     processor.set<InGreyImg2d>(inGreyImg);
 }
 
-ORVIK_PLANE_FUNCTIONS(houghLines2d, (const ConstImagePtr&, inGreyImg)
-                                    (const ConstPtr<HoughLinesImgParams>&, inOptHoughLinesImgParams)
-                                    (const ConstPtr<HoughLinesExtractionParams>&, inOptHoughLinesExtractionParams))
+ORVIK_PLANE_FUNCTIONS(houghLines2d,
+                      (const ConstImagePtr&, inGreyImg)(const ConstPtr<HoughLinesImgParams>&, inOptHoughLinesImgParams)(
+                          const ConstPtr<HoughLinesExtractionParams>&, inOptHoughLinesExtractionParams))
 {
     prepare(processor, inGreyImg);
     processor.set<InOptHoughLinesImgParams>(inOptHoughLinesImgParams);

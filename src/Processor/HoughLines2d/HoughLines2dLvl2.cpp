@@ -28,8 +28,7 @@ bool HoughLines2dLvl2::isMeasured() const
 }
 
 processor::RetrievalResult HoughLines2dLvl2::retrieveProvider(const core::BasePriority& priority,
-                                                              unsigned int iterationNumber,
-                                                              processor::ProviderPtr& provider)
+                                                              unsigned int iterationNumber, processor::ProviderPtr& provider)
 {
     const unsigned int last = isMeasured() ? 3 : 2;
     if (iterationNumber > last)
@@ -47,8 +46,7 @@ processor::RetrievalResult HoughLines2dLvl2::retrieveProvider(const core::BasePr
     return processor::eRRT_NoMoreProvider;
 }
 
-processor::RetrievalResult HoughLines2dLvl2::houghLines(const core::BasePriority& priority,
-                                                        processor::ProviderPtr& provider)
+processor::RetrievalResult HoughLines2dLvl2::houghLines(const core::BasePriority& priority, processor::ProviderPtr& provider)
 {
     return delegate<HoughLines2dImgLvl2>(priority, provider, same(attribute<InSubImg2d>()),
                                          sameIfSet(attribute<InOptHoughLinesImgParams>()), same(attribute<OutImg>()));

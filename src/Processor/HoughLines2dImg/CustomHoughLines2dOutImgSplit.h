@@ -10,7 +10,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 /// The whole accumulator for each strip of the image, with one collection of row locks for all.
 class CustomHoughLines2dOutImgSplit
-    : public processor::TypedSplit<HoughLines2dImgLvl3, attr::OutImg, BaseImageStripSplit<image::BaseImage> >
+    : public processor::TypedSplit<HoughLines2dImgLvl3, attr::OutImg, BaseImageStripSplit<image::BaseImage>>
 {
 public:
     /// @throws processor::ORVIKBaseProcessingException for a null image.
@@ -39,7 +39,7 @@ struct SharedAccumulator
     boost::shared_ptr<image::BaseImage> image;
 
     template<class P>
-    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit> >& splits) const
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const
     {
         const auto split = boost::make_shared<CustomHoughLines2dOutImgSplit>();
         split->init(image);

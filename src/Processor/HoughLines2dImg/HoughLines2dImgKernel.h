@@ -105,9 +105,12 @@ BoolResult HoughLines2dImgLvl3::processFunction(const processor::ProcessingInfo&
         const image::InputImageYStrip2d& lines = *value<attr::InYStrip2d>();
         Sample lowest;
         const bool hasVoters = lowestVoter(m_threshold, lowest);
-        return Strip{parser<attr::InYStrip2d, Sample>(), -static_cast<long>(lines.getSizeX() / 2),
+        return Strip{parser<attr::InYStrip2d, Sample>(),
+                     -static_cast<long>(lines.getSizeX() / 2),
                      static_cast<long>(lines.getStripStartOffsetY()) - static_cast<long>(lines.getImageSizeY() / 2),
-                     lines.getNbLines(), hasVoters, lowest};
+                     lines.getNbLines(),
+                     hasVoters,
+                     lowest};
     });
     if (!strip)
         return wrongSampleType();

@@ -50,8 +50,8 @@ ORVIK_FUNCTION(houghLines2dImg, (const ConstImagePtr&, inGreyImg))
     processor.set<InGreyImg2d>(inGreyImg);
 }
 
-ORVIK_FUNCTION(houghLines2dImg, (const ConstImagePtr&, inGreyImg)
-                                (const ConstPtr<HoughLinesImgParams>&, inOptHoughLinesImgParams))
+ORVIK_FUNCTION(houghLines2dImg,
+               (const ConstImagePtr&, inGreyImg)(const ConstPtr<HoughLinesImgParams>&, inOptHoughLinesImgParams))
 {
     prepare(processor, inGreyImg);
     processor.set<InOptHoughLinesImgParams>(inOptHoughLinesImgParams);

@@ -28,8 +28,7 @@ processor::StageResult HoughLines2dImgLvl3::preProcess()
     m_nbRows = params.get<HoughLinesImgParams::NbThetaBins>();
     if (!m_rowsMutexColl || out.getSizeY() < m_nbRows)
         return failure(getObjectName() + ": the accumulator has no lock for each of its rows, or "
-                       + std::to_string(out.getSizeY()) + " rows for " + std::to_string(m_nbRows)
-                       + " angles");
+                       + std::to_string(out.getSizeY()) + " rows for " + std::to_string(m_nbRows) + " angles");
 
     const double rhoStep = params.get<HoughLinesImgParams::RhoStep>();
     const double thetaMin = params.get<HoughLinesImgParams::ThetaMin>(), thetaStep = thetaStepOf(params);

@@ -13,8 +13,7 @@
 
 #include "frame/simd/OpenSet.h"
 
-namespace orvik { namespace imaproc { namespace fd {
-namespace {
+namespace orvik { namespace imaproc { namespace fd { namespace {
 
 typedef Lanes<float>::type Floats;
 typedef Lanes<int>::type Ints;
@@ -73,7 +72,7 @@ template<WeightKind Kind, class Accum>
 void computeVotes(const float* x, const float* weight, unsigned long n, float cosine, float offset, int centre,
                   Votes<Accum>& votes)
 {
-    typedef typename Lanes<Share<Accum> >::type ShareLanes;
+    typedef typename Lanes<Share<Accum>>::type ShareLanes;
     const ShareLanes one = ShareLanes{} + 1;
     for (unsigned long i = 0; i < n; i += Lanes<float>::count) {
         const Floats p = load(x + i) * cosine + offset;

@@ -81,7 +81,8 @@ template<class Sample, core::eInstructionSet Set>
 BoolResult MaxL2Norm2MsrLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
 {
     auto* const strip = onceAStrip(info, [&] {
-        return Strip{parser<attr::InYStrip2d1, Sample>(), parser<attr::InYStrip2d2, Sample>(), *value<attr::OutStatsResult>()};
+        return Strip{parser<attr::InYStrip2d1, Sample>(), parser<attr::InYStrip2d2, Sample>(),
+                     *value<attr::OutStatsResult>()};
     });
     if (!strip)
         return wrongSampleType();

@@ -27,8 +27,7 @@ processor::RetrievalResult MaxL2Norm2MsrLvl2::retrieveProvider(const core::BaseP
                                                                processor::ProviderPtr& provider)
 {
     return dispatch<MaxL2Norm2MsrLvl3>(priority, provider, strips<InYStrip2d1>(value<InSubImg2d1>()),
-                                       strips<InYStrip2d2>(value<InSubImg2d2>()),
-                                       resultOfEach<OutStatsResult>(m_results));
+                                       strips<InYStrip2d2>(value<InSubImg2d2>()), resultOfEach<OutStatsResult>(m_results));
 }
 
 processor::StageResult MaxL2Norm2MsrLvl2::postProcess()

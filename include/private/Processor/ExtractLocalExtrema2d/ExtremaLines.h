@@ -11,8 +11,7 @@
 
 #include "frame/simd/OpenSet.h"
 
-namespace orvik { namespace imaproc { namespace fd {
-namespace {
+namespace orvik { namespace imaproc { namespace fd { namespace {
 
 template<class V>
 inline V larger(V a, V b)

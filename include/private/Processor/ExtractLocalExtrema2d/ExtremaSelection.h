@@ -44,7 +44,8 @@ Nodes selectExtrema(Nodes& nodes, unsigned long count, bool lowest)
     std::vector<Entry> order;
     order.reserve(nodes.size());
     for (const boost::shared_ptr<Record>& node : nodes)
-        order.push_back({static_cast<Number>(node->template get<typename Record::Value>()), static_cast<Place>(order.size())});
+        order.push_back({static_cast<Number>(node->template get<typename Record::Value>()),
+                         static_cast<Place>(order.size())});
     const auto end = order.begin() + static_cast<long>(count);
     if (lowest)
         std::partial_sort(order.begin(), end, order.end(), [](const Entry& a, const Entry& b) { return isLower2d(a, b); });

@@ -14,8 +14,7 @@
 
 #include "frame/simd/OpenSet.h"
 
-namespace orvik { namespace imaproc { namespace fd {
-namespace {
+namespace orvik { namespace imaproc { namespace fd { namespace {
 
 template<unsigned long N>
 using Count = std::integral_constant<unsigned long, N>;
@@ -188,8 +187,11 @@ private:
     template<class F>
     void withDirectLines(const F& f) const
     {
-        !m_isDirect ? f(Count<0>()) : m_height < 2 ? f(Count<1>()) : m_height == 2 ? f(Count<2>())
-        : m_height == 3 ? f(Count<3>()) : f(Count<4>());
+        !m_isDirect     ? f(Count<0>())
+        : m_height < 2  ? f(Count<1>())
+        : m_height == 2 ? f(Count<2>())
+        : m_height == 3 ? f(Count<3>())
+                        : f(Count<4>());
     }
 
     const T* orient(const T* raw, unsigned long size) const

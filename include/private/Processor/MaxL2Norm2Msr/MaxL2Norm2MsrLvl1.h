@@ -23,11 +23,9 @@ class MaxL2Norm2MsrLvl1;
 /// attributes and both values.
 /// Cost: one pass over both images. Every instruction set gives the same result, but AVX-512, which rounds
 /// a^2 + b^2 once instead of twice.
-ORVIK_API double maxL2Norm2Msr(const ConstImagePtr& in1,
-                               const ConstImagePtr& in2);
+ORVIK_API double maxL2Norm2Msr(const ConstImagePtr& in1, const ConstImagePtr& in2);
 /// The same in the background; the result is had by getAsyncProcessorOutput.
-ORVIK_API Ptr<MaxL2Norm2MsrLvl1> maxL2Norm2Msr_async(
-    const ConstImagePtr& in1, const ConstImagePtr& in2);
+ORVIK_API Ptr<MaxL2Norm2MsrLvl1> maxL2Norm2Msr_async(const ConstImagePtr& in1, const ConstImagePtr& in2);
 /// Waits for the end. @throws what ended the run, when it failed.
 ORVIK_API double getAsyncProcessorOutput(Ptr<MaxL2Norm2MsrLvl1> processor);
 

@@ -9,9 +9,8 @@
 namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 2: one plane of each image; keeps the largest of its strips.
-class ORVIK_API MaxL2Norm2MsrLvl2
-    : public processor::Processor<MaxL2Norm2MsrLvl2, processor::BaseAsync1Processor, attr::InSubImg2d1,
-                                  attr::InSubImg2d2, attr::OutStatsResult>
+class ORVIK_API MaxL2Norm2MsrLvl2 : public processor::Processor<MaxL2Norm2MsrLvl2, processor::BaseAsync1Processor,
+                                                                attr::InSubImg2d1, attr::InSubImg2d2, attr::OutStatsResult>
 {
     ORVIK_PROCESSOR(MaxL2Norm2MsrLvl2, 76)
 

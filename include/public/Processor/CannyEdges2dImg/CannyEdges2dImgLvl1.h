@@ -26,9 +26,8 @@ class CannyEdges2dImgLvl1;
 /// @throws processor::ORVIKBaseProcessingException  when an image or the thresholds are null, or sizes or types differ;
 /// the text names the attributes and both values. Nothing is written then.
 /// Cost: a few passes over the image, no further image. The same bits for any strips, threads and instruction set.
-ORVIK_API ImagePtr cannyEdges2dImg(
-    const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
-    const ConstPtr<attr::CannyThresholds>& inCannyThresholds);
+ORVIK_API ImagePtr cannyEdges2dImg(const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
+                                   const ConstPtr<attr::CannyThresholds>& inCannyThresholds);
 
 /// The same into an image of the caller's.
 ///
@@ -38,20 +37,17 @@ ORVIK_API ImagePtr cannyEdges2dImg(
 /// @param outImg  of the size of the gradients, in memory of its own. With one unsigned byte per sample (types 2, 8 and
 /// 11) it also holds the classes in between; other types get 0 and 1 too, through a working image. With attr::ePOP_Labels
 /// and such another type only the strong candidates are written: use types 2, 8 or 11 there.
-ORVIK_API void cannyEdges2dImg(const ConstImagePtr& inGxImg2d,
-                               const ConstImagePtr& inGyImg2d,
+ORVIK_API void cannyEdges2dImg(const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
                                const ConstPtr<attr::CannyThresholds>& inCannyThresholds,
-                               const attr::eProcessingOptimizationPolicy& inOptimizationPolicy,
-                               const ImagePtr& outImg);
+                               const attr::eProcessingOptimizationPolicy& inOptimizationPolicy, const ImagePtr& outImg);
 
 /// The same in the background; the result is had by getAsyncProcessorOutput.
-ORVIK_API Ptr<CannyEdges2dImgLvl1> cannyEdges2dImg_async(
-    const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
-    const ConstPtr<attr::CannyThresholds>& inCannyThresholds);
-ORVIK_API Ptr<CannyEdges2dImgLvl1> cannyEdges2dImg_async(
-    const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
-    const ConstPtr<attr::CannyThresholds>& inCannyThresholds,
-    const attr::eProcessingOptimizationPolicy& inOptimizationPolicy, const ImagePtr& outImg);
+ORVIK_API Ptr<CannyEdges2dImgLvl1> cannyEdges2dImg_async(const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
+                                                         const ConstPtr<attr::CannyThresholds>& inCannyThresholds);
+ORVIK_API Ptr<CannyEdges2dImgLvl1> cannyEdges2dImg_async(const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
+                                                         const ConstPtr<attr::CannyThresholds>& inCannyThresholds,
+                                                         const attr::eProcessingOptimizationPolicy& inOptimizationPolicy,
+                                                         const ImagePtr& outImg);
 
 /// Waits for the end. @throws what ended the run, when it failed.
 ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<CannyEdges2dImgLvl1> processor);

@@ -10,8 +10,8 @@ namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 3: the classes of one strip: magnitude, suppression of what is no maximum, both thresholds, in one sweep.
 class ORVIK_API CannyEdges2dImgLvl3
-    : public ProcessingAlgorithm<CannyEdges2dImgLvl3, attr::InGxKnlYStrip2d, attr::InGyKnlYStrip2d,
-                                            attr::InCannyThresholds, attr::OutYStrip2d>
+    : public ProcessingAlgorithm<CannyEdges2dImgLvl3, attr::InGxKnlYStrip2d, attr::InGyKnlYStrip2d, attr::InCannyThresholds,
+                                 attr::OutYStrip2d>
 {
     ORVIK_PROCESSOR(CannyEdges2dImgLvl3, 2)
 

@@ -32,12 +32,11 @@ class ExtractLocalExtrema2dLvl1;
 /// Cost: a few passes over the image, and some more with the logarithm of inFeaturesDistX; memory for
 /// 3 * inFeaturesDistY lines per thread, no more than 3 times those of the image, and for the list. The same list for any
 /// strips, threads and instruction set.
-ORVIK_API Ptr<attr::Pixels2d> extractLocalExtrema2d(
-    const ConstImagePtr& inImg, unsigned int inFeaturesDistX, unsigned int inFeaturesDistY,
-    const ConstPtr<attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
-ORVIK_API Ptr<attr::Pixels2d> extractLocalExtrema2d(const ConstImagePtr& inImg,
-                                                                  unsigned int inFeaturesDistX,
-                                                                  unsigned int inFeaturesDistY);
+ORVIK_API Ptr<attr::Pixels2d> extractLocalExtrema2d(const ConstImagePtr& inImg, unsigned int inFeaturesDistX,
+                                                    unsigned int inFeaturesDistY,
+                                                    const ConstPtr<attr::LocalExtremaConfig>& inOptLocalExtremaConfig);
+ORVIK_API Ptr<attr::Pixels2d> extractLocalExtrema2d(const ConstImagePtr& inImg, unsigned int inFeaturesDistX,
+                                                    unsigned int inFeaturesDistY);
 
 /// The same in the background; the list is had by getAsyncProcessorOutput.
 ORVIK_API Ptr<ExtractLocalExtrema2dLvl1> extractLocalExtrema2d_async(
@@ -62,8 +61,7 @@ ORVIK_API Ptr<ExtractLocalExtrema2dLvl1> multiSlice_extractLocalExtrema2d_async(
 
 /// Wait for the end. The first gives the list of plane (0, 0, 0). @throws what ended the run, when it failed.
 ORVIK_API Ptr<attr::Pixels2d> getAsyncProcessorOutput(Ptr<ExtractLocalExtrema2dLvl1> processor);
-ORVIK_API Ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(
-    Ptr<ExtractLocalExtrema2dLvl1> processor);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(Ptr<ExtractLocalExtrema2dLvl1> processor);
 
 /// Level 1: whole images, one child per plane.
 class ORVIK_API ExtractLocalExtrema2dLvl1

@@ -13,9 +13,8 @@ struct ExtremaBuffers;
 /// Level 3: one strip, line by line. A line is folded along x once, when it enters the window from below; the lines of
 /// half a window are folded by running extrema, of blocks of lines as high as half a window. Pixels that beat their line
 /// and the lines above are remembered until the lines below them are there.
-class ORVIK_API ExtractLocalExtrema2dLvl3
-    : public ProcessingAlgorithm<ExtractLocalExtrema2dLvl3, attr::InKnlYStrip2d, attr::InLocalExtremaConfig,
-                                            attr::OutPixels2d>
+class ORVIK_API ExtractLocalExtrema2dLvl3 : public ProcessingAlgorithm<ExtractLocalExtrema2dLvl3, attr::InKnlYStrip2d,
+                                                                       attr::InLocalExtremaConfig, attr::OutPixels2d>
 {
     ORVIK_PROCESSOR(ExtractLocalExtrema2dLvl3, 24)
 

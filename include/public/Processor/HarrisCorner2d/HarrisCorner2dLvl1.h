@@ -26,13 +26,12 @@ class HarrisCorner2dLvl1;
 /// the multiSlice_ form), a deviation or coverage that makes no kernel; the text names the attributes and their values.
 /// Cost: that of harrisCorner2dImg and of extractLocalExtrema2d; three float images while it runs. The same list for any
 /// strips, threads and instruction set.
-ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg,
-                                                           unsigned long maxNbCorners, unsigned int featuresDist);
+ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg, unsigned long maxNbCorners,
+                                             unsigned int featuresDist);
 
 /// The same with a standard deviation for gradient and smoothing, in pixels, finite and above 0.
-ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg,
-                                                           float inOptGradStdDev, unsigned long maxNbCorners,
-                                                           unsigned int featuresDist);
+ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
+                                             unsigned int featuresDist);
 
 /// The same with all that can be chosen.
 ///
@@ -40,59 +39,52 @@ ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg,
 /// @param threshold  least response that is listed: of the smaller eigenvalue itself, of the square root of the Harris
 /// measure, in units of the squared sample per squared pixel. Compared as a 32-bit float.
 /// @param featuresDistX, featuresDistY  half-size of the rectangle along each axis.
-ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(
-    const ConstImagePtr& inImg, float inOptGradStdDev,
-    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
-    double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
+ORVIK_API Ptr<attr::Pixels2d> harrisCorner2d(const ConstImagePtr& inImg, float inOptGradStdDev,
+                                             const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+                                             const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams,
+                                             unsigned long maxNbCorners, double threshold, unsigned int featuresDistX,
+                                             unsigned int featuresDistY);
 
 /// The same in the background; the list is had by getAsyncProcessorOutput.
+ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(const ConstImagePtr& inImg, unsigned long maxNbCorners,
+                                                       unsigned int featuresDist);
+ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(const ConstImagePtr& inImg, float inOptGradStdDev,
+                                                       unsigned long maxNbCorners, unsigned int featuresDist);
 ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
-    const ConstImagePtr& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
-ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
-    const ConstImagePtr& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
-    unsigned int featuresDist);
-ORVIK_API Ptr<HarrisCorner2dLvl1> harrisCorner2d_async(
-    const ConstImagePtr& inImg, float inOptGradStdDev,
-    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
-    double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
+    const ConstImagePtr& inImg, float inOptGradStdDev, const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners, double threshold,
+    unsigned int featuresDistX, unsigned int featuresDistY);
 
 /// The same for an image of any number of planes: a list for each (z, c, t), each with at most `maxNbCorners`.
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ConstImagePtr& inImg, unsigned long maxNbCorners,
+                                                                   unsigned int featuresDist);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(const ConstImagePtr& inImg, float inOptGradStdDev,
+                                                                   unsigned long maxNbCorners, unsigned int featuresDist);
 ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
-    const ConstImagePtr& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
-ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
-    const ConstImagePtr& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
-    unsigned int featuresDist);
-ORVIK_API Ptr<attr::PlanIndexedPixels2d> multiSlice_harrisCorner2d(
-    const ConstImagePtr& inImg, float inOptGradStdDev,
-    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
-    double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
+    const ConstImagePtr& inImg, float inOptGradStdDev, const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners, double threshold,
+    unsigned int featuresDistX, unsigned int featuresDistY);
 
 /// The same in the background; the lists are had by getAsyncProcessorMultiSliceOutput.
+ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(const ConstImagePtr& inImg, unsigned long maxNbCorners,
+                                                                  unsigned int featuresDist);
+ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(const ConstImagePtr& inImg, float inOptGradStdDev,
+                                                                  unsigned long maxNbCorners, unsigned int featuresDist);
 ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
-    const ConstImagePtr& inImg, unsigned long maxNbCorners, unsigned int featuresDist);
-ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
-    const ConstImagePtr& inImg, float inOptGradStdDev, unsigned long maxNbCorners,
-    unsigned int featuresDist);
-ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
-    const ConstImagePtr& inImg, float inOptGradStdDev,
-    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners,
-    double threshold, unsigned int featuresDistX, unsigned int featuresDistY);
+    const ConstImagePtr& inImg, float inOptGradStdDev, const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, unsigned long maxNbCorners, double threshold,
+    unsigned int featuresDistX, unsigned int featuresDistY);
 
 /// Wait for the end. The first gives the list of plane (0, 0, 0). @throws what ended the run, when it failed.
 ORVIK_API Ptr<attr::Pixels2d> getAsyncProcessorOutput(Ptr<HarrisCorner2dLvl1> processor);
-ORVIK_API Ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(
-    Ptr<HarrisCorner2dLvl1> processor);
+ORVIK_API Ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(Ptr<HarrisCorner2dLvl1> processor);
 
 /// Level 1: whole images, one child per plane. The first working image holds the response at the end.
 class ORVIK_API HarrisCorner2dLvl1
     : public processor::Processor<HarrisCorner2dLvl1, processor::BaseAsync1Processor, attr::InImg, attr::InOptGradStdDev,
                                   attr::InOptGradientGaussianCoverage, attr::InOptCornerDetectionParams2d,
-                                  attr::InLocalExtremaConfig, attr::InFeaturesDistX, attr::InFeaturesDistY,
-                                  attr::OutWk1Img, attr::OutWk2Img, attr::OutWk3Img, attr::OutPIPixels2d>
+                                  attr::InLocalExtremaConfig, attr::InFeaturesDistX, attr::InFeaturesDistY, attr::OutWk1Img,
+                                  attr::OutWk2Img, attr::OutWk3Img, attr::OutPIPixels2d>
 {
     ORVIK_PROCESSOR(HarrisCorner2dLvl1, 34)
 

@@ -30,8 +30,7 @@ class HarrisCorner2dImgLvl1;
 ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg);
 
 /// The same with a standard deviation for gradient and smoothing, in pixels, finite and above 0.
-ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg,
-                                                                float inOptGradStdDev);
+ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg, float inOptGradStdDev);
 
 /// The same into an image of the caller's.
 ///
@@ -47,15 +46,11 @@ ORVIK_API void harrisCorner2dImg(const ConstImagePtr& inImg, float inOptGradStdD
                                  const ImagePtr& outImg);
 
 /// The same in the background; the result is had by getAsyncProcessorOutput.
+ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(const ConstImagePtr& inImg);
+ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(const ConstImagePtr& inImg, float inOptGradStdDev);
 ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
-    const ConstImagePtr& inImg);
-ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
-    const ConstImagePtr& inImg, float inOptGradStdDev);
-ORVIK_API Ptr<HarrisCorner2dImgLvl1> harrisCorner2dImg_async(
-    const ConstImagePtr& inImg, float inOptGradStdDev,
-    const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
-    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams,
-    const ImagePtr& outImg);
+    const ConstImagePtr& inImg, float inOptGradStdDev, const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
+    const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams, const ImagePtr& outImg);
 
 /// Waits for the end. @throws what ended the run, when it failed.
 ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<HarrisCorner2dImgLvl1> processor);
@@ -64,10 +59,9 @@ ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<HarrisCorner2dImgLvl1> processor)
 /// gradients and tensor are then rounded to whole numbers and saturated, the response is cut to one and wraps.
 /// The result may be one of the working images.
 class ORVIK_API HarrisCorner2dImgLvl1
-    : public processor::Processor<HarrisCorner2dImgLvl1, processor::BaseAsync1Processor, attr::InImg,
-                                  attr::InOptGradStdDev, attr::InOptGradientGaussianCoverage,
-                                  attr::InOptCornerDetectionParams2d, attr::OutWk1Img, attr::OutWk2Img, attr::OutWk3Img,
-                                  attr::OutImg>
+    : public processor::Processor<HarrisCorner2dImgLvl1, processor::BaseAsync1Processor, attr::InImg, attr::InOptGradStdDev,
+                                  attr::InOptGradientGaussianCoverage, attr::InOptCornerDetectionParams2d, attr::OutWk1Img,
+                                  attr::OutWk2Img, attr::OutWk3Img, attr::OutImg>
 {
     ORVIK_PROCESSOR(HarrisCorner2dImgLvl1, 31)
 

@@ -9,8 +9,8 @@ namespace orvik { namespace imaproc { namespace fd {
 
 /// Level 3: the response of one strip, each pixel for itself.
 class ORVIK_API HarrisCorner2dImgLvl3
-    : public ProcessingAlgorithm<HarrisCorner2dImgLvl3, attr::InXXYStrip2d, attr::InXYYStrip2d,
-                                            attr::InYYYStrip2d, attr::InCornerDetectionParams, attr::OutYStrip2d>
+    : public ProcessingAlgorithm<HarrisCorner2dImgLvl3, attr::InXXYStrip2d, attr::InXYYStrip2d, attr::InYYYStrip2d,
+                                 attr::InCornerDetectionParams, attr::OutYStrip2d>
 {
     ORVIK_PROCESSOR(HarrisCorner2dImgLvl3, 33)
 

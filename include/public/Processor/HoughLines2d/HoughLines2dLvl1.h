@@ -10,10 +10,9 @@ namespace orvik { namespace imaproc { namespace fd {
 class HoughLines2dLvl1;
 
 /// The lines of a plane and the accumulator that they were found in.
-typedef std::pair<Ptr<attr::HoughLines2dPpties>, ImagePtr > HoughLines2dResult;
+typedef std::pair<Ptr<attr::HoughLines2dPpties>, ImagePtr> HoughLines2dResult;
 /// The same for each plane.
-typedef std::pair<Ptr<attr::PlanIndexedHoughLines2dPpties>, ImagePtr >
-    MultiSliceHoughLines2dResult;
+typedef std::pair<Ptr<attr::PlanIndexedHoughLines2dPpties>, ImagePtr> MultiSliceHoughLines2dResult;
 
 /// Lists the lines of an image of edges.
 ///
@@ -38,32 +37,27 @@ typedef std::pair<Ptr<attr::PlanIndexedHoughLines2dPpties>, ImagePtr >
 /// std::bad_alloc with the size that there is no memory for.
 /// Cost: that of houghLines2dImg, and some passes over the accumulator. The same lines for any strips, threads and
 /// instruction set where the image is not of floats; sums of floats depend on the order of strips with several threads.
-ORVIK_API HoughLines2dResult houghLines2d(
-    const ConstImagePtr& inGreyImg,
-    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
-    const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
+ORVIK_API HoughLines2dResult houghLines2d(const ConstImagePtr& inGreyImg,
+                                          const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+                                          const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
 ORVIK_API HoughLines2dResult houghLines2d(const ConstImagePtr& inGreyImg);
 
 /// The same in the background; lines and accumulator are had by getAsyncProcessorOutput.
 ORVIK_API Ptr<HoughLines2dLvl1> houghLines2d_async(const ConstImagePtr& inGreyImg);
 ORVIK_API Ptr<HoughLines2dLvl1> houghLines2d_async(
-    const ConstImagePtr& inGreyImg,
-    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+    const ConstImagePtr& inGreyImg, const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
     const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
 
 /// The same for an image of any number of planes: a list for each (z, c, t).
 ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLines2d(const ConstImagePtr& inGreyImg);
 ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLines2d(
-    const ConstImagePtr& inGreyImg,
-    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+    const ConstImagePtr& inGreyImg, const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
     const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
 
 /// The same in the background; lists and accumulator are had by getAsyncProcessorMultiSliceOutput.
+ORVIK_API Ptr<HoughLines2dLvl1> multiSlice_houghLines2d_async(const ConstImagePtr& inGreyImg);
 ORVIK_API Ptr<HoughLines2dLvl1> multiSlice_houghLines2d_async(
-    const ConstImagePtr& inGreyImg);
-ORVIK_API Ptr<HoughLines2dLvl1> multiSlice_houghLines2d_async(
-    const ConstImagePtr& inGreyImg,
-    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
+    const ConstImagePtr& inGreyImg, const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams,
     const ConstPtr<attr::HoughLinesExtractionParams>& inOptHoughLinesExtractionParams);
 
 /// Wait for the end. The first gives the lines of plane (0, 0, 0). @throws what ended the run, when it failed.

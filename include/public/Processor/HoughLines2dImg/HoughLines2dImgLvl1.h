@@ -34,17 +34,14 @@ class HoughLines2dImgLvl1;
 /// for.
 /// Cost: voters * NbThetaBins; memory for the accumulator, and for 4096 voters per thread. Whole numbers are the same for
 /// any strips, threads and instruction set; sums of floats are for one thread, and depend on the order of strips otherwise.
-ORVIK_API ImagePtr houghLines2dImg(
-    const ConstImagePtr& inGreyImg,
-    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
+ORVIK_API ImagePtr houghLines2dImg(const ConstImagePtr& inGreyImg,
+                                   const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
 ORVIK_API ImagePtr houghLines2dImg(const ConstImagePtr& inGreyImg);
 
 /// The same in the background; the accumulator is had by getAsyncProcessorOutput.
+ORVIK_API Ptr<HoughLines2dImgLvl1> houghLines2dImg_async(const ConstImagePtr& inGreyImg);
 ORVIK_API Ptr<HoughLines2dImgLvl1> houghLines2dImg_async(
-    const ConstImagePtr& inGreyImg);
-ORVIK_API Ptr<HoughLines2dImgLvl1> houghLines2dImg_async(
-    const ConstImagePtr& inGreyImg,
-    const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
+    const ConstImagePtr& inGreyImg, const ConstPtr<attr::HoughLinesImgParams>& inOptHoughLinesImgParams);
 
 /// Waits for the end. @throws what ended the run, when it failed.
 ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<HoughLines2dImgLvl1> processor);

@@ -22,8 +22,8 @@ processor::RulePtr ConnectedComponent2dImgLvl1::createRule() const
 
 void ConnectedComponent2dImgLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutLabelImg>(
-        initializers, duplicateInOut(attribute<OutLabelImg>(), attribute<InBinLabImg>(), image::eIBT_Label32));
+    addInitializer<OutLabelImg>(initializers,
+                                duplicateInOut(attribute<OutLabelImg>(), attribute<InBinLabImg>(), image::eIBT_Label32));
 }
 
 processor::RetrievalResult ConnectedComponent2dImgLvl1::retrieveProvider(const core::BasePriority& priority,

@@ -11,9 +11,8 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 ORVIK_OUTPUT(OutPlaneComponents, (processor::OutputDataItem<ImageComponents>), "components of one plane");
 
 /// Level 2: finds the components of one plane; numbering them is left to Level 1, which knows all planes.
-class ConnectedComponent2dImgLvl2
-    : public processor::Processor<ConnectedComponent2dImgLvl2, processor::BaseSyncProcessor, attr::InSubImg2d,
-                                  attr::InNeighborhood2d, OutPlaneComponents>
+class ConnectedComponent2dImgLvl2 : public processor::Processor<ConnectedComponent2dImgLvl2, processor::BaseSyncProcessor,
+                                                                attr::InSubImg2d, attr::InNeighborhood2d, OutPlaneComponents>
 {
     ORVIK_PROCESSOR(ConnectedComponent2dImgLvl2, 1)
 

@@ -14,8 +14,8 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 /// Time linear in the plane. Maxima of eight neighbours in a plane of unsigned bytes none of which is above 2 need no
 /// memory beyond a line per thread and the pixels that are waiting their turn; all else needs an entry per run of pixels.
 class ORVIK_API IterativeExtremumPropagation2dImgLvl2
-    : public processor::Processor<IterativeExtremumPropagation2dImgLvl2, processor::BaseAsync1Processor,
-                                  attr::InSubImg2d, attr::InNeighborhood2d, attr::InLocalExtremumType, attr::OutImg>
+    : public processor::Processor<IterativeExtremumPropagation2dImgLvl2, processor::BaseAsync1Processor, attr::InSubImg2d,
+                                  attr::InNeighborhood2d, attr::InLocalExtremumType, attr::OutImg>
 {
     ORVIK_PROCESSOR(IterativeExtremumPropagation2dImgLvl2, 2)
 

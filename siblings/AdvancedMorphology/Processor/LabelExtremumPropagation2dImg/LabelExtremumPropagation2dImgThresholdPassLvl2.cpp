@@ -24,8 +24,8 @@ processor::RetrievalResult LabelExtremumPropagation2dImgThresholdPassLvl2::retri
     const core::BasePriority& priority, processor::ProviderPtr& provider)
 {
     return dispatch<util::BasicThresholdImgLvl3>(priority, provider, strips<InYStrip2d>(value<InSubImg2d>()),
-                                                 same<InThresholdMin>(0.0), same<InThresholdMax>(0.0),
-                                                 same<InOptOutside>(1), strips<OutYStrip2d>(value<OutBinImg>()));
+                                                 same<InThresholdMin>(0.0), same<InThresholdMax>(0.0), same<InOptOutside>(1),
+                                                 strips<OutYStrip2d>(value<OutBinImg>()));
 }
 
 }}}  // namespace orvik::imaproc::advmorpho

@@ -60,20 +60,20 @@ processor::RulePtr GaussianGradient2dImgLvl1::createRule() const
 
 void GaussianGradient2dImgLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutOptGradXImg>(initializers, outputOfNoneGiven(attribute<OutOptGradXImg>(),
-                                                                   attribute<OutOptGradYImg>(), attribute<InImg>()));
-    addInitializer<OutOptGradYImg>(initializers, outputOfNoneGiven(attribute<OutOptGradYImg>(),
-                                                                   attribute<OutOptGradXImg>(), attribute<InImg>()));
+    addInitializer<OutOptGradXImg>(initializers, outputOfNoneGiven(attribute<OutOptGradXImg>(), attribute<OutOptGradYImg>(),
+                                                                   attribute<InImg>()));
+    addInitializer<OutOptGradYImg>(initializers, outputOfNoneGiven(attribute<OutOptGradYImg>(), attribute<OutOptGradXImg>(),
+                                                                   attribute<InImg>()));
 }
 
 processor::RetrievalResult GaussianGradient2dImgLvl1::retrieveProvider(const core::BasePriority& priority,
                                                                        processor::ProviderPtr& provider)
 {
-    return dispatch<GaussianGradient2dImgLvl2>(
-        priority, provider, eachPlane<InSubImg2d>(value<InImg>()), same<InStdDevX>(value<InStdDevX>()),
-        same<InStdDevY>(value<InStdDevY>()), same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
-        ifSet(eachPlane<OutOptSubGradXImg2d>(value<OutOptGradXImg>())),
-        ifSet(eachPlane<OutOptSubGradYImg2d>(value<OutOptGradYImg>())));
+    return dispatch<GaussianGradient2dImgLvl2>(priority, provider, eachPlane<InSubImg2d>(value<InImg>()),
+                                               same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),
+                                               same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
+                                               ifSet(eachPlane<OutOptSubGradXImg2d>(value<OutOptGradXImg>())),
+                                               ifSet(eachPlane<OutOptSubGradYImg2d>(value<OutOptGradYImg>())));
 }
 
 typedef FunctionForms<GaussianGradient2dImgLvl1, OutOptGradXImg, OutOptGradYImg> Forms;
@@ -101,9 +101,8 @@ void gaussianGradient2dImg(const ConstImagePtr& in, float stdDevX, float stdDevY
 
 std::pair<ImagePtr, ImagePtr> gaussianGradient2dImg(const ConstImagePtr& in, float stdDev)
 {
-    return Forms::all(Forms::run(Forms::eAllPlanes, [&](Forms::Processor& processor) {
-        prepare(processor, in, stdDev, stdDev);
-    }));
+    return Forms::all(Forms::run(Forms::eAllPlanes,
+                                 [&](Forms::Processor& processor) { prepare(processor, in, stdDev, stdDev); }));
 }
 
 }}}  // namespace orvik::imaproc::filter

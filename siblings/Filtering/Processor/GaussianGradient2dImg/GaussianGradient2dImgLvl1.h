@@ -28,19 +28,17 @@ namespace orvik { namespace imaproc { namespace filter {
 /// standard deviation or coverage that makes no kernel, or a half-size above 2^20; the text names attribute and value.
 /// Cost: X * Y * (2 * half-size along x + 2 * half-size along y) multiplications for both outputs, half of it for one. The
 /// same bits for any strips, threads and instruction set.
-ORVIK_API void gaussianGradient2dImg(const ConstImagePtr& in, float stdDevX, float stdDevY,
-                                     double coverage, const ImagePtr& outX,
-                                     const ImagePtr& outY);
+ORVIK_API void gaussianGradient2dImg(const ConstImagePtr& in, float stdDevX, float stdDevY, double coverage,
+                                     const ImagePtr& outX, const ImagePtr& outY);
 /// The gradient along x and along y as float images, with one standard deviation for both axes and a coverage of 4.
-ORVIK_API std::pair<ImagePtr, ImagePtr > gaussianGradient2dImg(
-    const ConstImagePtr& in, float stdDev);
+ORVIK_API std::pair<ImagePtr, ImagePtr> gaussianGradient2dImg(const ConstImagePtr& in, float stdDev);
 
 /// Level 1: whole images, one child per plane. Outputs that the caller gave are computed; when there is none, both are,
 /// as float images.
 class ORVIK_API GaussianGradient2dImgLvl1
-    : public processor::Processor<GaussianGradient2dImgLvl1, processor::BaseAsync1Processor, attr::InImg,
-                                  attr::InStdDevX, attr::InStdDevY, attr::InOptGradientGaussianCoverage,
-                                  attr::OutOptGradXImg, attr::OutOptGradYImg>
+    : public processor::Processor<GaussianGradient2dImgLvl1, processor::BaseAsync1Processor, attr::InImg, attr::InStdDevX,
+                                  attr::InStdDevY, attr::InOptGradientGaussianCoverage, attr::OutOptGradXImg,
+                                  attr::OutOptGradYImg>
 {
     ORVIK_PROCESSOR(GaussianGradient2dImgLvl1, 0)
 

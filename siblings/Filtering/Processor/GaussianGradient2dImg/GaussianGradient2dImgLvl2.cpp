@@ -27,15 +27,15 @@ processor::RulePtr GaussianGradient2dImgLvl2::createRule() const
 processor::RetrievalResult GaussianGradient2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
                                                                        processor::ProviderPtr& provider)
 {
-    const image::StripMargins margins =
-        makeGaussianMargins(image::eSA_Y, value<InStdDevY>(), value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(),
-                            *value<InSubImg2d>());
-    return dispatch<GaussianGradient2dImgLvl3>(
-        priority, provider, stripsWithMargins<InKnlYStrip2d>(value<InSubImg2d>(), margins),
-        same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),
-        same<InGaussianCoverage>(value<InGaussianCoverage>()),
-        ifSet(strips<OutOptGradXYStrip2d>(value<OutOptSubGradXImg2d>())),
-        ifSet(strips<OutOptGradYYStrip2d>(value<OutOptSubGradYImg2d>())));
+    const image::StripMargins margins = makeGaussianMargins(image::eSA_Y, value<InStdDevY>(),
+                                                            value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(),
+                                                            *value<InSubImg2d>());
+    return dispatch<GaussianGradient2dImgLvl3>(priority, provider,
+                                               stripsWithMargins<InKnlYStrip2d>(value<InSubImg2d>(), margins),
+                                               same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),
+                                               same<InGaussianCoverage>(value<InGaussianCoverage>()),
+                                               ifSet(strips<OutOptGradXYStrip2d>(value<OutOptSubGradXImg2d>())),
+                                               ifSet(strips<OutOptGradYYStrip2d>(value<OutOptSubGradYImg2d>())));
 }
 
 }}}  // namespace orvik::imaproc::filter

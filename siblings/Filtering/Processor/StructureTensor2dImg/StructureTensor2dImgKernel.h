@@ -77,7 +77,8 @@ BoolResult StructureTensor2dImgLvl3::genericProcessFunction(const processor::Pro
         return Strip<typename std::remove_pointer<decltype(gx)>::type, Sum>{
             gx,
             parser<attr::InGyKnlYStrip2d, Sample>(),
-            {plainParser<attr::OutGxGxYStrip2d>(), plainParser<attr::OutGyGyYStrip2d>(), plainParser<attr::OutGxGyYStrip2d>()},
+            {plainParser<attr::OutGxGxYStrip2d>(), plainParser<attr::OutGyGyYStrip2d>(),
+             plainParser<attr::OutGxGyYStrip2d>()},
             {filterFor(*attribute<attr::OutGxGxYStrip2d>()), filterFor(*attribute<attr::OutGyGyYStrip2d>()),
              filterFor(*attribute<attr::OutGxGyYStrip2d>())}};
     });

@@ -33,15 +33,14 @@ processor::RulePtr StructureTensor2dImgLvl2::createRule() const
 processor::RetrievalResult StructureTensor2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
                                                                       processor::ProviderPtr& provider)
 {
-    const image::StripMargins margins =
-        makeGaussianMargins(image::eSA_Y, static_cast<double>(value<InSmoothingStdDev>()),
-                            value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(), *value<InSubGxImg2d>());
+    const image::StripMargins margins = makeGaussianMargins(image::eSA_Y, static_cast<double>(value<InSmoothingStdDev>()),
+                                                            value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(),
+                                                            *value<InSubGxImg2d>());
     return dispatch<StructureTensor2dImgLvl3>(
         priority, provider, stripsInPlace<InGxKnlYStrip2d>(value<InSubGxImg2d>(), margins),
-        stripsInPlace<InGyKnlYStrip2d>(value<InSubGyImg2d>(), margins),
-        same<InSmoothingStdDev>(value<InSmoothingStdDev>()), same<InGaussianCoverage>(value<InGaussianCoverage>()),
-        strips<OutGxGxYStrip2d>(value<OutGxGxImg>()), strips<OutGyGyYStrip2d>(value<OutGyGyImg>()),
-        strips<OutGxGyYStrip2d>(value<OutGxGyImg>()));
+        stripsInPlace<InGyKnlYStrip2d>(value<InSubGyImg2d>(), margins), same<InSmoothingStdDev>(value<InSmoothingStdDev>()),
+        same<InGaussianCoverage>(value<InGaussianCoverage>()), strips<OutGxGxYStrip2d>(value<OutGxGxImg>()),
+        strips<OutGyGyYStrip2d>(value<OutGyGyImg>()), strips<OutGxGyYStrip2d>(value<OutGxGyImg>()));
 }
 
 }}}  // namespace orvik::imaproc::filter

@@ -27,8 +27,8 @@ namespace orvik { namespace imaproc { namespace filter {
 /// Cost: X * Y * 6 * half-size multiplications.
 class ORVIK_API StructureTensor2dImgLvl2
     : public processor::Processor<StructureTensor2dImgLvl2, processor::BaseAsync1Processor, attr::InSubGxImg2d,
-                                  attr::InSubGyImg2d, attr::InSmoothingStdDev, attr::InGaussianCoverage,
-                                  attr::OutGxGxImg, attr::OutGyGyImg, attr::OutGxGyImg>
+                                  attr::InSubGyImg2d, attr::InSmoothingStdDev, attr::InGaussianCoverage, attr::OutGxGxImg,
+                                  attr::OutGyGyImg, attr::OutGxGyImg>
 {
     ORVIK_PROCESSOR(StructureTensor2dImgLvl2, 3)
 

@@ -20,8 +20,8 @@ struct TensorKernels
 /// Level 3: one strip. The margin of its lines is the half-size and, below, g_nbLinesAtOnce - 1 more.
 class ORVIK_API StructureTensor2dImgLvl3
     : public ProcessingAlgorithm<StructureTensor2dImgLvl3, attr::InGxKnlYStrip2d, attr::InGyKnlYStrip2d,
-                                            attr::InSmoothingStdDev, attr::InGaussianCoverage, attr::OutGxGxYStrip2d,
-                                            attr::OutGyGyYStrip2d, attr::OutGxGyYStrip2d>
+                                 attr::InSmoothingStdDev, attr::InGaussianCoverage, attr::OutGxGxYStrip2d,
+                                 attr::OutGyGyYStrip2d, attr::OutGxGyYStrip2d>
 {
     ORVIK_PROCESSOR(StructureTensor2dImgLvl3, 4)
 
@@ -44,7 +44,7 @@ private:
     TensorKernels<float> m_floatKernels;
     TensorKernels<double> m_doubleKernels;
     image::TypedOwnBuffer m_tile;  // the three products in a block of columns of all lines of the kernel
-    CombinedLines m_combined[3];  // smoothed along y: xx, yy, xy
+    CombinedLines m_combined[3];   // smoothed along y: xx, yy, xy
 };
 
 template<>

@@ -15,9 +15,8 @@ namespace orvik { namespace imaproc { namespace glbmsr {
 /// NaN is skipped; a plane of nothing else gives no bins. An infinite sample counts as the lowest or the highest finite
 /// one of the plane, or of floats where it has none. An image of more than one plane fails the run.
 /// Cost: two reads per sample and one division for each in equal bins, by one thread; at most 512 KiB of counts.
-class ORVIK_API HistogramMsr2dLvl2
-    : public processor::Processor<HistogramMsr2dLvl2, processor::BaseSyncProcessor, attr::InSubImg2d,
-                                  attr::OutHistogramResult>
+class ORVIK_API HistogramMsr2dLvl2 : public processor::Processor<HistogramMsr2dLvl2, processor::BaseSyncProcessor,
+                                                                 attr::InSubImg2d, attr::OutHistogramResult>
 {
     ORVIK_PROCESSOR(HistogramMsr2dLvl2, 1)
 

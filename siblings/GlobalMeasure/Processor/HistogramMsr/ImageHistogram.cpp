@@ -34,7 +34,7 @@ Range<Sample> findRange(const image::BaseImage& image)
         for (unsigned long x = 0; x < sizeX; ++x) {
             const Sample v = line[x];  // NaN is below nothing and above nothing
             if constexpr (std::is_floating_point<Sample>::value) {
-                const bool isBelow = v < Limits::s_min, isAbove = v > Limits::s_max;
+                const bool isBelow = v<Limits::s_min, isAbove = v> Limits::s_max;
                 below |= isBelow;
                 above |= isAbove;
                 found.low = v < found.low && !isBelow ? v : found.low;

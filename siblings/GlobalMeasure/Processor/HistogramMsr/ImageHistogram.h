@@ -18,4 +18,5 @@ namespace glbmsr {
 void measureHistogram(const image::BaseImage& image, attr::HistogramResult& histogram);
 
 }  // namespace glbmsr
-}}  // namespace orvik::imaproc
+}
+}  // namespace orvik::imaproc

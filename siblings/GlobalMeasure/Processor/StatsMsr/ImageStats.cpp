@@ -68,9 +68,8 @@ void measure(const image::BaseImage& image, StatsResult& stats)
     const double mean = sum / nbSamples;
     double squares = 0.0;
     forEachSampleLine<Sample>(image, [&](const Sample* line) {
-        squares += sumOf(fold(line, sizeX, 0.0, [mean](double a, double v) {
-            return a + (v == v ? (v - mean) * (v - mean) : 0.0);
-        }));
+        squares += sumOf(fold(line, sizeX, 0.0,
+                              [mean](double a, double v) { return a + (v == v ? (v - mean) * (v - mean) : 0.0); }));
     });
     stats.set<StatsResult::NbSamples>(static_cast<unsigned long>(nbSamples));
     stats.set<StatsResult::Mean>(mean);

@@ -19,4 +19,5 @@ namespace glbmsr {
 void measureStats(const image::BaseImage& image, attr::StatsResult& stats);
 
 }  // namespace glbmsr
-}}  // namespace orvik::imaproc
+}
+}  // namespace orvik::imaproc

@@ -22,8 +22,7 @@ processor::RulePtr BasicThresholdImgLvl1::createRule() const
 
 void BasicThresholdImgLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutBinImg>(initializers,
-                              duplicateInOut(attribute<OutBinImg>(), attribute<InImg>(), image::eIBT_Binary));
+    addInitializer<OutBinImg>(initializers, duplicateInOut(attribute<OutBinImg>(), attribute<InImg>(), image::eIBT_Binary));
 }
 
 processor::RetrievalResult BasicThresholdImgLvl1::retrieveProvider(const core::BasePriority& priority,

@@ -9,8 +9,8 @@ namespace orvik { namespace imaproc { namespace util {
 
 /// Level 1: whole images. The result is binary unless the caller gives an image of another type.
 class ORVIK_API BasicThresholdImgLvl1
-    : public processor::Processor<BasicThresholdImgLvl1, processor::BaseAsync1Processor, attr::InImg,
-                                  attr::InThresholdMin, attr::InThresholdMax, attr::OutBinImg>
+    : public processor::Processor<BasicThresholdImgLvl1, processor::BaseAsync1Processor, attr::InImg, attr::InThresholdMin,
+                                  attr::InThresholdMax, attr::OutBinImg>
 {
     ORVIK_PROCESSOR(BasicThresholdImgLvl1, 0)
 

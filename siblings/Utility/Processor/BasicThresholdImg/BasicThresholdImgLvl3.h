@@ -9,8 +9,8 @@ namespace orvik { namespace imaproc { namespace util {
 
 /// Level 3: one strip, into a strip of any type.
 class ORVIK_API BasicThresholdImgLvl3
-    : public ProcessingAlgorithm<BasicThresholdImgLvl3, attr::InYStrip2d, attr::InThresholdMin,
-                                            attr::InThresholdMax, attr::InOptOutside, attr::OutYStrip2d>
+    : public ProcessingAlgorithm<BasicThresholdImgLvl3, attr::InYStrip2d, attr::InThresholdMin, attr::InThresholdMax,
+                                 attr::InOptOutside, attr::OutYStrip2d>
 {
     ORVIK_PROCESSOR(BasicThresholdImgLvl3, 2)
 
