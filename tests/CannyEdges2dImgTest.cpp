@@ -177,7 +177,7 @@ TEST_P(CannyCloseFloats, AreComparedExactly)
     // Pairs of neighbours on an empty image, so far apart that no other comparison shares a vector with theirs. Lengths
     // differ by roundings alone, from each other and from the thresholds; a third of the directions lie that close to the
     // limit of a sector. At the outer scales squares vanish, lose digits or overflow in float.
-    const ImageSizes sizes(20 * 70, 3 * 40);
+    const ImageSizes sizes(20ul * 70, 3ul * 40);
     for (const float scale : {1e-43f, 1e-23f, 3e-21f, 1e-15f, 1.0f, 1e10f, 1.8e19f, 1e30f}) {
         const ImagePtr gx = createImage(type(), sizes), gy = createImage(type(), sizes);
         std::mt19937 random(12);
@@ -193,7 +193,7 @@ TEST_P(CannyCloseFloats, AreComparedExactly)
             for (unsigned long x = 1; x < sizes.x; x += 20) {
                 setGradient(x, y);
                 const unsigned long step = random() % 4;
-                setGradient(x + (step > 0) - 2 * (step == 3), y + (step != 1));
+                setGradient(x + (step > 0) - 2ul * (step == 3), y + (step != 1));
             }
         const double length = static_cast<double>(scale);
         expectReference(gx, gy, 0.5 * length, length);

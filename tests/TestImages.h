@@ -109,7 +109,7 @@ inline std::vector<double> oddValues(image::eImageBufferType type)
     image::withSampleType(image::toDataType(type), [&](auto sample) {
         typedef NumericLimits<decltype(sample)> Limits;
         const double min = static_cast<double>(Limits::s_min), max = static_cast<double>(Limits::s_max);
-        values = {min, max, max - 1, std::floor(max / 2), max > 16777217 ? 16777217 : 3};  // the first that floats round
+        values = {min, max, max - 1, std::floor(max / 2), max > 16777217 ? 16777217.0 : 3.0};  // the first that floats round
     });
     values.insert(values.end(), {0, 1, 1, 2, 3});
     const double infinity = std::numeric_limits<double>::infinity();

@@ -97,7 +97,7 @@ void runInBackground(const boost::shared_ptr<BaseAction>& action, void (*work)(b
     }
     try {
         pool.arena.enqueue(BackgroundTask(reference.get(), work, pool));
-        reference.release();  // the task's now
+        (void)reference.release();  // the task's now
     } catch (...) {
         forgetBackgroundRun(*action);
         throw;

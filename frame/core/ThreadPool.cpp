@@ -52,8 +52,8 @@ private:
     void allow(unsigned int nbThreads)
     {
         m_control.reset();
-        m_control.reset(new tbb::global_control(tbb::global_control::max_allowed_parallelism,
-                                                std::max(nbThreads, g_nbProcessors) + 1));
+        m_control = std::make_unique<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
+                                                          std::max(nbThreads, g_nbProcessors) + 1);
         m_allowed = nbThreads;
     }
 

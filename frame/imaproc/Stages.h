@@ -234,7 +234,7 @@ struct StripsOf
 
     boost::shared_ptr<StripImage> image;
     image::StripMargins margins;
-    bool inPlace;
+    bool inPlace = false;
 
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const

@@ -70,7 +70,7 @@ AlgorithmEntry& getAlgorithmEntry(const std::string& typeName)
     const boost::lock_guard<boost::mutex> lock(ForcedInstructionSetsMutex::get());
     std::unique_ptr<AlgorithmEntry>& entry = entries()[typeName];
     if (!entry)
-        entry.reset(new AlgorithmEntry);
+        entry = std::make_unique<AlgorithmEntry>();
     return *entry;
 }
 

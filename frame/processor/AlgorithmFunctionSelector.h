@@ -50,6 +50,7 @@ struct AlgorithmFunctionEfficiency
     /// The newest set decides, then the next: a kernel of one family either names one set or two everywhere.
     static constexpr unsigned int getEfficiency()
     {
+        // NOLINTNEXTLINE(bugprone-branch-clone): of a kernel of one set alone both are that
         constexpr unsigned int high = S1 > S2 ? S1 : S2, low = S1 > S2 ? S2 : S1;
         // A pair with fused operations beats the same pair without.
         return (high * 16 + (low == core::eIS_Fma ? 15 : low)) * 16 + S3;

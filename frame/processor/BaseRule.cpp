@@ -112,7 +112,7 @@ BaseRule::~BaseRule() = default;
 
 std::string BaseRule::createRuleEvaluatedStartString(unsigned int depth) const
 {
-    return std::string(2 * depth, ' ') + textOf(testRule() ? eRuleMessage::eHolds : eRuleMessage::eFails);
+    return std::string(2ul * depth, ' ') + textOf(testRule() ? eRuleMessage::eHolds : eRuleMessage::eFails);
 }
 
 BaseAttributeRule::~BaseAttributeRule() = default;

@@ -23,7 +23,6 @@ public:
     /// The memory of an object is not used any more; said by any thread.
     void giveBack();
 
-private:
     ArenaBlock() = delete;
 };
 

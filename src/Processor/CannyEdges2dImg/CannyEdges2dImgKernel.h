@@ -78,6 +78,7 @@ BoolResult CannyEdges2dImgLvl3::processFunction(const processor::ProcessingInfo&
             std::memset(classes, 0, kBlock);
             continue;
         }
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): all of it is set below, once a block
         Neighbourhood<Sample, Magnitude> at;
         for (unsigned long r = 0; r < 3; ++r) {
             at.rows[r] = row(r) + i;

@@ -198,6 +198,7 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
         return;
     }
 
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the kernel fills what it reads
     Votes<Accum> votes;
     Share<Accum>* const bins = reinterpret_cast<Share<Accum>*>(row);
     // Bins from one pixel to the next below which columns are shared by many; with more gaps are rare, too.
