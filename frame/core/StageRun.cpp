@@ -82,7 +82,8 @@ private:
         return result.getValue() && request;
     }
 
-    bool end(const boost::shared_ptr<BaseActionRequest>& request, const BoolResult& result, std::exception_ptr exception)
+    bool end(const boost::shared_ptr<BaseActionRequest>& request, const BoolResult& result,
+             const std::exception_ptr& exception)
     {
         if (exception || !result.getValue()) {
             fail(exception ? std::string() : result.getMessage(), exception);
@@ -96,7 +97,7 @@ private:
         return !m_failed;
     }
 
-    void fail(const std::string& message, std::exception_ptr exception)
+    void fail(const std::string& message, const std::exception_ptr& exception)
     {
         if (m_failed)
             return;

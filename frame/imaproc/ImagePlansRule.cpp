@@ -16,7 +16,7 @@ std::vector<PlanIndex> plansOf(const image::ImageSizes& sizes, eImagePlansMatchP
     for (unsigned long t = 0; t < sizes.t; ++t)
         for (unsigned long c = 0; c < sizes.c; ++c)
             for (unsigned long z = 0; z < (policy == eIPMP_Planes ? sizes.z : 1); ++z)
-                plans.push_back(PlanIndex(z, c, t));
+                plans.emplace_back(z, c, t);
     return plans;
 }
 
