@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs clang-tidy with the checks of .clang-tidy on what differs from a revision, committed or not: by default from where the
-# branch left origin/main, and on main itself from the commit before. --all: on everything. --at-most N: on the first N
-# units of that. Needs the release build, which tells how units are compiled and what they include.
+# branch left origin/main, and on main itself from half a day before its last commit. --all: on everything. --at-most N: on
+# the first N units of that. Needs the release build, which tells how units are compiled and what they include.
 #
 # usage: tidy.sh [--at-most N] [--all | REVISION]
 set -euo pipefail
@@ -25,7 +25,9 @@ else
     base=${1-}
     if [[ -z $base ]]; then
         base=$(git merge-base HEAD origin/main 2>/dev/null || true)
-        [[ -n $base && $base != $(git rev-parse HEAD) ]] || base=HEAD~1
+        [[ -n $base && $base != $(git rev-parse HEAD) ]] ||
+            base=$(git rev-list -1 --before="$(($(git log -1 --format=%ct) - 12 * 3600))" HEAD)
+        [[ -n $base ]] || base=$(git rev-list --max-parents=0 HEAD)
     fi
     mapfile -t changed < <(git diff --name-only --diff-filter=d "$base" -- '*.h' '*.cpp' '*.c')
     if [[ ${#changed[@]} -eq 0 ]]; then

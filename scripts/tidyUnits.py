@@ -6,12 +6,13 @@ usage: tidyUnits.py [CHANGED_FILE...]   (no file: every unit of the repository)
 """
 import json
 import pathlib
+import re
 import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build/release"
-GCC_ONLY = (" -fno-gnu-unique",)  # what clang does not know
+GCC_ONLY = r" -fno-gnu-unique| -Winvalid-pch| -include \S*/cmake_pch\.hxx"  # what clang does not know
 
 
 def write_database():
@@ -21,8 +22,7 @@ def write_database():
         path = pathlib.Path(entry["file"])
         if BUILD in path.parents:  # written by the build
             continue
-        for option in GCC_ONLY:
-            entry["command"] = entry["command"].replace(option, "")
+        entry["command"] = re.sub(GCC_ONLY, "", entry["command"])
         entries[path] = entry
     folder = ROOT / "build/tidy"
     folder.mkdir(exist_ok=True)
