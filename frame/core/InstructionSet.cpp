@@ -34,8 +34,12 @@ bool isAvailable(eInstructionSet set)
     case eIS_Fma: return __builtin_cpu_supports("fma");
     case eIS_Avx2: return __builtin_cpu_supports("avx2");
     case eIS_Avx512:
+#ifdef ORVIK_EMULATE_AVX512
+        return true;  // any machine runs those
+#else
         return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq")
                && __builtin_cpu_supports("avx512vl");
+#endif
     }
     return false;
 }

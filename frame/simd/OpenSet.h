@@ -1,9 +1,9 @@
 // Opens a region whose functions are compiled for the set of the unit; everything outside stays plain code, which any
-// machine can run. Nothing may be included inside. Closed by CloseSet.h.
+// machine can run. Nothing may be included inside. Closed by CloseSet.h. Emulated, 512 bits are plain code of any machine.
 #include "frame/simd/UnitSet.h"
 
 #if defined(__clang__)
-#if defined(ORVIK_UNIT_AVX512)
+#if defined(ORVIK_UNIT_AVX512) && !defined(ORVIK_EMULATE_AVX512)
 #pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx512dq,avx512vl"))), apply_to = function)
 #elif defined(ORVIK_UNIT_AVX2)
 #pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
@@ -14,7 +14,7 @@
 #endif
 #else
 #pragma GCC push_options
-#if defined(ORVIK_UNIT_AVX512)
+#if defined(ORVIK_UNIT_AVX512) && !defined(ORVIK_EMULATE_AVX512)
 #pragma GCC target("avx512f,avx512bw,avx512dq,avx512vl,prefer-vector-width=512")
 #elif defined(ORVIK_UNIT_AVX2)
 #pragma GCC target("avx2")

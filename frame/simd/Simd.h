@@ -5,6 +5,9 @@
 #include "frame/core/InstructionSet.h"
 
 #include <immintrin.h>
+#if defined(ORVIK_UNIT_AVX512) && defined(ORVIK_EMULATE_AVX512)
+#include "frame/simd/Emulated512.h"
+#endif
 
 #include <cstring>
 #include <type_traits>
@@ -164,7 +167,7 @@ inline void storePairs(T* to, V a, V b)
 /// a * b + c, rounded once. Only where a kernel is told to fuse; nothing else ever is.
 inline Lanes<float>::type fma(Lanes<float>::type a, Lanes<float>::type b, Lanes<float>::type c)
 {
-#if ORVIK_SET_BYTES == 64
+#if ORVIK_SET_BYTES == 64 && !defined(ORVIK_EMULATE_AVX512)  // emulated it would round twice
     return _mm512_fmadd_ps(a, b, c);
 #else
     Lanes<float>::type r;
