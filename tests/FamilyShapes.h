@@ -7,6 +7,7 @@
 #include "TestRuns.h"
 
 #include "frame/attr/ImageAttributes.h"
+#include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/core/ActionProvider.h"
 #include "frame/processor/Processor.h"
@@ -16,6 +17,9 @@
 #include <functional>
 
 namespace orvik::test {
+
+using namespace image;
+using namespace imaproc::attr;
 
 const double kPi = 3.141592653589793, kNan = std::numeric_limits<double>::quiet_NaN();
 const double kInfinity = std::numeric_limits<double>::infinity();
@@ -36,6 +40,16 @@ boost::shared_ptr<X> ran(const Values&... values)
     const boost::shared_ptr<X> made = processorWith<X, Attributes...>(values...);
     processor::executeSyncRun(made);
     return made;
+}
+
+/// A whole plane as one strip.
+inline boost::shared_ptr<InputImageYStrip2d> stripOf(const ImagePtr& plane)
+{
+    return boost::make_shared<InputImageYStrip2d>(plane, PlanIndex(), 0, plane->getSizeY());
+}
+inline boost::shared_ptr<OutputImageYStrip2d> outStripOf(const ImagePtr& plane)
+{
+    return boost::make_shared<OutputImageYStrip2d>(plane, PlanIndex(), 0, plane->getSizeY());
 }
 
 /// A result of any kind as numbers that tell all of it.
@@ -63,29 +77,35 @@ inline Numbers numbersOf(const image::BaseImage& image)
     return numbers;
 }
 
+/// Calls f(name, value) for each leaf that it visits.
+template<class F>
+struct EachLeaf : BaseLeafVisitor
+{
+    explicit EachLeaf(const F& f) : m_f(f) {}
+    void visit(const char* name, bool& value) override { m_f(name, value); }
+    void visit(const char* name, int& value) override { m_f(name, value); }
+    void visit(const char* name, long& value) override { m_f(name, value); }
+    void visit(const char* name, unsigned int& value) override { m_f(name, value); }
+    void visit(const char* name, unsigned long& value) override { m_f(name, value); }
+    void visit(const char* name, float& value) override { m_f(name, value); }
+    void visit(const char* name, double& value) override { m_f(name, value); }
+    const F m_f;
+};
+
 /// The leaves of a record; of a list its size and those of its records.
 inline Numbers numbersOf(const BaseDataItemNode& record)
 {
-    struct Leaves : BaseLeafVisitor
-    {
-        Numbers numbers;
-        void visit(const char*, bool& value) override { numbers.push_back(value); }
-        void visit(const char*, int& value) override { numbers.push_back(value); }
-        void visit(const char*, long& value) override { numbers.push_back(static_cast<double>(value)); }
-        void visit(const char*, unsigned int& value) override { numbers.push_back(value); }
-        void visit(const char*, unsigned long& value) override { numbers.push_back(static_cast<double>(value)); }
-        void visit(const char*, float& value) override { numbers.push_back(static_cast<double>(value)); }
-        void visit(const char*, double& value) override { numbers.push_back(value); }
-    } leaves;
+    Numbers numbers;
+    EachLeaf leaves([&](auto&, const auto& value) { numbers.push_back(static_cast<double>(value)); });
     BaseDataItemNode& visited = const_cast<BaseDataItemNode&>(record);  // which may be written by archives, not here
     const BaseDataItemNodeColl* const list = visited.accessList();
     if (!list)
         visited.visitLeaves(leaves);
     else
-        leaves.numbers.push_back(static_cast<double>(list->size()));
+        numbers.push_back(static_cast<double>(list->size()));
     for (std::size_t i = 0; list && i < list->size(); ++i)
         const_cast<BaseDataItemNode&>(list->getNode(i)).visitLeaves(leaves);
-    return leaves.numbers;
+    return numbers;
 }
 
 inline Numbers& append(Numbers& all, const Numbers& numbers)
@@ -154,6 +174,29 @@ struct Call
     Numbers expected, found;
 };
 
+/// What a function gives of `plane` and of all planes of `stack`, as calls of the forms are told below.
+struct OfPlanes
+{
+    template<class F>
+    OfPlanes(const ImagePtr& plane, const ImagePtr& stack, F&& f)
+        : ofPlane(numbersOf(f(plane))), ofStack(planeByPlane(stack, f))
+    {
+    }
+    Numbers ofPlane, ofStack;
+};
+
+/// Calls of a function at once and in the background; the same, of `plane` and of `stack`, with its multiSlice_ forms.
+#define CALLS(expected, function, ...) \
+    {expected, function(__VA_ARGS__)}, \
+    { \
+        expected, function##_async(__VA_ARGS__) \
+    }
+#define PLANE_CALLS(expected, function, ...) \
+    CALLS(expected.ofPlane, function, plane, __VA_ARGS__), {expected.ofStack, multiSlice_##function(stack, __VA_ARGS__)}, \
+    { \
+        expected.ofStack, getAsyncProcessorMultiSliceOutput(multiSlice_##function##_async(stack, __VA_ARGS__)) \
+    }
+
 /// `calls` makes all calls of a family: a vector of them. They give the same for any strips and threads.
 template<class Calls>
 void expectSameForStripsAndThreads(const Calls& calls)
@@ -177,15 +220,18 @@ struct Refusal
     std::function<void()> call;
 };
 
-/// Nothing is written to `images` meanwhile.
-inline void expectRefusals(const std::vector<ImagePtr>& images, const std::vector<Refusal>& refusals)
+/// Nothing is written to `images` meanwhile. `by`: the class that must refuse, where a stage of it would, too, but later.
+inline void expectRefusals(const std::vector<ImagePtr>& images, const std::vector<Refusal>& refusals,
+                           const std::string& by = "")
 {
     std::vector<Numbers> before;
+    before.reserve(images.size());
     for (const ImagePtr& image : images)
         before.push_back(numbersOf(image));
     for (const Refusal& refusal : refusals) {
         const std::string text = thrownText<processor::ORVIKBaseProcessingException>(refusal.call);
         EXPECT_NE(std::string::npos, text.find(refusal.part)) << refusal.part << "\nis not in\n" << text;
+        EXPECT_EQ(by, text.substr(0, by.size())) << refusal.part;
         for (std::size_t i = 0; i < images.size(); ++i)
             EXPECT_TRUE(same(before[i], numbersOf(images[i]))) << "image " << i << " was written, though " << text;
     }

@@ -2,8 +2,7 @@
 
 // Runs of the Hook family, which lists the lines that it is given.
 
-#include "TestImages.h"
-#include "TestRuns.h"
+#include "FamilyShapes.h"
 #include "TinyProcessor.h"
 
 #include "frame/attr/ImageAttributes.h"
@@ -25,9 +24,7 @@ struct OnLine
 
 inline boost::shared_ptr<HookLvl1> hookOn(const ImagePtr& image)
 {
-    const auto hook = createInitialised<HookLvl1>();
-    hook->set<InTinyImg>(image);
-    return hook;
+    return processorWith<HookLvl1, InTinyImg>(image);
 }
 
 template<class P>

@@ -89,20 +89,6 @@ BoolResult takeTime()
 
 // --- threads
 
-TEST(Threads, GiveTheSameListsWhateverTheirNumberAndTheStrips)
-{
-    const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(3, 23, 3));
-    const auto hook = hookOn(image);
-    for (const unsigned int nbThreads : {1, 2, 3, 8})
-        for (const unsigned long grain : {0, 1, 7, 23}) {
-            const WithThreads threads(nbThreads);
-            const WithGrain strips(grain);
-            executeSyncRun(hook);
-            EXPECT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>()))
-                << nbThreads << " threads, grain " << grain;
-        }
-}
-
 TEST(Threads, AsManyAsAskedForWorkOnTheLinesOfOnePlane)
 {
     const int nbThreads = 3;
@@ -298,9 +284,6 @@ TEST(Background, AFailureIsKeptForWhoeverAsks)
     hook->waitForEnd();
     EXPECT_EQ("HookLvl1 refuses to run: mandatory attribute InTinyImg has no value (unset or null)",
               hook->getErrorMessage());
-
-    const auto norm = fd::maxL2Norm2Msr_async(blank(2, 2), blank(3, 2));
-    EXPECT_NE(std::string::npos, refusalOf([&] { fd::getAsyncProcessorOutput(norm); }).find("InImg2 (3 x 2 x 1 x 1 x 1)"));
 }
 
 TEST(Background, AProcessorKeepsItselfAliveUntilItHasEnded)

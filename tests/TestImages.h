@@ -58,11 +58,14 @@ inline double sampleAt(const image::BaseImage& image, unsigned long x, unsigned 
     return value;
 }
 
+/// Whole numbers keep the low bits of the value's whole part.
 inline void setSample(image::BaseImage& image, double value, unsigned long x, unsigned long y, unsigned long z = 0,
                       unsigned long c = 0, unsigned long t = 0)
 {
     image::withSampleType(image::toDataType(image.getBufferType()), [&](auto sample) {
-        static_cast<decltype(sample)*>(image.accessLine(y, z, c, t))[x] = static_cast<decltype(sample)>(value);
+        typedef decltype(sample) T;
+        static_cast<T*>(image.accessLine(y, z, c, t))[x] =
+            std::is_integral<T>::value ? static_cast<T>(static_cast<long>(value)) : static_cast<T>(value);
     });
 }
 
@@ -70,18 +73,11 @@ inline void setSample(image::BaseImage& image, double value, unsigned long x, un
 inline void fillRandom(image::BaseImage& image, unsigned int seed)
 {
     std::mt19937 random(seed);
-    const bool binary = image.getBufferType() == image::eIBT_Binary;
-    image::withSampleType(image::toDataType(image.getBufferType()), [&](auto sample) {
-        typedef decltype(sample) T;
-        forEachSample(image.getGeometry().getSizes(),
-                      [&](unsigned long x, unsigned long y, unsigned long z, unsigned long c, unsigned long t) {
-                          T value;
-                          if constexpr (std::is_floating_point<T>::value)
-                              value = std::uniform_real_distribution<T>(-1000, 1000)(random);
-                          else
-                              value = static_cast<T>(binary ? random() & 1 : random());
-                          static_cast<T*>(image.accessLine(y, z, c, t))[x] = value;
-                      });
+    const image::eImageBufferType type = image.getBufferType();
+    const unsigned long bits = type == image::eIBT_Binary ? 1 : ~0ul;
+    std::uniform_real_distribution<float> real(-1000, 1000);
+    forEachSample(image.getGeometry().getSizes(), [&](auto... at) {
+        setSample(image, type == image::eIBT_Real32 ? real(random) : static_cast<double>(random() & bits), at...);
     });
 }
 
@@ -186,16 +182,16 @@ public:
         copySamples(from, *m_image);
     }
     GuardedImage(const GuardedImage&) = delete;
-    ~GuardedImage() { EXPECT_TRUE(areGuardsIntact()) << "bytes between the lines were written"; }
-
-    const ImagePtr& get() const { return m_image; }
-    bool areGuardsIntact() const
+    ~GuardedImage()
     {
         for (std::size_t i = 0; i < m_bytes.size(); ++i)
-            if (i % m_stride >= m_lineSize && m_bytes[i] != s_guard)
-                return false;
-        return true;
+            if (i % m_stride >= m_lineSize && m_bytes[i] != s_guard) {
+                ADD_FAILURE() << "byte " << i << ", between lines of " << m_lineSize << " bytes, was written";
+                return;
+            }
     }
+
+    const ImagePtr& get() const { return m_image; }
 
 private:
     static constexpr unsigned char s_guard = 0xA5;

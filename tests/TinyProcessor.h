@@ -1,6 +1,6 @@
 #pragma once
 
-// Small processor families for the tests of the frame. Definitions are not inline: one program, one unit.
+// Small processor families for the tests of the frame.
 //
 // Hash: every output sample is a hash of all samples of a window, borders included, so that one wrong or misplaced
 // sample shows. In planes or in volumes.
@@ -75,6 +75,15 @@ inline processor::StageResult done()
     return processor::StageResult(processor::eSRT_Done);
 }
 
+/// What `ORVIK_PROCESSOR` declares, of a class or, with its parameters in front, of a template.
+#define TINY_DEFINE(Name, Class, ...) \
+    __VA_ARGS__ inline Class::Name() = default; \
+    __VA_ARGS__ inline Class::~Name() = default
+#define TINY_STAGE \
+    using processor::BaseAsync1Processor::retrieveProvider; \
+    processor::RetrievalResult retrieveProvider(const core::BasePriority& priority, processor::ProviderPtr& provider) \
+        override
+
 /// The hashes of one line. `rows`: the lines of the window from their left margins on. The first hash also takes in all
 /// that lies right of the image and may be read.
 template<class Sample>
@@ -136,8 +145,7 @@ private:
     { \
         ORVIK_PROCESSOR(Name, 1) \
     }; \
-    inline Name::Name() = default; \
-    inline Name::~Name() = default; \
+    TINY_DEFINE(Name, Name); \
     const processor::KernelRegistrator<Name, processor::AllKernelTypes, core::eIS_Generic> g_kernels##Name(__FILE__)
 TINY_HASH(HashYLvl3, Border2dPolicy, InTinyKnlYStrip, OutTinyYStrip);
 TINY_HASH(HashZLvl3, Border3dPolicy, InTinyKnlZStrip, OutTinyZStrip);
@@ -149,9 +157,7 @@ class HashLvl2
 {
     ORVIK_PROCESSOR(HashLvl2, 3)
 
-    using processor::BaseAsync1Processor::retrieveProvider;
-    processor::RetrievalResult retrieveProvider(const core::BasePriority& priority,
-                                                processor::ProviderPtr& provider) override
+    TINY_STAGE
     {
         const auto& in = this->template value<InTinyImg>();
         const auto& reach = this->template value<InReach>();
@@ -165,10 +171,7 @@ class HashLvl2
                                        same<InReach>(reach), strips<OutTinyYStrip>(out));
     }
 };
-template<bool Volumes>
-HashLvl2<Volumes>::HashLvl2() = default;
-template<bool Volumes>
-HashLvl2<Volumes>::~HashLvl2() = default;
+TINY_DEFINE(HashLvl2, HashLvl2<Volumes>, template<bool Volumes>);
 
 template<bool Volumes>
 class HashLvl1
@@ -176,9 +179,7 @@ class HashLvl1
 {
     ORVIK_PROCESSOR(HashLvl1, 4)
 
-    using processor::BaseAsync1Processor::retrieveProvider;
-    processor::RetrievalResult retrieveProvider(const core::BasePriority& priority,
-                                                processor::ProviderPtr& provider) override
+    TINY_STAGE
     {
         const auto& in = this->template value<InTinyImg>();
         const auto& out = this->template value<OutTinyImg>();
@@ -198,10 +199,7 @@ class HashLvl1
                                                                  this->template attribute<InTinyImg>(), image::eIBT_UInt32));
     }
 };
-template<bool Volumes>
-HashLvl1<Volumes>::HashLvl1() = default;
-template<bool Volumes>
-HashLvl1<Volumes>::~HashLvl1() = default;
+TINY_DEFINE(HashLvl1, HashLvl1<Volumes>, template<bool Volumes>);
 
 /// What the kernels of the Copy family were told, run by run.
 struct RunLog
@@ -215,6 +213,8 @@ class CopyBase : public ProcessingAlgorithm<D, In, Out>
 {
 public:
     typedef Mode ParserMode;
+    typedef In InStrip;
+    typedef Out OutStrip;
 
     unsigned long getRunGranularity() const override { return Granularity; }
     template<class Sample, core::eInstructionSet>
@@ -243,8 +243,7 @@ typedef processor::KernelTypes<processor::KernelType<image::eIBT_UInt8, unsigned
     { \
         ORVIK_PROCESSOR(Name, 5) \
     }; \
-    inline Name::Name() = default; \
-    inline Name::~Name() = default; \
+    TINY_DEFINE(Name, Name); \
     const processor::KernelRegistrator<Name, CopyTypes, core::eIS_Generic> g_kernels##Name(__FILE__)
 TINY_COPY(CopyRaw16, RawStripParserMode, 16, Y);
 TINY_COPY(CopyRaw64, RawStripParserMode, 64, Y);
@@ -255,18 +254,15 @@ TINY_COPY(CopyRawZ, RawStripParserMode, 64, Z);
 #undef TINY_COPY
 
 /// One plane or volume, straight to the strips of `Lvl3`.
-template<class Lvl3, class InStrip = InTinyYStrip, class OutStrip = OutTinyYStrip>
-class CopyLvl1
-    : public processor::Processor<CopyLvl1<Lvl3, InStrip, OutStrip>, processor::BaseAsync1Processor, InTinyImg, OutTinyImg>
+template<class Lvl3>
+class CopyLvl1 : public processor::Processor<CopyLvl1<Lvl3>, processor::BaseAsync1Processor, InTinyImg, OutTinyImg>
 {
     ORVIK_PROCESSOR(CopyLvl1, 6)
 
-    using processor::BaseAsync1Processor::retrieveProvider;
-    processor::RetrievalResult retrieveProvider(const core::BasePriority& priority,
-                                                processor::ProviderPtr& provider) override
+    TINY_STAGE
     {
-        return dispatch<Lvl3>(priority, provider, strips<InStrip>(this->template value<InTinyImg>()),
-                              strips<OutStrip>(this->template value<OutTinyImg>()));
+        return dispatch<Lvl3>(priority, provider, strips<typename Lvl3::InStrip>(this->template value<InTinyImg>()),
+                              strips<typename Lvl3::OutStrip>(this->template value<OutTinyImg>()));
     }
     void initInitializers(processor::InitializerMap& initializers)
     {
@@ -275,10 +271,7 @@ class CopyLvl1
                                                                                image::eImageBufferType()));
     }
 };
-template<class Lvl3, class InStrip, class OutStrip>
-CopyLvl1<Lvl3, InStrip, OutStrip>::CopyLvl1() = default;
-template<class Lvl3, class InStrip, class OutStrip>
-CopyLvl1<Lvl3, InStrip, OutStrip>::~CopyLvl1() = default;
+TINY_DEFINE(CopyLvl1, CopyLvl1<Lvl3>, template<class Lvl3>);
 
 /// Called for each line, on whichever thread works on it.
 struct Hook
@@ -305,16 +298,13 @@ class HookLvl3 : public ProcessingAlgorithm<HookLvl3, InTinyYStrip, OutMarks>
         return Hook::s_onLine ? Hook::s_onLine(y) : success();
     }
 };
-inline HookLvl3::HookLvl3() = default;
-inline HookLvl3::~HookLvl3() = default;
+TINY_DEFINE(HookLvl3, HookLvl3);
 
 class HookLvl2 : public processor::Processor<HookLvl2, processor::BaseAsync1Processor, InTinyImg, OutMarks>
 {
     ORVIK_PROCESSOR(HookLvl2, 8)
 
-    using processor::BaseAsync1Processor::retrieveProvider;
-    processor::RetrievalResult retrieveProvider(const core::BasePriority& priority,
-                                                processor::ProviderPtr& provider) override
+    TINY_STAGE
     {
         return dispatch<HookLvl3>(priority, provider, strips<InTinyYStrip>(value<InTinyImg>()),
                                   resultOfEach<OutMarks>(m_results));
@@ -331,19 +321,15 @@ class HookLvl2 : public processor::Processor<HookLvl2, processor::BaseAsync1Proc
     void clearIntermediateData() noexcept override { m_results->clear(); }
 
 private:
-    typedef std::map<processor::ElementsRange, boost::shared_ptr<Marks>> Results;
-    boost::shared_ptr<Results> m_results = boost::make_shared<Results>();
+    processor::ResultsOfStrips<Marks> m_results;
 };
-inline HookLvl2::HookLvl2() = default;
-inline HookLvl2::~HookLvl2() = default;
+TINY_DEFINE(HookLvl2, HookLvl2);
 
 class HookLvl1 : public processor::Processor<HookLvl1, processor::BaseAsync1Processor, InTinyImg, OutPIMarks>
 {
     ORVIK_PROCESSOR(HookLvl1, 9)
 
-    using processor::BaseAsync1Processor::retrieveProvider;
-    processor::RetrievalResult retrieveProvider(const core::BasePriority& priority,
-                                                processor::ProviderPtr& provider) override
+    TINY_STAGE
     {
         return dispatch<HookLvl2>(priority, provider, eachPlane<InTinyImg>(value<InTinyImg>()),
                                   entryOfEachPlane<OutMarks>(value<OutPIMarks>(), *value<InTinyImg>()));
@@ -353,8 +339,7 @@ class HookLvl1 : public processor::Processor<HookLvl1, processor::BaseAsync1Proc
         addInitializer<OutPIMarks>(initializers, fromImage(attribute<OutPIMarks>(), attribute<InTinyImg>()));
     }
 };
-inline HookLvl1::HookLvl1() = default;
-inline HookLvl1::~HookLvl1() = default;
+TINY_DEFINE(HookLvl1, HookLvl1);
 
 const processor::KernelRegistrator<HookLvl3, processor::AllKernelTypes, core::eIS_Generic> g_kernelsHook(__FILE__);
 
