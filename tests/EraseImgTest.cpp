@@ -11,7 +11,7 @@ TEST(EraseImg, SetsAllPlanesToZeroAndNothingBetweenTheLines)
     for (const image::eImageBufferType type : kAllTypes)
         for (const auto& [width, gap] : {std::make_pair(1ul, 5ul), {63, 0}, {65, 5}}) {
             const GuardedImage guarded(*randomImage(type, {width, 3, 2, 3, 2}, 5), gap);
-            ran<imaproc::util::EraseImgLvl2, imaproc::attr::OutSubImg2d>(guarded.get());
+            ran<imaproc::util::EraseImgLvl2, OutSubImg2d>(guarded.get());
             EXPECT_TRUE(sameSamples(*image::createImage(type, {width, 3, 2, 3, 2}), *guarded.get()));
         }
 }

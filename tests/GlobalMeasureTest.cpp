@@ -6,10 +6,10 @@
 #include "siblings/GlobalMeasure/Processor/HistogramMsr/HistogramMsr2dLvl2.h"
 #include "siblings/GlobalMeasure/Processor/StatsMsr/StatsMsr2dLvl2.h"
 
+#include <numeric>
+
 namespace orvik::test { namespace {
 
-using namespace image;
-using namespace imaproc::attr;
 using namespace imaproc::glbmsr;
 typedef HistogramResult Histogram;
 typedef std::vector<std::pair<double, double>> Pairs;
@@ -34,20 +34,15 @@ boost::shared_ptr<Histogram> histogramOf(const ImagePtr& image)
 ImagePtr lineOf(eImageBufferType type, const Numbers& values)
 {
     const ImagePtr image = createImage(type, {values.size()});
-    for (unsigned long x = 0; x < values.size(); ++x)
-        setSample(*image, values[x], x, 0);
+    forEachSample(image->getGeometry().getSizes(), [&](auto x, auto...) { setSample(*image, values[x], x, 0); });
     return image;
 }
 
-/// Random samples, those of floats in eighths, some of them NaN: their sums need no rounding.
-ImagePtr eighths(eImageBufferType type, const ImageSizes& sizes)
+/// Random samples, of floats of such values that their sums need no rounding, and NaN.
+ImagePtr samplesOf(eImageBufferType type, const ImageSizes& sizes)
 {
-    const ImagePtr image = randomImage(type, sizes, 7);
-    if (type == eIBT_Real32)
-        forEachSample(sizes, [&](auto x, auto y, auto...) {
-            setSample(*image, (x + y) % 7 == 3 ? kNan : std::floor(sampleAt(*image, x, y) * 8) / 8, x, y);
-        });
-    return image;
+    const Numbers eighths = {-1000, -999.875, -3.5, 0.125, 1, 77.25, 700.375, 1e4, kNan};
+    return type == eIBT_Real32 ? drawnImage(type, sizes, eighths, 7) : randomImage(type, sizes, 7);
 }
 
 /// In rising order, without those that are no numbers.
@@ -68,7 +63,7 @@ INSTANTIATE_TEST_SUITE_P(AllTypes, PlaneMeasures, ::testing::ValuesIn(kAllTypes)
 TEST_P(PlaneMeasures, StatsAreThoseOfTheSamplesInAnyOrder)
 {
     for (const unsigned long width : {1, 7, 8, 9, 63, 64, 65, 200}) {
-        const GuardedImage guarded(*eighths(GetParam(), {width, 5}), 3);
+        const GuardedImage guarded(*samplesOf(GetParam(), {width, 5}), 3);
         const Numbers values = sortedIn(*guarded.get()), found = statsOf(guarded.get());
         long double sum = 0, squares = 0;
         for (const double v : values)
@@ -86,7 +81,7 @@ TEST_P(PlaneMeasures, StatsAreThoseOfTheSamplesInAnyOrder)
 TEST_P(PlaneMeasures, HistogramsCountEachSampleInItsBin)
 {
     for (const ImageSizes& sizes : {ImageSizes(1, 1), {65, 1}, {200, 400}}) {
-        const GuardedImage guarded(*eighths(GetParam(), sizes), 3);
+        const GuardedImage guarded(*samplesOf(GetParam(), sizes), 3);
         const Numbers values = sortedIn(*guarded.get());
         const double low = values.front(), high = values.back(), span = high - low;
         const bool perValue = GetParam() != eIBT_Real32 && span < 65536;
@@ -168,11 +163,10 @@ TEST(Quantiles, OfWholeNumbersAreTheLowestValueThatReachesTheShare)
     expectQuantiles(
         *histogramOf(lineOf(eIBT_Int16, {40, -10, 30, 20})),
         {{-5, -10}, {0, -10}, {25, -10}, {25.001, 20}, {50, 20}, {75, 30}, {100, 40}, {250, 40}, {kInfinity, 40}});
-    const ImagePtr hundred = createImage(eIBT_UInt8, {100});
-    for (unsigned long i = 0; i < 100; ++i)
-        setSample(*hundred, static_cast<double>(i), i, 0);
+    Numbers hundred(100);
+    std::iota(hundred.begin(), hundred.end(), 0.0);
     for (int percent = 1; percent <= 100; ++percent)
-        expectQuantiles(*histogramOf(hundred), {{percent, percent - 1}});
+        expectQuantiles(*histogramOf(lineOf(eIBT_UInt8, hundred)), {{percent, percent - 1}});
 }
 
 TEST(Quantiles, OfEqualBinsLieEvenlyInThem)

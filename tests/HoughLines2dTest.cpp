@@ -1,6 +1,7 @@
 // Lines of planes: where they are found, which bins become lines, the calls.
 
 #include "FamilyShapes.h"
+#include "GaussianFormula.h"
 
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
@@ -11,8 +12,6 @@
 
 namespace orvik::test { namespace {
 
-using namespace image;
-using namespace imaproc::attr;
 using namespace imaproc::fd;
 typedef HoughLinesImgParams Params;
 typedef HoughLinesExtractionParams Extraction;
@@ -32,41 +31,6 @@ void draw(BaseImage& image, double rho, double theta)
     }
 }
 
-/// Draws lines of that angle through points in the middle and beside it: each is listed once, within a bin of 1 pixel and
-/// 1 degree, of which theta + pi is the same with -rho.
-void expectDrawnLines(unsigned long sizeX, unsigned long sizeY, double degrees,
-                      const boost::shared_ptr<const Params>& params)
-{
-    const double theta = degrees * kPi / 180;
-    const ImagePtr plane = blank(sizeX, sizeY);
-    Numbers rhos;
-    for (const double offset : {-25.0, 0.0, 31.0}) {
-        rhos.push_back(offset + std::floor(sizeX / 2.0) * std::cos(theta) + std::floor(sizeY / 2.0) * std::sin(theta));
-        draw(*plane, rhos.back(), theta);
-    }
-    const Numbers found = numbersOf(houghLines2d(plane, params, nullptr).first);
-    EXPECT_EQ(3.0, found[0]);
-    for (const double rho : rhos) {
-        int nbSame = 0;
-        for (std::size_t i = 1; i < found.size(); i += 3)
-            for (const double turn : {-kPi, 0.0, kPi})
-                nbSame += std::fabs(found[i + 1] - theta + turn) <= kPi / 180
-                          && std::fabs(found[i] - (turn == 0.0 ? rho : -rho)) <= 1.0;
-        EXPECT_EQ(1, nbSame) << sizeX << " x " << sizeY << ", " << degrees << " degrees, rho " << rho;
-    }
-}
-
-TEST(HoughLines, DrawnOnesAreListedOnceEachWithinOneBin)
-{
-    for (const double degrees : {0.0, 0.3, 0.5, 1.0, 7.2, 30.0, 45.0, 60.4, 89.6, 90.0, 90.3, 120.0, 135.0, 150.7, 172.9,
-                                 178.0, 179.0, 179.5, 179.8})
-        for (const unsigned long sizeX : {120ul, 121ul})
-            for (const unsigned long sizeY : {100ul, 101ul})
-                expectDrawnLines(sizeX, sizeY, degrees, nullptr);
-    for (const double degrees : {0.1, 33.3, 91.0, 179.9})
-        expectDrawnLines(201, 200, degrees, Params::createNode(0.5, 0.0, kPi, 720u, 0.0f));
-}
-
 bool isCyclic(const Params& params)
 {
     return params.get<Params::ThetaMin>() <= 0 && params.get<Params::ThetaMax>() >= kPi;
@@ -81,8 +45,7 @@ Numbers expectedLines(const BaseImage& plane, const ImagePtr& accumulator, const
                  thetaStep = (params.get<Params::ThetaMax>() - thetaMin) / nbAngles;
     const unsigned int dist = extraction.get<Extraction::PeakDist>();
     double threshold = extraction.get<Extraction::Threshold>();
-    Numbers bins;
-    forEachSample(accumulator->getGeometry().getSizes(), [&](auto... at) { bins.push_back(sampleAt(*accumulator, at...)); });
+    Numbers bins = planeOf(*accumulator).samples;
     std::sort(bins.begin(), bins.end());
     if (extraction.get<Extraction::ThresholdType>() == eHLTT_Ratio)
         threshold *= bins.back();
@@ -161,10 +124,10 @@ TEST(HoughLines, OfNothingAreNone)
     for (const int kind : {0, 1, 2}) {
         for (const eImageBufferType type : {eIBT_UInt8, eIBT_Int32, eIBT_Real32})
             EXPECT_EQ(
-                0u, houghLines2d(createImage(type, {30, 20}), nullptr, Extraction::createNode(kind, 0.5, 3u)).first->size());
-        EXPECT_EQ(0u, houghLines2d(plane, nullptr, Extraction::createNode(kind, kNan, 3u)).first->size());
+                Numbers{0},
+                numbersOf(houghLines2d(createImage(type, {30, 20}), nullptr, Extraction::createNode(kind, 0.5, 3u)).first));
+        EXPECT_EQ(Numbers{0}, numbersOf(houghLines2d(plane, nullptr, Extraction::createNode(kind, kNan, 3u)).first));
     }
-    EXPECT_EQ(0u, houghLines2d(plane, Params::createNode(kNan, 0.0, kPi, 18u, 0.0f), nullptr).first->size());
 }
 
 TEST(HoughLines, AreTheSameByEveryCallForStripsAndThreads)
@@ -176,35 +139,29 @@ TEST(HoughLines, AreTheSameByEveryCallForStripsAndThreads)
     const ImagePtr &stack = guarded.get(), plane = drawn->getView(PlanIndex(1, 0, 0), 1);
     const auto params = Params::createNode(0.8, 0.0, kPi, 120u, 0.0f);
     const auto extraction = Extraction::createNode(eHLTT_Absolute, 20.0, 6u);
-    const auto one = numbersOf(houghLines2d(plane)), chosen = numbersOf(houghLines2d(plane, params, extraction));
-    const auto lines = planeByPlane(drawn, [](const ImagePtr& each) { return houghLines2d(each).first; });
-    const auto votes = planeByPlane(drawn, [](const ImagePtr& each) { return houghLines2d(each).second; });
-    const auto some =
-        planeByPlane(drawn, [&](const ImagePtr& each) { return houghLines2d(each, params, extraction).first; });
+    // Of all planes first the lines, then the votes.
+    const auto asListed = [&](const auto& f) {
+        OfPlanes expected(plane, stack, [&](const ImagePtr& each) { return f(each).first; });
+        const OfPlanes votes(plane, stack, [&](const ImagePtr& each) { return f(each).second; });
+        append(expected.ofPlane, votes.ofPlane);
+        append(expected.ofStack, votes.ofStack);
+        return expected;
+    };
+    const OfPlanes usual = asListed([](const ImagePtr& each) { return houghLines2d(each); });
+    const OfPlanes chosen = asListed([&](const ImagePtr& each) { return houghLines2d(each, params, extraction); });
     expectSameForStripsAndThreads([&] {
-        const auto all = multiSlice_houghLines2d(stack), allChosen = multiSlice_houghLines2d(stack, params, extraction);
-        const auto started = getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack));
-        const auto startedChosen =
-            getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack, params, extraction));
-        return std::vector<Call>{{one, houghLines2d(plane)},
-                                 {one, houghLines2d(plane, nullptr, nullptr)},
-                                 {one, houghLines2d_async(plane)},
-                                 {chosen, houghLines2d(plane, params, extraction)},
-                                 {chosen, houghLines2d_async(plane, params, extraction)},
-                                 {lines, all.first},
-                                 {votes, all.second},
-                                 {lines, started.first},
-                                 {votes, started.second},
-                                 {some, allChosen.first},
-                                 {some, startedChosen.first}};
+        return std::vector<Call>{CALLS(usual.ofPlane, houghLines2d, plane),
+                                 PLANE_CALLS(usual, houghLines2d, nullptr, nullptr),
+                                 PLANE_CALLS(chosen, houghLines2d, params, extraction),
+                                 {usual.ofStack, multiSlice_houghLines2d(stack)},
+                                 {usual.ofStack, getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack))}};
     });
 }
 
 TEST(HoughLines, MayBeRunAgainAndIntoACallersAccumulator)
 {
     const ImagePtr plane = picture(eIBT_Int8, 84), given = randomImage(eIBT_Int32, {120, 200}, 85);
-    const auto lines = processor::createInitialised<HoughLines2dLvl1>();
-    lines->set<InGreyImg2d>(plane);
+    const auto lines = processorWith<HoughLines2dLvl1, InGreyImg2d>(plane);
     for (const ImagePtr& accumulator : {ImagePtr(), ImagePtr(), given}) {
         if (accumulator)
             lines->set<OutOptImg>(accumulator);
@@ -223,7 +180,7 @@ TEST(HoughLines, EndAfterTheLastIteration)
 
 TEST(HoughLines, RefuseWhatDoesNotFitInWords)
 {
-    const ImagePtr plane = blank(5, 4), stack = blank(5, 4, 2), given = createImage(eIBT_UInt32, {8, 200});
+    const ImagePtr plane = blank(5, 4), given = createImage(eIBT_UInt32, {8, 200});
     const ImagePtr inside = wrapBuffer(given->accessLine(199), eIBT_UInt32, {5, 4}, ImageStrides(), given);
     const auto with = [&](const boost::shared_ptr<const Params>& params, unsigned int dist) {
         return [=] { houghLines2d(plane, params, Extraction::createNode(1, 0.5, dist)); };
@@ -231,16 +188,12 @@ TEST(HoughLines, RefuseWhatDoesNotFitInWords)
     const auto into = [&](const ImagePtr& in, const ImagePtr& accumulator) {
         return [=] { ran<HoughLines2dLvl1, InGreyImg2d, OutOptImg>(in, accumulator); };
     };
-    const std::string plans =
-        "failed: entries of OutPIHoughLines2dPpties are the planes (z, c, t) of InGreyImg2d: 1 entries, 2 planes";
     const std::string bins = "bins along rho and along theta: 8 along rho, ";
     expectRefusals(
         {given},
         {
-            {"HoughLines2dLvl1 refuses to run: mandatory attribute InGreyImg2d has no value (unset or null)",
-             into(nullptr, given)},
-            {plans, [&] { houghLines2d(stack); }},
-            {plans, [&] { getAsyncProcessorOutput(houghLines2d_async(stack)); }},
+            {"failed: entries of OutPIHoughLines2dPpties are the planes (z, c, t) of InGreyImg2d: 1 entries, 2 planes",
+             [&] { houghLines2d(blank(5, 4, 2)); }},
             {bins + "8589934770 along theta", with(nullptr, 4294967295u)},
             {bins + "0 along theta", with(Params::createNode(1.0, 0.0, 4.0, 0u, 0.0f), 1)},
             {"Y 180 against 200", into(plane, createImage(eIBT_UInt32, {8, 180}))},
@@ -248,7 +201,6 @@ TEST(HoughLines, RefuseWhatDoesNotFitInWords)
             {"failed: buffer type, of OutOptImg", into(plane, blank(8, 200))},
             {"failed: number of planes", into(plane, createImage(eIBT_UInt32, {8, 200, 2}))},
             {"failed: memory of InGreyImg2d", into(inside, given)},
-            {"A null processor can't be run", [] { getAsyncProcessorOutput(boost::shared_ptr<HoughLines2dLvl1>()); }},
         });
     // Where the angles do not go round, the distance has no rows to add, and sees the whole accumulator.
     setSample(*plane, 1, 3, 1);

@@ -53,14 +53,14 @@ public:
     ~ForcedSet() { X::releaseForcedInstructionSets(); }
 };
 
-/// Whether class `X` has a kernel for that type and set, which depends on the class and on the machine.
+/// The rank of the kernel of class `X` for that type and set, or `none`: it depends on the class and on the machine.
 template<class X>
-bool hasKernel(unsigned int bufferType, core::eInstructionSet set)
+unsigned int rankOf(unsigned int bufferType, core::eInstructionSet set, unsigned int none)
 {
     for (const auto& function : X::retrieveFunctionSelector().getFunctions())
         if (function.getDataTypes().getType() == bufferType && function.getInstructionSets().getSet(0) == set)
-            return true;
-    return false;
+            return function.getEfficiency();
+    return none;
 }
 
 /// Widths around whole vectors and blocks of any set.
@@ -74,7 +74,7 @@ class KernelTest : public ::testing::TestWithParam<TypeAndSet>
 protected:
     void SetUp() override
     {
-        if (!hasKernel<X>(type(), set()))
+        if (rankOf<X>(type(), set(), s_noKernel) == s_noKernel)
             GTEST_SKIP() << "no kernel for " << toString(type()) << " and " << core::getInstructionSetName(set());
         m_forced = std::make_unique<ForcedSet<X>>(set());
         lastEfficiency() = s_noKernel;
@@ -86,11 +86,8 @@ protected:
         m_forced.reset();
         const unsigned int last = lastEfficiency();
         ASSERT_NE(s_noKernel, last) << "the test ran no kernel at all";
-        for (const auto& function : X::retrieveFunctionSelector().getFunctions())
-            if (function.getDataTypes().getType() == type() && function.getInstructionSets().getSet(0) == set()) {
-                EXPECT_EQ(function.getEfficiency(), last)
-                    << "another kernel ran last than that of " << core::getInstructionSetName(set());
-            }
+        EXPECT_EQ(rankOf<X>(type(), set(), s_noKernel), last)
+            << "another kernel ran last than that of " << core::getInstructionSetName(set());
     }
     image::eImageBufferType type() const { return std::get<0>(GetParam()); }
     core::eInstructionSet set() const { return std::get<1>(GetParam()); }

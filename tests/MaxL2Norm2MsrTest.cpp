@@ -8,7 +8,6 @@
 
 namespace orvik::test { namespace {
 
-using namespace image;
 using namespace imaproc::fd;
 
 /// One strip as the definition has it: squares and sum in float, the root in double. Lines are handed over as whole blocks
@@ -79,23 +78,19 @@ TEST(MaxL2Norm2MsrCalls, GiveTheSameForStripsAndThreads)
     const GuardedImage b(*randomImage(eIBT_Int16, {133, 41, 3, 2, 2}, 6), 0);
     const Numbers expected = {maxL2Norm2Msr(a.get(), b.get())};
     EXPECT_NEAR(reference(*a.get(), *b.get()), expected[0], 1.2e-7 * expected[0]);
-    expectSameForStripsAndThreads([&] {
-        return std::vector<Call>{{expected, maxL2Norm2Msr(a.get(), b.get())},
-                                 {expected, maxL2Norm2Msr_async(a.get(), b.get())}};
-    });
+    expectSameForStripsAndThreads([&] { return std::vector<Call>{CALLS(expected, maxL2Norm2Msr, a.get(), b.get())}; });
 }
 
 TEST(MaxL2Norm2MsrCalls, RefuseWhatDoesNotFitInWords)
 {
     const ImagePtr image = createImage(eIBT_Binary, {16, 16}), lower = createImage(eIBT_Binary, {16, 15});
     const ImagePtr labels = createImage(eIBT_Label8, {16, 16});  // the same samples, but another meaning
+    const std::string refuses = "MaxL2Norm2MsrLvl1 refuses to run: ", unset = " has no value (unset or null)";
     expectRefusals(
         {},
         {
-            {"MaxL2Norm2MsrLvl1 refuses to run: mandatory attribute InImg1 has no value (unset or null)",
-             [&] { maxL2Norm2Msr(nullptr, image); }},
-            {"MaxL2Norm2MsrLvl1 refuses to run: mandatory attribute InImg2 has no value (unset or null)",
-             [&] { maxL2Norm2Msr(image, nullptr); }},
+            {refuses + "mandatory attribute InImg1" + unset, [&] { maxL2Norm2Msr(nullptr, image); }},
+            {refuses + "mandatory attribute InImg2" + unset, [&] { maxL2Norm2Msr(image, nullptr); }},
             {"failed: size X x Y x Z x C x T of InImg1 (16 x 16 x 1 x 1 x 1) equals that of InImg2 (16 x 15 x 1 x 1 x 1)",
              [&] { maxL2Norm2Msr(image, lower); }},
             {"failed: buffer type of InImg1 (binary (type 8)) equals that of InImg2 (label 8 bits (type 11))",
