@@ -26,7 +26,7 @@ file(GLOB_RECURSE headers_of_users RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPEND
   ${CMAKE_SOURCE_DIR}/frame/*.h ${CMAKE_SOURCE_DIR}/frame/*.inc ${CMAKE_SOURCE_DIR}/siblings/*Lvl1.h)
 list(FILTER headers_of_users EXCLUDE REGEX "^frame/(simd/\
 |core/(BackgroundRuns|Environment|RunState|StageRun|TaskHandOver|ThreadPool)|image/(ImageLines|SharedMemory)\
-|imaproc/(FunctionForms|ImageRuleParts|ImageSplits|PlanIndexedInitializers|Stages)\
+|imaproc/(FunctionForms|ImageInitializerParts|ImageRuleParts|ImageSplits|PlanIndexedInitializers|Stages)\
 |processor/(Dispatcher|KernelRegistrator|Split|ValueArchiving)|util/FrameMessages)")
 list(APPEND headers_of_users
   siblings/AdvancedMorphology/Library.h siblings/Filtering/Library.h siblings/Utility/Library.h)

@@ -1,24 +1,6 @@
 #include "ORVIKIPLFeatureDetectionLogMessages.h"
 
-#include "Library.h"
-
-#include "frame/processor/ClassStatics.h"
-
-#include <boost/thread/lock_guard.hpp>
-#include <boost/thread/mutex.hpp>
-
-namespace orvik { namespace imaproc { namespace fd {
-
-std::string Library::toolTip(unsigned int row)
-{
-    MessageMapRegistrator<eProcessorMessage>::process();
-    const boost::lock_guard<boost::mutex> lock(processor::ToolTipMutex::get());
-    return LogMessageFormater(getORVIKIPLFeatureDetectionLogMessageManager())
-        .setMsgId(typeid(eProcessorMessage::domain).name(), static_cast<int>(row))
-        .string();
-}
-
-namespace {
+namespace orvik { namespace imaproc { namespace fd { namespace {
 
 /// Registers all maps while the library loads; a text asked for earlier registers its own.
 const bool g_registered = MessageMapRegistrator<eProcessorMessage>::process()

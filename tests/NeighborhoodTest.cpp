@@ -1,6 +1,8 @@
-// Labels and propagations for all neighbourhoods of planes and volumes, by the code that processors of both share.
+// What processors of planes and volumes share: labels and propagations for all neighbourhoods, the chain of Canny.
 
 #include "TestImages.h"
+
+#include "Processor/CannyChainStages.h"
 
 #include "siblings/AdvancedMorphology/Processor/ComponentLabels.h"
 #include "siblings/AdvancedMorphology/Processor/ExtremumPropagation.h"
@@ -110,6 +112,18 @@ TEST_P(Neighbors, LabelsAndPropagationsEqualTheFlood)
             EXPECT_TRUE(sameSamples(*expectedLabels, *labels));
             EXPECT_TRUE(sameSamples(*expected, *image));
         }
+}
+
+TEST(CannyChain, HandsOnTheLastGradientFirst)
+{
+    using imaproc::fd::Gradient;
+    typedef imaproc::fd::GradientList<Gradient<InGxGreyImg2d, InSubGxImg2d>, Gradient<InGyGreyImg2d, InSubGyImg2d>,
+                                      Gradient<InImg, InSubImg2d>>
+        Gradients;
+    const std::string order =
+        Gradients::withParts([](const auto&... names) { return ((names + ' ') + ...); },
+                             [](auto gradient) { return decltype(gradient)::Part::getObjectNameStr(); });
+    EXPECT_EQ("InSubImg2d InSubGyImg2d InSubGxImg2d ", order);
 }
 
 }  // namespace

@@ -145,5 +145,20 @@ TEST(Rules, OnAScalarRefuseOnlyWhatIsNegative)
         rule->createRuleEvaluatedString(0));
 }
 
+TEST(Rules, OnImagesCompareAnyNumberOfThemWithTheFirst)
+{
+    boost::shared_ptr<InTinyImg> images[6];
+    for (auto& each : images)
+        (each = boost::make_shared<InTinyImg>())->init(blank(4, 8));
+    const auto& [a, b, c, d, e, f] = images;
+    const RulePtr five = matchSizeAndType(a, b, c, d, e), six = matchSizeAndType(a, b, c, d, e, f);
+    EXPECT_TRUE(six->testRule());
+    f->init(blank(4, 9));
+    EXPECT_TRUE(five->testRule());
+    EXPECT_FALSE(six->testRule());
+    e->init(blank(4, 8, 1, 1, image::eIBT_Int8));
+    EXPECT_FALSE(five->testRule());
+}
+
 }  // namespace
 }  // namespace orvik::test

@@ -363,5 +363,32 @@ TEST(Dispatchers, HandOutAsManyElementsAsTheyAnnouncedAndTellTheEnd)
     EXPECT_EQ(nbAnnounced, nbRequests);
 }
 
+template<bool Volumes>
+void expectHashesInPlace()
+{
+    const ImagePtr in = randomImage(image::eIBT_UInt32, ImageSizes(9, 10, 11, 2));
+    for (const auto& reach : g_reaches) {
+        const ImagePtr expected = expectedHashes<Volumes>(*in, *reach);
+        for (const unsigned long grain : {1, 2, 3, 5, 11})
+            for (const unsigned int nbThreads : {1, 4}) {
+                const WithGrain strips(grain);
+                const WithThreads threads(nbThreads);
+                const ImagePtr image = copyOf(*in);
+                const auto hash = processor::createInitialised<HashLvl1<Volumes>>();
+                hash->template set<InTinyImg>(image);
+                hash->template set<InReach>(reach);
+                hash->template set<OutTinyImg>(image);
+                processor::executeSyncRun(hash);
+                EXPECT_TRUE(sameSamples(*expected, *image)) << grain << " per strip, " << nbThreads << " threads";
+            }
+    }
+}
+
+TEST(StripsInPlace, OfPlanesAndVolumesShowWhatWasThereForAnySizeAndThreads)
+{
+    expectHashesInPlace<false>();
+    expectHashesInPlace<true>();
+}
+
 }  // namespace
 }  // namespace orvik::test

@@ -163,11 +163,12 @@ class HashLvl2
         const auto& reach = this->template value<InReach>();
         const auto& out = this->template value<OutTinyImg>();
         const image::StripMargins margins = marginsOf(*reach);
+        const bool inPlace = in->getLine(0) == out->getLine(0);
         if constexpr (Volumes)
-            return dispatch<HashZLvl3>(priority, provider, stripsWithMargins<InTinyKnlZStrip>(in, margins),
+            return dispatch<HashZLvl3>(priority, provider, StripsOf<InTinyKnlZStrip>{in, margins, inPlace},
                                        same<InReach>(reach), strips<OutTinyZStrip>(out));
         else
-            return dispatch<HashYLvl3>(priority, provider, stripsWithMargins<InTinyKnlYStrip>(in, margins),
+            return dispatch<HashYLvl3>(priority, provider, StripsOf<InTinyKnlYStrip>{in, margins, inPlace},
                                        same<InReach>(reach), strips<OutTinyYStrip>(out));
     }
 };

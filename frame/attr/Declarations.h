@@ -1,7 +1,7 @@
 #pragma once
 
-// Names without their contents, for headers that only mention them: images, records, attributes, and how pointers to them
-// are spelled.
+// Names without their contents, for headers that only mention them: images, strips, records, attributes, and how pointers to
+// them are spelled.
 
 #include <boost/shared_ptr.hpp>
 
@@ -14,7 +14,9 @@ using ConstPtr = boost::shared_ptr<const T>;
 
 namespace image {
 class BaseImage;
-}
+class OutputImageYStrip2d;
+class OutputImageZStrip3d;
+}  // namespace image
 
 namespace imaproc {
 

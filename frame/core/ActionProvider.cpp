@@ -1,10 +1,25 @@
 #include "frame/core/ActionProvider.h"
 
 #include "frame/core/BaseAction.h"
+#include "frame/core/RunState.h"
 
 #include "frame/util/Arena.h"
 
 namespace orvik { namespace core {
+
+bool BaseRequestOrigin::isCancellationRequested() const
+{
+    return m_run && m_run->cancelled.load(std::memory_order_relaxed);
+}
+
+void BaseRequestOrigin::reportProgress(unsigned long nbDone, unsigned long nbElements) const
+{
+    if (!m_run || !m_reportsProgress)
+        return;
+    const std::lock_guard<std::mutex> lock(m_run->progressMutex);
+    if (m_run->progress)
+        m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
+}
 
 BaseActionRequest::~BaseActionRequest() = default;
 BaseActionProvider::BaseActionProvider() = default;

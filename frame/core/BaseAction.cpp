@@ -25,20 +25,6 @@ std::string textOf(const std::exception_ptr& failure)
 
 }  // namespace
 
-bool BaseRequestOrigin::isCancellationRequested() const
-{
-    return m_run && m_run->cancelled.load(std::memory_order_relaxed);
-}
-
-void BaseRequestOrigin::reportProgress(unsigned long nbDone, unsigned long nbElements) const
-{
-    if (!m_run || !m_reportsProgress)
-        return;
-    const std::lock_guard<std::mutex> lock(m_run->progressMutex);
-    if (m_run->progress)
-        m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
-}
-
 BaseAction::BaseAction() = default;
 
 BaseAction::~BaseAction()

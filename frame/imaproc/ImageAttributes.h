@@ -7,6 +7,30 @@
 
 namespace orvik { namespace imaproc {
 
+/// Of an attribute that points to its value: null is none.
+template<class Base, class T>
+class PointerStorage : public Base
+{
+public:
+    typedef boost::shared_ptr<T> StorageType;
+
+    void init(const StorageType& value)
+    {
+        m_value = value;
+        this->setHasValue(value != nullptr);
+    }
+    void assign(const StorageType& value) { init(value); }
+    const StorageType& getStorage() const { return m_value; }
+    void clear() override
+    {
+        Base::clear();
+        m_value.reset();
+    }
+
+private:
+    StorageType m_value;
+};
+
 class ORVIK_API BaseImageAttribute : public processor::BaseAttribute
 {
 public:
@@ -18,27 +42,10 @@ public:
 typedef boost::weak_ptr<const BaseImageAttribute> WeakImage;
 
 template<class Image>
-class ImageStorage : public BaseImageAttribute
+class ImageStorage : public PointerStorage<BaseImageAttribute, Image>
 {
 public:
-    typedef boost::shared_ptr<Image> StorageType;
-
-    void init(const StorageType& value)
-    {
-        m_value = value;
-        setHasValue(value != nullptr);
-    }
-    void assign(const StorageType& value) { init(value); }
-    const StorageType& getStorage() const { return m_value; }
-    boost::shared_ptr<const image::BaseImage> getImage() const override { return m_value; }
-    void clear() override
-    {
-        BaseImageAttribute::clear();
-        m_value.reset();
-    }
-
-private:
-    StorageType m_value;
+    boost::shared_ptr<const image::BaseImage> getImage() const override { return this->getStorage(); }
 };
 
 /// An image that is only read.
@@ -66,29 +73,13 @@ public:
 };
 
 template<class StripClass, bool Writable>
-class StripStorage : public BaseStripAttribute
+class StripStorage : public PointerStorage<BaseStripAttribute, StripClass>
 {
 public:
     typedef StripClass Strip;
-    typedef boost::shared_ptr<Strip> StorageType;
     static constexpr bool s_writable = Writable;
 
-    void init(const StorageType& value)
-    {
-        m_value = value;
-        setHasValue(value != nullptr);
-    }
-    void assign(const StorageType& value) { init(value); }
-    const StorageType& getStorage() const { return m_value; }
-    boost::shared_ptr<image::BaseImageFragment> getImageStrip() const override { return m_value; }
-    void clear() override
-    {
-        BaseStripAttribute::clear();
-        m_value.reset();
-    }
-
-private:
-    StorageType m_value;
+    boost::shared_ptr<image::BaseImageFragment> getImageStrip() const override { return this->getStorage(); }
 };
 
 /// Of strips with margins: how far their kernel reads, in samples on each side.
@@ -150,29 +141,13 @@ public:
 };
 
 template<class Coll>
-class PlanIndexedStorage : public BasePlanIndexedAttribute
+class PlanIndexedStorage : public PointerStorage<BasePlanIndexedAttribute, Coll>
 {
 public:
-    typedef boost::shared_ptr<Coll> StorageType;
     typedef typename Coll::Entry Entry;
 
-    void init(const StorageType& value)
-    {
-        m_value = value;
-        setHasValue(value != nullptr);
-    }
-    void assign(const StorageType& value) { init(value); }
-    const StorageType& getStorage() const { return m_value; }
-    boost::shared_ptr<BasePlanIndexedColl> accessStorage() const override { return m_value; }
-    void initEmpty() override { init(Coll::createColl()); }
-    void clear() override
-    {
-        BasePlanIndexedAttribute::clear();
-        m_value.reset();
-    }
-
-private:
-    StorageType m_value;
+    boost::shared_ptr<BasePlanIndexedColl> accessStorage() const override { return this->getStorage(); }
+    void initEmpty() override { this->init(Coll::createColl()); }
 };
 
 }}  // namespace orvik::imaproc

@@ -1,43 +1,8 @@
 #include "frame/imaproc/ImageInitializers.h"
-#include "frame/imaproc/PlanIndexedInitializers.h"
 
-#include "frame/util/FrameMessages.h"
+#include "frame/imaproc/ImageInitializerParts.h"
 
 namespace orvik { namespace imaproc {
-
-namespace {
-
-template<class... Arguments>
-std::string textOf(eImageInitializerMessage::domain message, const Arguments&... arguments)
-{
-    return messageText(getORVIKImageProcessingLogMessageManager(), message, arguments...);
-}
-
-boost::shared_ptr<const BaseImageAttribute> lockInput(const WeakImage& input)
-{
-    const boost::shared_ptr<const BaseImageAttribute> locked = input.lock();
-    if (!locked)
-        ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
-                    processor::eOutputInitializerMessage::eAttributeExpired);
-    return locked;
-}
-
-void checkInput(const WeakImage& input)
-{
-    if (!input.lock())
-        ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
-                    processor::eOutputInitializerMessage::eNullAttribute);
-}
-
-/// The image of an attribute; false with its name when there is none.
-BoolResult imageOf(const WeakImage& input, boost::shared_ptr<const image::BaseImage>& image)
-{
-    const boost::shared_ptr<const BaseImageAttribute> attribute = lockInput(input);
-    image = attribute->getImage();
-    return image ? success() : failure(textOf(eImageInitializerMessage::eInputUnset, attribute->getObjectName()));
-}
-
-}  // namespace
 
 BaseImageProcessingOutputInitializer::~BaseImageProcessingOutputInitializer() = default;
 BaseUnaryImageInitializer::~BaseUnaryImageInitializer() = default;
@@ -46,7 +11,6 @@ BasePromoteUnaryImageInitializer::~BasePromoteUnaryImageInitializer() = default;
 BaseCustomImageInfo::~BaseCustomImageInfo() = default;
 BaseFromImageCustomImageInfo::~BaseFromImageCustomImageInfo() = default;
 BaseCustomImageInitializer::~BaseCustomImageInitializer() = default;
-BaseFromImagePlanIndexedInitializer::~BaseFromImagePlanIndexedInitializer() = default;
 
 BoolResult BaseImageProcessingOutputInitializer::initAttribute()
 {
@@ -152,52 +116,6 @@ BoolResult BaseCustomImageInitializer::getOutputGeometry(image::ImageSizes& size
 std::string BaseCustomImageInitializer::createInitializerFormalString() const
 {
     return textOf(eImageInitializerMessage::eAsComputed, getOutputAttribute()->getObjectName());
-}
-
-void BaseFromImagePlanIndexedInitializer::initBase(const boost::weak_ptr<BasePlanIndexedAttribute>& out, const WeakImage& in,
-                                                   const eFromImagePlanIndexedPolicy& policy)
-{
-    initBase(out);
-    checkInput(in);
-    m_input = in;
-    m_policy = policy;
-}
-
-BoolResult BaseFromImagePlanIndexedInitializer::initAttribute()
-{
-    boost::shared_ptr<const image::BaseImage> input;
-    const BoolResult result = imageOf(m_input, input);
-    if (!result)
-        return result;
-    return initAttribute(static_cast<BasePlanIndexedAttribute&>(*getOutputAttribute()),
-                         m_policy == eFIPIP_Planes ? input->getSizeZ() : 1, input->getSizeC(), input->getSizeT());
-}
-
-void BaseFromImagePlanIndexedInitializer::initPlanIndexed(unsigned long sizeZ, unsigned long sizeC, unsigned long sizeT,
-                                                          BasePlanIndexedColl& coll,
-                                                          const CreationFunction& creationFunction)
-{
-    for (unsigned long t = 0; t < sizeT; ++t)
-        for (unsigned long c = 0; c < sizeC; ++c)
-            for (unsigned long z = 0; z < sizeZ; ++z)
-                if (!coll.getStorage(PlanIndex(z, c, t)))
-                    coll.insert(PlanIndex(z, c, t), creationFunction());
-}
-
-std::string BaseFromImagePlanIndexedInitializer::createInitializerFormalString() const
-{
-    return textOf(m_policy == eFIPIP_Planes ? eImageInitializerMessage::eEntryPerPlane
-                                            : eImageInitializerMessage::eEntryPerVolume,
-                  getOutputAttribute()->getObjectName(), lockInput(m_input)->getObjectName());
-}
-
-std::string BaseFromImagePlanIndexedInitializer::createInitializerEvaluatedString() const
-{
-    boost::shared_ptr<const image::BaseImage> input;
-    const BoolResult result = imageOf(m_input, input);
-    return result.getValue() ? textOf(eImageInitializerMessage::eEntriesOf, createInitializerFormalString(),
-                                      toString(input->getGeometry().getSizes()))
-                             : result.getMessage();
 }
 
 }}  // namespace orvik::imaproc

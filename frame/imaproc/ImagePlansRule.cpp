@@ -13,10 +13,8 @@ using processor::RulePtr;
 std::vector<PlanIndex> plansOf(const image::ImageSizes& sizes, eImagePlansMatchPolicy policy)
 {
     std::vector<PlanIndex> plans;
-    for (unsigned long t = 0; t < sizes.t; ++t)
-        for (unsigned long c = 0; c < sizes.c; ++c)
-            for (unsigned long z = 0; z < (policy == eIPMP_Planes ? sizes.z : 1); ++z)
-                plans.emplace_back(z, c, t);
+    forEachPlan(policy == eIPMP_Planes ? sizes.z : 1, sizes.c, sizes.t,
+                [&](const PlanIndex& plan) { plans.push_back(plan); });
     return plans;
 }
 

@@ -25,6 +25,13 @@ ORVIK_API processor::RulePtr matchSizeAndType(const WeakImage& a, const WeakImag
 ORVIK_API processor::RulePtr matchSizeAndType(const WeakImage& a, const WeakImage& b, const WeakImage& c);
 ORVIK_API processor::RulePtr matchSizeAndType(const WeakImage& a, const WeakImage& b, const WeakImage& c,
                                               const WeakImage& d);
+/// All images match the first one.
+template<class... Images>
+processor::RulePtr matchSizeAndType(const WeakImage& a, const WeakImage& b, const WeakImage& c, const WeakImage& d,
+                                    const WeakImage& e, const Images&... others)
+{
+    return matchSizeAndType(a, b, c, d) && matchSizeAndType(a, e, others...);
+}
 ORVIK_API processor::RulePtr matchSizeAndType(const WeakStrip& a, const WeakStrip& b);
 /// All strips match the first one.
 template<class... Strips>

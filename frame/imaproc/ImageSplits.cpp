@@ -29,9 +29,7 @@ BoolResult BaseSubImageSplit<Image>::getSubImage(unsigned long index, boost::sha
         subImage = m_image;
         return success();
     }
-    const unsigned long sizeC = m_image->getSizeC();
-    const PlanIndex plan(index % m_sizeZ, index / m_sizeZ % sizeC, index / (m_sizeZ * sizeC));
-    subImage = m_image->getView(plan, m_sizeZ == 1 ? m_image->getSizeZ() : 1);
+    subImage = m_image->getView(planAt(index, m_sizeZ, m_image->getSizeC()), m_sizeZ == 1 ? m_image->getSizeZ() : 1);
     return success();
 }
 
@@ -50,20 +48,13 @@ BoolResult BasePlanIndexedSplit::initBase(const boost::shared_ptr<BasePlanIndexe
     m_sizeC = sizeC;
     m_sizeT = sizeT;
     if (coll->getNbPlans() == 0)
-        for (unsigned long t = 0; t < sizeT; ++t)
-            for (unsigned long c = 0; c < sizeC; ++c)
-                for (unsigned long z = 0; z < sizeZ; ++z)
-                    coll->insert(PlanIndex(z, c, t), coll->createEntry());
+        forEachPlan(sizeZ, sizeC, sizeT, [&](const PlanIndex& plan) { coll->insert(plan, coll->createEntry()); });
     return success();
 }
 
 BoolResult BasePlanIndexedSplit::getEntry(unsigned long index, boost::shared_ptr<BaseSerializationObject>& entry) const
 {
-    PlanIndex plan;
-    if (m_coll->getNbPlans() >= 2) {
-        const unsigned long rest = index % (m_sizeZ * m_sizeC);
-        plan = PlanIndex(rest % m_sizeZ, rest / m_sizeZ, index / (m_sizeZ * m_sizeC));
-    }
+    const PlanIndex plan = m_coll->getNbPlans() >= 2 ? planAt(index, m_sizeZ, m_sizeC) : PlanIndex();
     entry = m_coll->getStorage(plan);
     if (!entry)
         return failure("The plan-indexed collection has no entry for plane (" + std::to_string(plan.z) + ", "

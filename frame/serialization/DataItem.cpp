@@ -5,50 +5,6 @@
 
 namespace orvik {
 
-namespace {
-
-struct LeafWriter : BaseLeafVisitor
-{
-    explicit LeafWriter(BaseOArchive& to) : archive(to) {}
-
-    template<class T>
-    void writeLeaf(const char* name, const T& value)
-    {
-        archive << SerializationOItem<T>(name, value);
-    }
-    void visit(const char* name, bool& value) override { writeLeaf(name, value); }
-    void visit(const char* name, int& value) override { writeLeaf(name, value); }
-    void visit(const char* name, long& value) override { writeLeaf(name, value); }
-    void visit(const char* name, unsigned int& value) override { writeLeaf(name, value); }
-    void visit(const char* name, unsigned long& value) override { writeLeaf(name, value); }
-    void visit(const char* name, float& value) override { writeLeaf(name, value); }
-    void visit(const char* name, double& value) override { writeLeaf(name, value); }
-
-    BaseOArchive& archive;
-};
-
-struct LeafReader : BaseLeafVisitor
-{
-    explicit LeafReader(BaseIArchive& from) : archive(from) {}
-
-    template<class T>
-    void readLeaf(const char* name, T& value)
-    {
-        archive >> SerializationIItem<T>(name, value);
-    }
-    void visit(const char* name, bool& value) override { readLeaf(name, value); }
-    void visit(const char* name, int& value) override { readLeaf(name, value); }
-    void visit(const char* name, long& value) override { readLeaf(name, value); }
-    void visit(const char* name, unsigned int& value) override { readLeaf(name, value); }
-    void visit(const char* name, unsigned long& value) override { readLeaf(name, value); }
-    void visit(const char* name, float& value) override { readLeaf(name, value); }
-    void visit(const char* name, double& value) override { readLeaf(name, value); }
-
-    BaseIArchive& archive;
-};
-
-}  // namespace
-
 BaseLeafVisitor::~BaseLeafVisitor() = default;
 BaseDataItemNodeColl::~BaseDataItemNodeColl() = default;
 
@@ -67,7 +23,9 @@ BaseDataItemNodeColl* BaseDataItemNode::accessList()
 BoolResult BaseDataItemNode::write(BaseOArchive& archive) const
 {
     ArchiveSectionManager section(archive, getNodeName());
-    LeafWriter writer(archive);
+    EachLeaf writer([&archive](const char* name, const auto& value) {
+        archive << SerializationOItem<typename std::decay<decltype(value)>::type>(name, value);
+    });
     // The visitor may change leaves, and the list's user its records, when they read; here they are only looked at.
     BaseDataItemNode& self = const_cast<BaseDataItemNode&>(*this);
     self.visitLeaves(writer);
@@ -87,7 +45,9 @@ BoolResult BaseDataItemNode::write(BaseOArchive& archive) const
 BoolResult BaseDataItemNode::read(BaseIArchive& archive)
 {
     ArchiveSectionManager section(archive, getNodeName());
-    LeafReader reader(archive);
+    EachLeaf reader([&archive](const char* name, auto& value) {
+        archive >> SerializationIItem<typename std::decay<decltype(value)>::type>(name, value);
+    });
     visitLeaves(reader);
     if (BaseDataItemNodeColl* const list = accessList()) {
         unsigned long size = 0;

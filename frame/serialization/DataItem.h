@@ -29,6 +29,24 @@ public:
     virtual void visit(const char* name, double& value) = 0;
 };
 
+/// Calls f(name, value) for each leaf that it visits.
+template<class F>
+class EachLeaf : public BaseLeafVisitor
+{
+public:
+    explicit EachLeaf(const F& f) : m_f(f) {}
+    void visit(const char* name, bool& value) override { m_f(name, value); }
+    void visit(const char* name, int& value) override { m_f(name, value); }
+    void visit(const char* name, long& value) override { m_f(name, value); }
+    void visit(const char* name, unsigned int& value) override { m_f(name, value); }
+    void visit(const char* name, unsigned long& value) override { m_f(name, value); }
+    void visit(const char* name, float& value) override { m_f(name, value); }
+    void visit(const char* name, double& value) override { m_f(name, value); }
+
+private:
+    const F m_f;
+};
+
 template<class T>
 struct IsLeafList : std::false_type
 {

@@ -33,6 +33,20 @@ inline bool operator==(const PlanIndex& a, const PlanIndex& b)
     return a.z == b.z && a.c == b.c && a.t == b.t;
 }
 
+/// The plane that comes at place `index` in that order.
+inline PlanIndex planAt(unsigned long index, unsigned long sizeZ, unsigned long sizeC)
+{
+    return PlanIndex(index % sizeZ, index / sizeZ % sizeC, index / (sizeZ * sizeC));
+}
+
+/// Calls f with each plane in that order.
+template<class F>
+void forEachPlan(unsigned long sizeZ, unsigned long sizeC, unsigned long sizeT, const F& f)
+{
+    for (unsigned long i = 0; i < sizeZ * sizeC * sizeT; ++i)
+        f(planAt(i, sizeZ, sizeC));
+}
+
 /// One result per plane or volume of an image.
 class ORVIK_API BasePlanIndexedColl : public BaseSerializationObject
 {

@@ -12,6 +12,7 @@ LogMessageManager& getORVIKIPLFilteringLogMessageManager()
         filled.addMessage(E::eKernelFits, "half-size of the kernel of %s and %s is at most %s");
         filled.addMessage(E::eKernelSize,
                           "%s is %s and %s is %s, which makes a kernel of half-size %s, it must be at most %s");
+        filled.addMessage(E::eNoOutput, "outX and outY are both null");
         return filled;
     }();
     return manager;

@@ -4,7 +4,7 @@
 
 namespace orvik { namespace imaproc { namespace filter {
 
-/// What the rules of this library say.
+/// What this library refuses, in words.
 struct eFilteringRuleMessage
 {
     enum domain
@@ -12,7 +12,8 @@ struct eFilteringRuleMessage
         eFiniteAboveZero,
         eNotFiniteAboveZero,
         eKernelFits,
-        eKernelSize
+        eKernelSize,
+        eNoOutput
     };
 };
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "frame/util/Export.h"
+
 #include <string>
 
 namespace orvik { namespace imaproc { namespace filter {
 
 /// What the processor classes of the filtering library share.
-struct Library
+struct ORVIK_API Library
 {
     static constexpr const char* s_namespace = "orvik::imaproc::filter";
     static constexpr const char* s_name = "ORVIKIPLFiltering";

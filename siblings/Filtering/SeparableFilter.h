@@ -6,6 +6,7 @@
 #include "siblings/Filtering/SeparableStrips.h"
 
 #include "frame/image/BufferType.h"
+#include "frame/processor/BaseProcessingAlgorithm.h"
 #include "frame/simd/Simd.h"
 
 #include <algorithm>
@@ -100,21 +101,28 @@ void narrowBlock(Sample* __restrict to, const Sum* __restrict from)
     }
 }
 
-/// The pass across rows of a tile, which lie a block apart: those that go together, from the first row that is the centre of
-/// a result on. What they become goes to the block at column x of the combined lines; null where it is not wanted.
+/// What the pass across elements makes of one value per sample; null where it is not wanted.
+struct Combination
+{
+    const CombinedLines *smooth, *derivative;
+};
+
+/// A column of blocks, one per element that the pass reads, which lie a block apart: the sums of those elements that go
+/// together, the first of them where the kernel's half-size ends.
 template<class Sum>
-void filterTile(const Sum* tile, unsigned long nbLines, const TypedGaussianWeights<Sum>& weights, unsigned long x,
-                const CombinedLines* smooth, const CombinedLines* derivative)
+void filterTile(const Sum* tile, unsigned long nbElements, const TypedGaussianWeights<Sum>& weights, unsigned long line,
+                unsigned long nbRows, unsigned long x, const Combination& to)
 {
     Sum* const none = nullptr;
-    for (unsigned long line = 0; line < nbLines; ++line) {
-        const Sum* const centre = tile + (weights.halfSize() + line) * kBlock;
-        if (smooth && derivative)
-            filterBlock<true, true>(centre, kBlock, weights, smooth->get<Sum>(line) + x, derivative->get<Sum>(line) + x);
-        else if (smooth)
-            filterBlock<true, false>(centre, kBlock, weights, smooth->get<Sum>(line) + x, none);
+    for (unsigned long i = 0; i < nbElements; ++i, line += nbRows) {
+        const Sum* const centre = tile + (weights.halfSize() + i) * kBlock;
+        if (to.smooth && to.derivative)
+            filterBlock<true, true>(centre, kBlock, weights, to.smooth->get<Sum>(line) + x,
+                                    to.derivative->get<Sum>(line) + x);
+        else if (to.smooth)
+            filterBlock<true, false>(centre, kBlock, weights, to.smooth->get<Sum>(line) + x, none);
         else
-            filterBlock<false, true>(centre, kBlock, weights, none, derivative->get<Sum>(line) + x);
+            filterBlock<false, true>(centre, kBlock, weights, none, to.derivative->get<Sum>(line) + x);
     }
 }
 
@@ -160,6 +168,33 @@ void extendLines(const CombinedLines& lines, unsigned long nbLines, unsigned lon
         std::fill(line - halfSize, line, line[0]);
         std::fill(line + sizeX, line + alignedSizeX + halfSize, line[sizeX - 1]);
     }
+}
+
+/// The pass across the elements of a strip, at its lines that begin elements which go together, of which it combines all
+/// lines; nothing at other lines. `fill(element, row, x, to, distance)` makes a block of each value that is combined, from
+/// column x of a line of the parser's window, at `to` and each `distance` further; `tile` has room for these blocks of all
+/// elements of a window. `halfSizeX` is that of the pass along lines which follows.
+template<class Sum, unsigned long N, class Fill>
+void combineElements(const image::BaseImageFragment& strip, const processor::ProcessingInfo& info,
+                     const TypedGaussianWeights<Sum>& weights, unsigned long halfSizeX, Sum* tile, const Fill& fill,
+                     const Combination (&combinations)[N])
+{
+    const unsigned long nbRows = strip.getNbLinesOfElement();
+    if (info.lineIndex % (g_nbLinesAtOnce * nbRows) != 0)
+        return;
+    const unsigned long nbElements = std::min(g_nbLinesAtOnce, strip.getNbElements() - info.lineIndex / nbRows);
+    const unsigned long nbRead = nbElements + 2 * weights.halfSize(), distance = nbRead * kBlock;
+    for (unsigned long row = 0; row < nbRows; ++row)
+        for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
+            for (unsigned long element = 0; element < nbRead; ++element)
+                fill(element, row, x, tile + element * kBlock, distance);
+            for (unsigned long i = 0; i < N; ++i)
+                filterTile(tile + i * distance, nbElements, weights, row, nbRows, x, combinations[i]);
+        }
+    for (const Combination& to : combinations)
+        for (const CombinedLines* const lines : {to.smooth, to.derivative})
+            if (lines)
+                extendLines<Sum>(*lines, nbElements * nbRows, info.nbData, info.nbAlignedData, halfSizeX);
 }
 
 }  // namespace

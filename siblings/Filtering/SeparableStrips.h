@@ -5,7 +5,7 @@
 
 namespace orvik { namespace imaproc { namespace filter {
 
-/// Lines that go through a pass across lines together: what they share is made once.
+/// Elements of a strip, lines or slices, that go through the pass across elements together: what they share is made once.
 constexpr unsigned long g_nbLinesAtOnce = 8;
 /// Strips of fewer lines spend too much on the lines of their margins.
 constexpr unsigned long g_minStripLines = 4 * g_nbLinesAtOnce;
@@ -19,17 +19,23 @@ image::StripMargins makeGaussianMargins(image::eStripAxis axis, double stdDev, d
 /// False, with the half-size, for a strip whose margins along its axis are not those of a kernel of that half-size.
 BoolResult checkGaussianMargins(const image::BaseImageFragment& strip, unsigned long halfSize);
 
-/// Sums of the pass across lines, g_nbLinesAtOnce lines of them, with the margins of the pass along them.
+/// Sums of the pass across elements, g_nbLinesAtOnce elements of them, with the margins of the pass along lines.
 class CombinedLines
 {
 public:
-    /// For lines of `sizeX` values, a whole number of blocks, and a kernel of `halfSize` along them.
-    void init(eDataType type, unsigned long sizeX, unsigned long halfSize);
-    /// Value 0 of a line; lies as aligned vectors do.
+    /// For elements of `nbRows` lines of `sizeX` values, a whole number of blocks, and a kernel of `halfSize` along them.
+    void init(eDataType type, unsigned long sizeX, unsigned long nbRows, unsigned long halfSize);
+    /// Value 0 of a line of these elements; lies as aligned vectors do.
     template<class Sum>
     Sum* get(unsigned long line) const
     {
         return static_cast<Sum*>(m_lines.getDataPtr(line, m_startX));
+    }
+    /// The same by the line's number in the strip.
+    template<class Sum>
+    Sum* getOfStrip(unsigned long line) const
+    {
+        return get<Sum>(line % m_lines.getNbFragments());
     }
 
 private:

@@ -43,6 +43,16 @@ private:
 
 }  // namespace
 
+processor::RulePtr accumulatorFits(const WeakImage& in, const WeakImage& out,
+                                   const boost::shared_ptr<BaseCustomCheckedImageProperty>& columns,
+                                   const boost::shared_ptr<BaseCustomCheckedImageProperty>& rows,
+                                   const boost::shared_ptr<BaseCustomCheckedImageProperty>& bufferType)
+{
+    return customImageProperty(out, columns) && customImageProperty(out, rows) && customImageProperty(out, bufferType)
+           && matchSize(eMIST_ZCT, in, out) && matchVolumeGeometryType(in, out) && matchColorGeometryType(in, out)
+           && noInSitu(in, out);
+}
+
 processor::RulePtr accumulatorHasBins(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made)
 {
     return makeTogether<AccumulatorRule>(input, made);

@@ -40,11 +40,14 @@ struct GradientList
     {
         return (rule(attributeOf(First())) && ... && rule(attributeOf(Others())));
     }
-    /// Calls f with the parts of a stage that hand each gradient on, the last one first.
-    template<class F, class PartOf>
-    static auto withParts(const F& f, const PartOf& partOf)
+    /// Calls f with the parts of a stage that hand each gradient on, the last one first; then come those of `earlier` ones.
+    template<class F, class PartOf, class... Earlier>
+    static auto withParts(const F& f, const PartOf& partOf, const Earlier&... earlier)
     {
-        return f(partOf(Others())..., partOf(First()));
+        if constexpr (sizeof...(Others) == 0)
+            return f(partOf(First()), earlier...);
+        else
+            return GradientList<Others...>::withParts(f, partOf, partOf(First()), earlier...);
     }
 };
 

@@ -1,8 +1,18 @@
 #pragma once
 
+#include "frame/imaproc/CustomImageProperty.h"
 #include "frame/imaproc/ImageInitializers.h"
 
 namespace orvik { namespace imaproc { namespace fd {
+
+// What families that make an accumulator of lines ask of it in the same way, beside what HoughLines2dImgRuleUtils.h offers to
+// users.
+
+/// The rule that accumulator `out` of the planes of `in` has these columns, rows and types, and shares no memory with them.
+processor::RulePtr accumulatorFits(const WeakImage& in, const WeakImage& out,
+                                   const boost::shared_ptr<BaseCustomCheckedImageProperty>& columns,
+                                   const boost::shared_ptr<BaseCustomCheckedImageProperty>& rows,
+                                   const boost::shared_ptr<BaseCustomCheckedImageProperty>& bufferType);
 
 /// The rule that an accumulator which is to be made has bins along both axes, and no more than 32-bit numbers reach.
 processor::RulePtr accumulatorHasBins(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made);

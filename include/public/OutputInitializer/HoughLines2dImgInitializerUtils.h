@@ -1,14 +1,9 @@
 #pragma once
 
+#include "frame/attr/Declarations.h"
 #include "frame/imaproc/ImageInitializers.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InOptHoughLinesImgParams;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 typedef boost::weak_ptr<const attr::InOptHoughLinesImgParams> WeakHoughLinesImgParams;
 
@@ -39,5 +34,4 @@ private:
 ORVIK_API boost::shared_ptr<CustomHoughLines2dImgOutputInitializer> outputHoughLines2dImg(
     const WeakImage& input, const WeakHoughLinesImgParams& params);
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

@@ -2,13 +2,7 @@
 
 #include "OutputInitializer/HoughLines2dImgInitializerUtils.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct InOptHoughLinesExtractionParams;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 typedef boost::weak_ptr<const attr::InOptHoughLinesExtractionParams> WeakHoughLinesExtractionParams;
 
@@ -32,5 +26,4 @@ private:
 ORVIK_API boost::shared_ptr<CustomHoughLines2dOutputInitializer> outputHoughLines2d(
     const WeakImage& input, const WeakHoughLinesImgParams& params, const WeakHoughLinesExtractionParams& extractionParams);
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

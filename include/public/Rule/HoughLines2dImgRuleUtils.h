@@ -4,13 +4,7 @@
 
 #include "frame/imaproc/ImageRules.h"
 
-namespace orvik { namespace imaproc {
-
-namespace attr {
-struct OutImg;
-}  // namespace attr
-
-namespace fd {
+namespace orvik { namespace imaproc { namespace fd {
 
 // What a caller's accumulator must be like. The image attribute is always that of the image whose lines are looked for; an
 // attribute that is null, and use before `init`, raise ORVIKIPLFeatureDetectionException.
@@ -93,5 +87,4 @@ ORVIK_API processor::RulePtr houghLines2dCheckOutImgSzYGreaterOrEqual(const boos
 ORVIK_API boost::shared_ptr<HoughLines2dImgOutputBufferType> houghLines2dCheckOutImgBufferType(const WeakImage& input,
                                                                                                bool unsignedAsWell = false);
 
-}  // namespace fd
-}}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::fd

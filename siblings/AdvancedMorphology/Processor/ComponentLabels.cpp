@@ -1,5 +1,6 @@
 #include "siblings/AdvancedMorphology/Processor/ComponentLabels.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/image/ImageLines.h"
 #include "frame/util/NumericLimits.h"
 
@@ -46,12 +47,11 @@ BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, imag
         return failure("there are " + std::to_string(nbLabels) + " connected components, but OutLabelImg, "
                        + toString(labels.getBufferType()) + ", can name only " + std::to_string(greatest)
                        + ": use the iterative optimization policy or wider labels");
-    const unsigned long nbAlongZ = labels.getSizeZ() / sizeZ, sizeC = labels.getSizeC();
     unsigned long next = 1;
     for (const auto& part : parts) {
-        const unsigned long index = part.first;
-        const boost::shared_ptr<image::BaseImage> view =
-            labels.getView(PlanIndex(index % nbAlongZ * sizeZ, index / nbAlongZ % sizeC, index / (nbAlongZ * sizeC)), sizeZ);
+        PlanIndex first = planAt(part.first, labels.getSizeZ() / sizeZ, labels.getSizeC());
+        first.z *= sizeZ;
+        const ImagePtr view = labels.getView(first, sizeZ);
         image::withSampleType(type, [&](auto zero) { writeLabels<decltype(zero)>(part.second->runs, next, *view); });
         next += part.second->runs.getNbComponents();
     }

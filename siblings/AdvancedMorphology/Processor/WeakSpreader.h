@@ -2,17 +2,11 @@
 
 #include "siblings/AdvancedMorphology/Neighborhood.h"
 
+#include "frame/attr/Declarations.h"
+
 #include <vector>
 
-namespace orvik {
-
-namespace image {
-class BaseImage;
-class OutputImageYStrip2d;
-class OutputImageZStrip3d;
-}  // namespace image
-
-namespace imaproc { namespace advmorpho {
+namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Lines (y, z) of unsigned bytes that are read and written: those of a plane, of a volume, or of a strip of one.
 struct ByteLines
@@ -55,5 +49,4 @@ private:
     std::vector<Seed> m_seeds;  // one per run of samples whose turn has not come
 };
 
-}}
-}  // namespace orvik::imaproc::advmorpho
+}}}  // namespace orvik::imaproc::advmorpho

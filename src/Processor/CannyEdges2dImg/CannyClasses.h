@@ -2,7 +2,7 @@
 
 // Classes of the pixels of one block: 0 no candidate, 1 weak, 2 strong.
 
-#include "Processor/CannyEdges2dImg/CannyMagnitudes.h"
+#include "Processor/CannyMagnitudes.h"
 
 #include <type_traits>
 

@@ -25,7 +25,7 @@ processor::RetrievalResult CannyEdges2dImgLvl2::retrieveProvider(const core::Bas
                                                                  processor::ProviderPtr& provider)
 {
     return dispatch<CannyEdges2dImgLvl3>(priority, provider, strips<OutYStrip2d>(value<OutBinImg>()),
-                                         same<InCannyThresholds>(value<InCannyThresholds>()),
+                                         same(attribute<InCannyThresholds>()),
                                          stripsWithMargins<InGyKnlYStrip2d>(value<InSubGyImg2d>(), 1, 1),
                                          stripsWithMargins<InGxKnlYStrip2d>(value<InSubGxImg2d>(), 1, 1));
 }

@@ -31,10 +31,11 @@ processor::RetrievalResult ExtractLocalExtrema2dLvl1::retrieveProvider(const cor
 {
     if (!attribute<InOptLocalExtremaConfig>()->hasValue())
         set<InOptLocalExtremaConfig>(createLocalExtremaConfig());
-    return dispatch<ExtractLocalExtrema2dLvl2>(
-        priority, provider, entryOfEachPlane<OutPixels2d>(value<OutPIPixels2d>(), *value<InImg>()),
-        same<InLocalExtremaConfig>(value<InOptLocalExtremaConfig>()), same<InFeaturesDistX>(value<InFeaturesDistX>()),
-        same<InFeaturesDistY>(value<InFeaturesDistY>()), eachPlane<InSubImg2d>(value<InImg>()));
+    return dispatch<ExtractLocalExtrema2dLvl2>(priority, provider,
+                                               entryOfEachPlane<OutPixels2d>(value<OutPIPixels2d>(), *value<InImg>()),
+                                               same<InLocalExtremaConfig>(value<InOptLocalExtremaConfig>()),
+                                               same(attribute<InFeaturesDistX>()), same(attribute<InFeaturesDistY>()),
+                                               eachPlane<InSubImg2d>(value<InImg>()));
 }
 
 typedef FunctionForms<ExtractLocalExtrema2dLvl1, OutPIPixels2d> Forms;

@@ -1,12 +1,12 @@
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl2.h"
+#include "Rule/WorkingImagesRule.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageInitializers.h"
-#include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/PlanIndexedInitializers.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
@@ -25,8 +25,7 @@ processor::RulePtr HarrisCorner2dLvl1::createRule() const
     return matchImagePlans(attribute<OutPIPixels2d>(), in, eIPMP_Planes) && matchSize(in, wk1)
            && matchSizeAndType(wk1, wk2, wk3)
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
-           // Known here, though the stages would refuse them, too: later the working images would have been written.
-           && noInSitu(in, wk1) && noInSitu(in, wk2) && noInSitu(wk1, wk2) && noInSitu(wk1, wk3) && noInSitu(wk2, wk3)
+           && workingImagesApart(in, {wk1, wk2, wk3}, 2)
            && inSituOrApart(in, wk3);  // a plane may be written over itself, not over one that is still to be read
 }
 
@@ -41,14 +40,14 @@ void HarrisCorner2dLvl1::initInitializers(processor::InitializerMap& initializer
 processor::RetrievalResult HarrisCorner2dLvl1::retrieveProvider(const core::BasePriority& priority,
                                                                 processor::ProviderPtr& provider)
 {
-    return dispatch<HarrisCorner2dLvl2>(
-        priority, provider, entryOfEachPlane<OutPixels2d>(value<OutPIPixels2d>(), *value<InImg>()),
-        eachPlane<OutWk3Img>(value<OutWk3Img>()), eachPlane<OutWk2Img>(value<OutWk2Img>()),
-        eachPlane<OutWk1Img>(value<OutWk1Img>()), same<InFeaturesDistY>(value<InFeaturesDistY>()),
-        same<InFeaturesDistX>(value<InFeaturesDistX>()), same<InLocalExtremaConfig>(value<InLocalExtremaConfig>()),
-        same<InCornerDetectionParams>(value<InOptCornerDetectionParams2d>()),
-        same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()), same<InGradStdDev>(value<InOptGradStdDev>()),
-        eachPlane<InSubImg2d>(value<InImg>()));
+    return dispatch<HarrisCorner2dLvl2>(priority, provider,
+                                        entryOfEachPlane<OutPixels2d>(value<OutPIPixels2d>(), *value<InImg>()),
+                                        eachPlane<OutWk3Img>(value<OutWk3Img>()), eachPlane<OutWk2Img>(value<OutWk2Img>()),
+                                        eachPlane<OutWk1Img>(value<OutWk1Img>()), same(attribute<InFeaturesDistY>()),
+                                        same(attribute<InFeaturesDistX>()), same(attribute<InLocalExtremaConfig>()),
+                                        same<InCornerDetectionParams>(value<InOptCornerDetectionParams2d>()),
+                                        same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
+                                        same<InGradStdDev>(value<InOptGradStdDev>()), eachPlane<InSubImg2d>(value<InImg>()));
 }
 
 typedef FunctionForms<HarrisCorner2dLvl1, OutPIPixels2d> Forms;

@@ -1,12 +1,12 @@
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
 
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl2.h"
+#include "Rule/WorkingImagesRule.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageInitializers.h"
-#include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 #include "siblings/Filtering/GaussianRules.h"
@@ -23,9 +23,7 @@ processor::RulePtr HarrisCorner2dImgLvl1::createRule() const
     const WeakImage wk1 = attribute<OutWk1Img>(), wk2 = attribute<OutWk2Img>(), wk3 = attribute<OutWk3Img>();
     return matchSize(in, wk1) && matchSizeAndType(wk1, out) && matchSizeAndType(wk1, wk2, wk3)
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
-           // Known here, though the stages would refuse them, too: later the working images would have been written.
-           && noInSitu(in, wk1) && noInSitu(in, wk2) && noInSitu(wk1, wk2) && noInSitu(wk1, wk3) && noInSitu(wk2, wk3)
-           && inSituOrApart(wk1, out) && inSituOrApart(wk2, out)
+           && workingImagesApart(in, {wk1, wk2, wk3}, 2) && inSituOrApart(wk1, out) && inSituOrApart(wk2, out)
            && inSituOrApart(wk3, out)
            // A plane may be written over itself, not over one that is still to be read.
            && inSituOrApart(in, wk3) && inSituOrApart(in, out);

@@ -47,7 +47,7 @@ processor::RetrievalResult HarrisCorner2dImgLvl2::retrieveThirdProvider(const co
                                                                         processor::ProviderPtr& provider)
 {
     return dispatch<HarrisCorner2dImgLvl3>(priority, provider, strips<OutYStrip2d>(value<OutImg>()),
-                                           same<InCornerDetectionParams>(value<InCornerDetectionParams>()),
+                                           same(attribute<InCornerDetectionParams>()),
                                            strips<InXYYStrip2d>(value<OutWk3Img>()),
                                            strips<InYYYStrip2d>(value<OutWk2Img>()),
                                            strips<InXXYStrip2d>(value<OutWk1Img>()));

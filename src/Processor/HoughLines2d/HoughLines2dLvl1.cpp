@@ -24,10 +24,9 @@ processor::RulePtr HoughLines2dLvl1::createRule() const
     const boost::shared_ptr<InOptHoughLinesExtractionParams>& extraction = attribute<InOptHoughLinesExtractionParams>();
     const boost::shared_ptr<OutOptImg>& out = attribute<OutOptImg>();
     return If(processor::isSet(out),
-              customImageProperty(out, houghLines2dCheckOutImgSzXEquals(in, params))
-                  && customImageProperty(out, houghLines2dCheckOutImgSzYEquals(in, params, extraction))
-                  && customImageProperty(out, houghLines2dCheckOutImgBufferType(in)) && matchSize(eMIST_ZCT, in, out)
-                  && matchVolumeGeometryType(in, out) && matchColorGeometryType(in, out) && noInSitu(in, out),
+              accumulatorFits(in, out, houghLines2dCheckOutImgSzXEquals(in, params),
+                              houghLines2dCheckOutImgSzYEquals(in, params, extraction),
+                              houghLines2dCheckOutImgBufferType(in)),
               processor::none())
            && accumulatorHasBins(in, outputHoughLines2d(in, params, extraction));
 }

@@ -14,7 +14,7 @@ class CustomHoughLines2dOutImgSplit
 {
 public:
     /// @throws processor::ORVIKBaseProcessingException for a null image.
-    void init(const boost::shared_ptr<image::BaseImage>& image)
+    void init(const ImagePtr& image)
     {
         if (!image)
             throwNullInputSharedPtr();
@@ -36,7 +36,7 @@ private:
 /// Part of a stage: what the split gives.
 struct SharedAccumulator
 {
-    boost::shared_ptr<image::BaseImage> image;
+    ImagePtr image;
 
     template<class P>
     BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const

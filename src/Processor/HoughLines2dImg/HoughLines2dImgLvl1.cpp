@@ -21,10 +21,8 @@ processor::RulePtr HoughLines2dImgLvl1::createRule() const
     const boost::shared_ptr<InGreyImg2d>& in = attribute<InGreyImg2d>();
     const boost::shared_ptr<InOptHoughLinesImgParams>& params = attribute<InOptHoughLinesImgParams>();
     const boost::shared_ptr<OutImg>& out = attribute<OutImg>();
-    return customImageProperty(out, houghLines2dCheckOutImgSzXEquals(in, params))
-           && customImageProperty(out, houghLines2dCheckOutImgSzYEquals(in, params))
-           && customImageProperty(out, houghLines2dCheckOutImgBufferType(in)) && matchSize(eMIST_ZCT, in, out)
-           && matchVolumeGeometryType(in, out) && matchColorGeometryType(in, out) && noInSitu(in, out)
+    return accumulatorFits(in, out, houghLines2dCheckOutImgSzXEquals(in, params),
+                           houghLines2dCheckOutImgSzYEquals(in, params), houghLines2dCheckOutImgBufferType(in))
            && accumulatorHasBins(in, outputHoughLines2dImg(in, params));
 }
 

@@ -23,22 +23,10 @@ struct RankedExtremum
     Place place;
 };
 
-// The orders of lists: of maxima, and of minima. Nothing but the value counts.
-template<class Extremum>
-bool isGreater2d(const Extremum& a, const Extremum& b)
-{
-    return a.value > b.value;
-}
-template<class Extremum>
-bool isLower2d(const Extremum& a, const Extremum& b)
-{
-    return a.value < b.value;
-}
-
-/// The first `count` records in order. Equal values stand as the selection leaves them, which depends on nothing but the
-/// values in scan order.
-template<class Number, class Place, class Record, class Nodes>
-Nodes selectExtrema(Nodes& nodes, unsigned long count, bool lowest)
+/// The first `count` records in order `isBefore`. Equal values stand as the selection leaves them, which depends on nothing
+/// but the values in scan order.
+template<class Number, class Place, class Record, class Nodes, class IsBefore>
+Nodes selectExtrema(Nodes& nodes, unsigned long count, const IsBefore& isBefore)
 {
     typedef RankedExtremum<Number, Place> Entry;
     std::vector<Entry> order;
@@ -47,10 +35,7 @@ Nodes selectExtrema(Nodes& nodes, unsigned long count, bool lowest)
         order.push_back({static_cast<Number>(node->template get<typename Record::Value>()),
                          static_cast<Place>(order.size())});
     const auto end = order.begin() + static_cast<long>(count);
-    if (lowest)
-        std::partial_sort(order.begin(), end, order.end(), [](const Entry& a, const Entry& b) { return isLower2d(a, b); });
-    else
-        std::partial_sort(order.begin(), end, order.end(), [](const Entry& a, const Entry& b) { return isGreater2d(a, b); });
+    std::partial_sort(order.begin(), end, order.end(), isBefore);
     Nodes selected;
     selected.reserve(count);
     for (auto entry = order.begin(); entry != end; ++entry)
@@ -59,9 +44,11 @@ Nodes selectExtrema(Nodes& nodes, unsigned long count, bool lowest)
 }
 
 /// Joins the lists that the strips gave, in the order of their ranges, and keeps those that `config` asks for. `List` is a
-/// list of records with a leaf Value; `type` is that of the samples.
-template<class List, class Results, class Config>
-typename List::Coll::Nodes joinExtrema(const Results& results, const Config& config, eDataType type)
+/// list of records with a leaf Value; `type` is that of the samples. Maxima stand in the order `isGreater`, minima in
+/// `isLower`, of RankedExtremum.
+template<class List, class Results, class Config, class IsGreater, class IsLower>
+typename List::Coll::Nodes joinExtrema(const Results& results, const Config& config, eDataType type,
+                                       const IsGreater& isGreater, const IsLower& isLower)
 {
     typedef typename List::Coll::NodeType Record;
     typename List::Coll::Nodes all;
@@ -70,11 +57,13 @@ typename List::Coll::Nodes joinExtrema(const Results& results, const Config& con
         std::move(nodes.begin(), nodes.end(), std::back_inserter(all));
     }
     const unsigned long count = std::min<unsigned long>(all.size(), config.template get<typename Config::MaxNbExtrema>());
-    const bool lowest = attr::isMinima(config.template get<typename Config::LocalExtremumType>());
     // Floats hold all values but those of 32-bit integers; half as much memory is sorted faster.
     const bool small = type != eDT_Int32 && type != eDT_UInt32 && all.size() <= NumericLimits<unsigned int>::s_max;
-    return small ? selectExtrema<float, unsigned int, Record>(all, count, lowest)
-                 : selectExtrema<double, unsigned long, Record>(all, count, lowest);
+    const auto select = [&](const auto& isBefore) {
+        return small ? selectExtrema<float, unsigned int, Record>(all, count, isBefore)
+                     : selectExtrema<double, unsigned long, Record>(all, count, isBefore);
+    };
+    return attr::isMinima(config.template get<typename Config::LocalExtremumType>()) ? select(isLower) : select(isGreater);
 }
 
 }}}  // namespace orvik::imaproc::fd

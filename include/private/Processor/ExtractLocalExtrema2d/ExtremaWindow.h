@@ -1,8 +1,9 @@
 #pragma once
 
 // The window that a search for local extrema slides over a strip. Samples enter in the order of the elements that it slides
-// along, and leave, as extrema or not, when half a window of later ones is there. An element is a line of a plane; it could
-// be a whole slice: what is before and after a sample within its own element is told from outside.
+// along, and leave, as extrema or not, when half a window of later ones is there. An element is a line of a plane. In a volume
+// it is a slice, of whose lines each has a window; what is before and after its samples in other lines of the slice is told
+// from outside.
 
 #include "Processor/ExtractLocalExtrema2d/ExtremaBuffers.h"
 #include "Processor/ExtractLocalExtrema2d/ExtremaLines.h"
@@ -31,11 +32,19 @@ struct ExtremaKind
     T lowestListed;  // the lowest oriented one that does
 };
 
-/// What an element meets as it enters the window; pointers to the first column.
+/// A line of the element that enters the window, and the extrema of what is before and after each of its samples: in the line,
+/// and in other lines of the element. Oriented; pointers to the first column.
 template<class T>
-struct EnteringLine
+struct ElementLine
 {
-    const T *values, *left, *right;    // oriented; extrema of what is before and after each sample in its own element
+    const T *values, *left, *right;
+    const T *linesBefore, *linesAfter;  // null where the element is one line
+};
+
+/// What such a line meets in the window.
+template<class T>
+struct EnteringLine : ElementLine<T>
+{
     const T* above[g_maxDirectLines];  // the lines above, folded: each, or all in the first
     const T *before, *after;           // folded lines of its block before it, of the block before from the one after it
     T *folded, *prefix, *fold;         // results: the line folded, its block so far, half a window up to it
@@ -43,11 +52,12 @@ struct EnteringLine
 };
 
 /// Folds a line and marks the columns that beat their line and the lines above, a bit each, a word per block in `open`.
-/// `NbDirect` is the number of lines above that are looked at one by one; 0: they are folded.
+/// `NbDirect` is the number of lines above that are looked at one by one; 0: they are folded. `HasLines`: whether there are
+/// other lines in the element.
 ///
 /// What is left of a run beyond the last whole block of four vectors is compared, in its line, with the two next pixels
 /// alone, and is beaten only by both together: deliberate.
-template<bool Strict, unsigned long NbDirect, class T, class Parser>
+template<bool Strict, unsigned long NbDirect, bool HasLines, class T, class Parser>
 void enterLine(const EnteringLine<T>& line, unsigned long n, unsigned long wholeBlocks, const Parser& lines,
                unsigned long* open)
 {
@@ -58,11 +68,15 @@ void enterLine(const EnteringLine<T>& line, unsigned long n, unsigned long whole
         lines.prefetchNext(block, kBlock);
         for (unsigned long x = block; x < std::min(n, block + kBlock); x += Lanes<T>::count) {
             const V v = load(line.values + x), left = load(line.left + x), right = load(line.right + x);
-            const V folded = larger(v, larger(left, right));
-            V above = load(line.above[0] + x);
+            V folded = larger(v, larger(left, right)), above = load(line.above[0] + x);
             for (unsigned long k = 1; k < NbDirect; ++k)
                 above = larger(above, load(line.above[k] + x));
-            const auto passes = (v >= lowest) & (v > above);
+            auto passes = (v >= lowest) & (v > above);
+            if constexpr (HasLines) {
+                const V linesBefore = load(line.linesBefore + x), linesAfter = load(line.linesAfter + x);
+                folded = larger(folded, larger(linesBefore, linesAfter));
+                passes &= (v > linesBefore) & (Strict ? v > linesAfter : v >= linesAfter);
+            }
             unsigned long bits;
             if (x < wholeBlocks) {
                 bits = bitsOf<T>(passes & (v > left) & (Strict ? v > right : v >= right));
@@ -148,11 +162,21 @@ public:
         if (width > 1)
             foldAlong(values, lineSize, width, side);
         const T* const sides = width == 0 ? m_lowest : width == 1 ? values : side;
-        enterElement(values + width, sides, width == 0 ? m_lowest : sides + width + 1, lines);
+        enterOriented<false>({values + width, sides, width == 0 ? m_lowest : sides + width + 1, nullptr, nullptr}, lines);
         if (!foldable)
-            closeNearNan(raw, width, m_wholeBlocks, openOf(m_nbEntered));
-        ++m_nbEntered;
+            closeNearNan(raw);
     }
+
+    /// A line of an element of several enters: its samples as orientLine makes them, and the extrema of such samples that are
+    /// in the window, in the line and in the others of the element. Follow it by `closeNearNan` when the line holds a NaN.
+    template<class Parser>
+    void enterElement(const ElementLine<T>& line, const Parser& lines)
+    {
+        enterOriented<true>(line, lines);
+    }
+
+    /// For the line that entered last; `raw` is that line as it was read, with its margins.
+    void closeNearNan(const T* raw) { fd::closeNearNan(raw, m_buffers.halfWidth, m_wholeBlocks, openOf(m_nbEntered - 1)); }
 
     /// Calls f with the columns of the line `halfHeight` lines before the last one that entered which are extrema; `centre`
     /// is that line as it was read.
@@ -203,14 +227,12 @@ private:
 
     /// Elements are counted from the first one of the window at the start of the strip; this one is in place `i` of its
     /// block of half a window.
-    template<class Parser>
-    void enterElement(const T* values, const T* left, const T* right, const Parser& lines)
+    template<bool HasLines, class Parser>
+    void enterOriented(const ElementLine<T>& line, const Parser& lines)
     {
         const unsigned long i = m_height == 0 ? 0 : m_nbEntered % m_height;
         EnteringLine<T> entering;
-        entering.values = values;
-        entering.left = left;
-        entering.right = right;
+        static_cast<ElementLine<T>&>(entering) = line;
         entering.lowestListed = m_kind.lowestListed;
         entering.fold = m_fold;
         entering.prefix = static_cast<T*>(m_buffers.prefix.getDataPtr());
@@ -221,12 +243,13 @@ private:
             entering.above[k] = m_height == 0 ? m_lowest : m_isDirect && k < m_height ? lineOf(k) : m_fold;
         withDirectLines([&](auto nbDirect) {
             if (m_kind.strict)
-                enterLine<true, nbDirect.value>(entering, m_n, m_wholeBlocks, lines, openOf(m_nbEntered));
+                enterLine<true, nbDirect.value, HasLines>(entering, m_n, m_wholeBlocks, lines, openOf(m_nbEntered));
             else
-                enterLine<false, nbDirect.value>(entering, m_n, m_wholeBlocks, lines, openOf(m_nbEntered));
+                enterLine<false, nbDirect.value, HasLines>(entering, m_n, m_wholeBlocks, lines, openOf(m_nbEntered));
         });
         if (!m_isDirect && i + 1 == m_height)
             foldBlockFromItsEnd();
+        ++m_nbEntered;
     }
 
     void foldBlockFromItsEnd() const

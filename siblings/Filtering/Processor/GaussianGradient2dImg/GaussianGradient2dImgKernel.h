@@ -32,23 +32,6 @@ Strip(const I*, const PlainStripParser*, const PlainStripParser*, LineFilter<dou
 
 }  // namespace
 
-template<core::eInstructionSet Set, class Parser>
-void GaussianGradient2dImgLvl3::combineLines(const Parser& lines, const processor::ProcessingInfo& info,
-                                             const CombinedLines* smooth, const CombinedLines* derivative)
-{
-    const unsigned long nbLines = std::min(g_nbLinesAtOnce, lines.getNbLines() - info.lineIndex);
-    const unsigned long nbRows = nbLines + 2 * m_y.halfSize();
-    double* const tile = static_cast<double*>(m_tile.getDataPtr());
-    for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
-        for (unsigned long row = 0; row < nbRows; ++row)
-            widenBlock(tile + row * kBlock, lines.accessBuffer(row) + x);
-        filterTile(tile, nbLines, m_y, x, smooth, derivative);
-    }
-    for (const CombinedLines* const combined : {smooth, derivative})
-        if (combined)
-            extendLines<double>(*combined, nbLines, info.nbData, info.nbAlignedData, m_x.halfSize());
-}
-
 template<class Sample, core::eInstructionSet Set>
 BoolResult GaussianGradient2dImgLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
 {
@@ -61,13 +44,19 @@ BoolResult GaussianGradient2dImgLvl3::genericProcessFunction(const processor::Pr
     });
     if (!strip)
         return wrongSampleType();
-    const unsigned long line = info.lineIndex % g_nbLinesAtOnce;
-    if (line == 0)
-        combineLines<Set>(*strip->in, info, strip->outX ? &m_smooth : nullptr, strip->outY ? &m_derivative : nullptr);
+    const auto& in = *strip->in;
+    const Combination combined[] = {{strip->outX ? &m_smooth : nullptr, strip->outY ? &m_derivative : nullptr}};
+    combineElements(
+        in.getStrip(), info, m_y, m_x.halfSize(), static_cast<double*>(m_tile.getDataPtr()),
+        [&](unsigned long line, unsigned long, unsigned long x, double* to, unsigned long) {
+            widenBlock(to, in.accessBuffer(line) + x);
+        },
+        combined);
     if (strip->outX)
-        strip->writeX(m_smooth.get<double>(line), info.nbAlignedData, m_x, strip->outX->accessSamples());
+        strip->writeX(m_smooth.getOfStrip<double>(info.lineIndex), info.nbAlignedData, m_x, strip->outX->accessSamples());
     if (strip->outY)
-        strip->writeY(m_derivative.get<double>(line), info.nbAlignedData, m_x, strip->outY->accessSamples());
+        strip->writeY(m_derivative.getOfStrip<double>(info.lineIndex), info.nbAlignedData, m_x,
+                      strip->outY->accessSamples());
     return success();
 }
 

@@ -1,5 +1,6 @@
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
 
+#include "siblings/Filtering/FilteringMessages.h"
 #include "siblings/Filtering/GaussianRules.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl2.h"
 
@@ -70,7 +71,7 @@ processor::RetrievalResult GaussianGradient2dImgLvl1::retrieveProvider(const cor
                                                                        processor::ProviderPtr& provider)
 {
     return dispatch<GaussianGradient2dImgLvl2>(priority, provider, eachPlane<InSubImg2d>(value<InImg>()),
-                                               same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),
+                                               same(attribute<InStdDevX>()), same(attribute<InStdDevY>()),
                                                same<InGaussianCoverage>(value<InOptGradientGaussianCoverage>()),
                                                ifSet(eachPlane<OutOptSubGradXImg2d>(value<OutOptGradXImg>())),
                                                ifSet(eachPlane<OutOptSubGradYImg2d>(value<OutOptGradYImg>())));
@@ -90,7 +91,8 @@ void gaussianGradient2dImg(const ConstImagePtr& in, float stdDevX, float stdDevY
 {
     if (!outX && !outY)
         ORVIK_THROW(processor::ORVIKBaseProcessingException, processor::g_baseProcessingLogSource,
-                    processor::eProcessorMessage::eRunFailed, "gaussianGradient2dImg", "outX and outY are both null");
+                    processor::eProcessorMessage::eRunFailed, "gaussianGradient2dImg",
+                    messageText(getORVIKIPLFilteringLogMessageManager(), eFilteringRuleMessage::eNoOutput));
     Forms::run(Forms::eAllPlanes, [&](Forms::Processor& processor) {
         prepare(processor, in, stdDevX, stdDevY);
         processor.set<InOptGradientGaussianCoverage>(GaussianCoverage::createNode(coverage));

@@ -32,8 +32,8 @@ processor::RetrievalResult GaussianGradient2dImgLvl2::retrieveProvider(const cor
                                                             *value<InSubImg2d>());
     return dispatch<GaussianGradient2dImgLvl3>(priority, provider,
                                                stripsWithMargins<InKnlYStrip2d>(value<InSubImg2d>(), margins),
-                                               same<InStdDevX>(value<InStdDevX>()), same<InStdDevY>(value<InStdDevY>()),
-                                               same<InGaussianCoverage>(value<InGaussianCoverage>()),
+                                               same(attribute<InStdDevX>()), same(attribute<InStdDevY>()),
+                                               same(attribute<InGaussianCoverage>()),
                                                ifSet(strips<OutOptGradXYStrip2d>(value<OutOptSubGradXImg2d>())),
                                                ifSet(strips<OutOptGradYYStrip2d>(value<OutOptSubGradYImg2d>())));
 }

@@ -27,10 +27,6 @@ class ORVIK_API GaussianGradient2dImgLvl3
 
 private:
     processor::RulePtr createRule() const;
-    /// Column pass of the line and those that go with it; null where it is not wanted.
-    template<core::eInstructionSet Set, class Parser>
-    void combineLines(const Parser& lines, const processor::ProcessingInfo& info, const CombinedLines* smooth,
-                      const CombinedLines* derivative);
 
     GaussianWeights m_x, m_y;
     image::TypedOwnBuffer m_tile;  // a block of columns of all lines of the kernel, as double

@@ -44,27 +44,6 @@ struct Strip
 
 }  // namespace
 
-template<core::eInstructionSet Set, class Sum, class Parser>
-void StructureTensor2dImgLvl3::combineLines(const Parser& gx, const Parser& gy, const processor::ProcessingInfo& info)
-{
-    const TensorKernels<Sum>& weights = kernels<Sum>();
-    const unsigned long nbLines = std::min(g_nbLinesAtOnce, gx.getNbLines() - info.lineIndex);
-    const unsigned long nbRows = nbLines + 2 * weights.y.halfSize(), product = nbRows * kBlock;
-    Sum* const tile = static_cast<Sum*>(m_tile.getDataPtr());
-    alignas(64) Sum roomX[kBlock], roomY[kBlock];
-    for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
-        for (unsigned long row = 0; row < nbRows; ++row) {
-            Sum* const to = tile + row * kBlock;
-            multiplyBlock(widened(gx.accessBuffer(row) + x, roomX), widened(gy.accessBuffer(row) + x, roomY), to,
-                          to + product, to + 2 * product);
-        }
-        for (unsigned long p = 0; p < 3; ++p)
-            filterTile(tile + p * product, nbLines, weights.y, x, &m_combined[p], nullptr);
-    }
-    for (const CombinedLines& combined : m_combined)
-        extendLines<Sum>(combined, nbLines, info.nbData, info.nbAlignedData, weights.x.halfSize());
-}
-
 template<class Sample, core::eInstructionSet Set>
 BoolResult StructureTensor2dImgLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
 {
@@ -85,11 +64,20 @@ BoolResult StructureTensor2dImgLvl3::genericProcessFunction(const processor::Pro
     if (!strip)
         return wrongSampleType();
     // Lines of an output that is an input are overwritten here; the parsers have copied theirs and those below before.
-    const unsigned long line = info.lineIndex % g_nbLinesAtOnce;
-    if (line == 0)
-        combineLines<Set, Sum>(*strip->gx, *strip->gy, info);
+    const auto &gx = *strip->gx, &gy = *strip->gy;
+    const TensorKernels<Sum>& weights = kernels<Sum>();
+    const Combination products[] = {{&m_combined[0], nullptr}, {&m_combined[1], nullptr}, {&m_combined[2], nullptr}};
+    alignas(64) Sum roomX[kBlock], roomY[kBlock];
+    combineElements(
+        gx.getStrip(), info, weights.y, weights.x.halfSize(), static_cast<Sum*>(m_tile.getDataPtr()),
+        [&](unsigned long line, unsigned long, unsigned long x, Sum* to, unsigned long distance) {
+            multiplyBlock(widened(gx.accessBuffer(line) + x, roomX), widened(gy.accessBuffer(line) + x, roomY), to,
+                          to + distance, to + 2 * distance);
+        },
+        products);
     for (unsigned long p = 0; p < 3; ++p)
-        strip->write[p](m_combined[p].get<Sum>(line), info.nbAlignedData, kernels<Sum>().x, strip->out[p]->accessSamples());
+        strip->write[p](m_combined[p].getOfStrip<Sum>(info.lineIndex), info.nbAlignedData, weights.x,
+                        strip->out[p]->accessSamples());
     return success();
 }
 

@@ -38,8 +38,8 @@ processor::RetrievalResult StructureTensor2dImgLvl2::retrieveProvider(const core
                                                             *value<InSubGxImg2d>());
     return dispatch<StructureTensor2dImgLvl3>(
         priority, provider, stripsInPlace<InGxKnlYStrip2d>(value<InSubGxImg2d>(), margins),
-        stripsInPlace<InGyKnlYStrip2d>(value<InSubGyImg2d>(), margins), same<InSmoothingStdDev>(value<InSmoothingStdDev>()),
-        same<InGaussianCoverage>(value<InGaussianCoverage>()), strips<OutGxGxYStrip2d>(value<OutGxGxImg>()),
+        stripsInPlace<InGyKnlYStrip2d>(value<InSubGyImg2d>(), margins), same(attribute<InSmoothingStdDev>()),
+        same(attribute<InGaussianCoverage>()), strips<OutGxGxYStrip2d>(value<OutGxGxImg>()),
         strips<OutGyGyYStrip2d>(value<OutGyGyImg>()), strips<OutGxGyYStrip2d>(value<OutGxGyImg>()));
 }
 

@@ -37,9 +37,6 @@ private:
     processor::RulePtr createRule() const;
     template<class Sum>
     const TensorKernels<Sum>& kernels() const;
-    /// Products, and column pass of the line and those that go with it.
-    template<core::eInstructionSet Set, class Sum, class Parser>
-    void combineLines(const Parser& gx, const Parser& gy, const processor::ProcessingInfo& info);
 
     TensorKernels<float> m_floatKernels;
     TensorKernels<double> m_doubleKernels;

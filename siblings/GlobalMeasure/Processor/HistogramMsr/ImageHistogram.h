@@ -1,22 +1,10 @@
 #pragma once
 
-namespace orvik {
+#include "frame/attr/Declarations.h"
 
-namespace image {
-class BaseImage;
-}
-
-namespace imaproc {
-
-namespace attr {
-class HistogramResult;
-}
-
-namespace glbmsr {
+namespace orvik { namespace imaproc { namespace glbmsr {
 
 /// Counts of all samples of an image of any sizes but those that are NaN. Cost: two reads per sample, one thread.
 void measureHistogram(const image::BaseImage& image, attr::HistogramResult& histogram);
 
-}  // namespace glbmsr
-}
-}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::glbmsr

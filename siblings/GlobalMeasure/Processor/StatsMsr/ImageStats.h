@@ -1,23 +1,11 @@
 #pragma once
 
-namespace orvik {
+#include "frame/attr/Declarations.h"
 
-namespace image {
-class BaseImage;
-}
-
-namespace imaproc {
-
-namespace attr {
-class StatsResult;
-}
-
-namespace glbmsr {
+namespace orvik { namespace imaproc { namespace glbmsr {
 
 /// Mean, deviation and extremes of all samples of an image of any sizes but those that are NaN; a record of zeros where
 /// there are none. Sums are joined line by line: the same bits on any machine. Cost: two reads per sample, one thread.
 void measureStats(const image::BaseImage& image, attr::StatsResult& stats);
 
-}  // namespace glbmsr
-}
-}  // namespace orvik::imaproc
+}}}  // namespace orvik::imaproc::glbmsr

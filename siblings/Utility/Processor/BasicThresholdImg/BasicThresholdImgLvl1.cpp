@@ -29,8 +29,7 @@ processor::RetrievalResult BasicThresholdImgLvl1::retrieveProvider(const core::B
                                                                    processor::ProviderPtr& provider)
 {
     return dispatch<BasicThresholdImgLvl2>(priority, provider, eachPlane<InSubImg2d>(value<InImg>()),
-                                           same<InThresholdMin>(value<InThresholdMin>()),
-                                           same<InThresholdMax>(value<InThresholdMax>()),
+                                           same(attribute<InThresholdMin>()), same(attribute<InThresholdMax>()),
                                            eachPlane<OutBinImg>(value<OutBinImg>()));
 }
 

@@ -24,8 +24,7 @@ processor::RetrievalResult BasicThresholdImgLvl2::retrieveProvider(const core::B
                                                                    processor::ProviderPtr& provider)
 {
     return dispatch<BasicThresholdImgLvl3>(priority, provider, strips<InYStrip2d>(value<InSubImg2d>()),
-                                           same<InThresholdMin>(value<InThresholdMin>()),
-                                           same<InThresholdMax>(value<InThresholdMax>()),
+                                           same(attribute<InThresholdMin>()), same(attribute<InThresholdMax>()),
                                            strips<OutYStrip2d>(value<OutBinImg>()));
 }
 
