@@ -57,7 +57,7 @@ class Handle(Generic[T]):
         self._run: Optional[Run[Any, Any]] = run
         self._name = functionName
         self._result: Optional[Tuple[T]] = None
-        self._lock = threading.Lock()
+        self._lock = threading.RLock()  # a signal's handler may close this in the middle of result()
         run.start(everyPlane)
 
     def wait(self, timeout: Optional[float] = None) -> bool:

@@ -188,20 +188,30 @@ def test_threadsShareAHandle(large):
         inThreads(4, lambda i: handle.close())
 
 
-def test_whatHoldsItsHandleIsCollected(large):
-    class Owner:
-        def __init__(self):
-            self.handle = orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2, progress=self.told)
-
+@pytest.mark.parametrize("use", [
+    lambda owner: {"outImg": owner}, lambda owner: {"progress": owner.told},
+    lambda owner: {"progress": owner.refuse}, lambda owner: {"inImg": owner}])
+@pytest.mark.parametrize("ask", [lambda handle: None, lambda handle: handle.result()])
+def test_whatHoldsItsHandleIsCollected(large, use, ask):
+    class Owner(numpy.ndarray):
         def told(self, fraction):
             pass
 
-    owners = [Owner(), Owner()]
-    owners[0].handle.result()  # the other one is never waited for
-    alive = [weakref.ref(owner) for owner in owners]
-    owners.clear()
-    time.sleep(0.5)
-    orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2).result()  # the next call gives back what is left of earlier ones
+        def refuse(self, fraction):
+            raise LookupError
+
+    def drop():
+        owner = numpy.zeros((30, 30), numpy.float32).view(Owner)
+        owner.handle = orvik_fd.harrisCorner2dImg_async(**{"inImg": large[:30, :30], **use(owner)})
+        try:
+            ask(owner.handle)
+        except LookupError:
+            pass
+        return weakref.ref(owner)
+
+    alive = [drop(), drop()]
+    time.sleep(0.3)
+    orvik_fd.harrisCorner2dImg_async(large[:30, :30], 2).result()  # the next call gives back what earlier ones read
     gc.collect()
     assert [owner() for owner in alive] == [None, None]
 

@@ -81,6 +81,38 @@ print(orvik_fd.getNbThreads() if {name!r} == "ORVIK_NUM_THREADS" else len(orvik_
     assert printed is None or done.stdout.strip() == printed
 
 
+@pytest.mark.parametrize("program", [
+    """
+class Frame(numpy.ndarray):
+    def __del__(self):  # as a run is started, which gives back what ended ones read
+        told.extend(orvik_fd.harrisCorner2dImg_async(plain, 1.0) for _ in range(20) if self.shape == plain.shape)
+handles = [orvik_fd.harrisCorner2dImg_async(plain.copy().view(Frame), 1.0) for _ in range(4)]
+""",
+    """
+class Job:
+    def __init__(self):
+        self.handle = orvik_fd.harrisCorner2dImg_async(plain, 1.0, progress=self.report)
+    def report(self, fraction):
+        pass
+    def __del__(self):
+        self.handle.close()
+        told.append(self)
+Job()
+""",
+], ids=["starts runs", "closes its handle"])
+def test_whatIsLetGoOfMayCallBack(program):
+    ended = runProgram("""
+import gc, numpy, orvik_fd, time
+plain, told = numpy.zeros((50, 50), numpy.uint8), []
+""" + program + """
+time.sleep(0.2)
+orvik_fd.harrisCorner2dImg_async(plain, 1.0).result()
+gc.collect()
+assert told
+""", 20)
+    assert (ended.returncode, ended.stderr) == (0, "")
+
+
 def test_aForkedProcessWorksOnItsOwn():
     program = """
 import numpy, orvik_fd, os, signal
