@@ -15,6 +15,8 @@ from . import _core
 from ._core import Named
 from ._core import Run as Run
 
+__all__ = ["Handle"]
+
 P = ParamSpec("P")
 One = TypeVar("One")  #: what a function gives
 Every = TypeVar("Every")  #: what its multiSlice_ form gives
