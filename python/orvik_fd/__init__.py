@@ -13,81 +13,17 @@ features of one plane have another for all planes, multiSlice_.... Ctrl-C cancel
     edges = orvik_fd.cannyEdges2dImg(gx, gy, lowThreshold=5, highThreshold=15)
 """
 
-from .calls import Handle
-from .corners import (
-    harrisCorner2d,
-    harrisCorner2d_async,
-    harrisCorner2dImg,
-    harrisCorner2dImg_async,
-    multiSlice_harrisCorner2d,
-    multiSlice_harrisCorner2d_async,
-)
-from .edges import cannyEdges2dImg, cannyEdges2dImg_async
-from .enumerations import (
-    eCornerResponseType,
-    eHoughLinesThresholdType,
-    eInstructionSet,
-    eLocalExtremumType,
-    eProcessingOptimizationPolicy,
-)
-from .errors import CancelledError, Error
-from .extrema import (
-    extractLocalExtrema2d,
-    extractLocalExtrema2d_async,
-    multiSlice_extractLocalExtrema2d,
-    multiSlice_extractLocalExtrema2d_async,
-)
-from .images import BinaryArray, LabelArray, asBinary, asLabel
-from .kernels import forceInstructionSets, getNbThreads, instructionSets, releaseForcedInstructionSets, setNbThreads
-from .lines import (
-    houghLines2d,
-    houghLines2d_async,
-    houghLines2dImg,
-    houghLines2dImg_async,
-    multiSlice_houghLines2d,
-    multiSlice_houghLines2d_async,
-)
-from .measures import gaussianGradient2dImg, maxL2Norm2Msr, maxL2Norm2Msr_async
+from .calls import *
+from .corners import *
+from .edges import *
+from .enumerations import *
+from .errors import *
+from .extrema import *
+from .images import *
+from .kernels import *
+from .lines import *
+from .measures import *
 
 __version__ = "0.1.0"
 
-__all__ = [
-    "BinaryArray",
-    "CancelledError",
-    "Error",
-    "Handle",
-    "LabelArray",
-    "asBinary",
-    "asLabel",
-    "cannyEdges2dImg",
-    "cannyEdges2dImg_async",
-    "eCornerResponseType",
-    "eHoughLinesThresholdType",
-    "eInstructionSet",
-    "eLocalExtremumType",
-    "eProcessingOptimizationPolicy",
-    "extractLocalExtrema2d",
-    "extractLocalExtrema2d_async",
-    "forceInstructionSets",
-    "gaussianGradient2dImg",
-    "getNbThreads",
-    "harrisCorner2d",
-    "harrisCorner2dImg",
-    "harrisCorner2dImg_async",
-    "harrisCorner2d_async",
-    "houghLines2d",
-    "houghLines2dImg",
-    "houghLines2dImg_async",
-    "houghLines2d_async",
-    "instructionSets",
-    "maxL2Norm2Msr",
-    "maxL2Norm2Msr_async",
-    "multiSlice_extractLocalExtrema2d",
-    "multiSlice_extractLocalExtrema2d_async",
-    "multiSlice_harrisCorner2d",
-    "multiSlice_harrisCorner2d_async",
-    "multiSlice_houghLines2d",
-    "multiSlice_houghLines2d_async",
-    "releaseForcedInstructionSets",
-    "setNbThreads",
-]
+__all__ = [name for name in dir() if name[0] != "_" and hasattr(globals()[name], "__module__")]  # functions and classes

@@ -15,6 +15,8 @@ from . import _core
 from ._core import Named
 from ._core import Run as Run
 
+__all__ = ["Handle"]
+
 P = ParamSpec("P")
 One = TypeVar("One")  #: what a function gives
 Every = TypeVar("Every")  #: what its multiSlice_ form gives
@@ -57,7 +59,7 @@ class Handle(Generic[T]):
         self._run: Optional[Run[Any, Any]] = run
         self._name = functionName
         self._result: Optional[Tuple[T]] = None
-        self._lock = threading.Lock()
+        self._lock = threading.RLock()  # a signal's handler may close this in the middle of result()
         run.start(everyPlane)
 
     def wait(self, timeout: Optional[float] = None) -> bool:

@@ -11,6 +11,12 @@ from .enumerations import eCornerResponseType, memberOf
 from .extrema import ListOfEach
 from .images import Array
 
+__all__ = [
+    "harrisCorner2dImg", "harrisCorner2dImg_async",
+    "harrisCorner2d", "harrisCorner2d_async",
+    "multiSlice_harrisCorner2d", "multiSlice_harrisCorner2d_async",
+]
+
 #: No threshold: what every number reaches.
 _LOWEST = float(numpy.finfo(numpy.float32).min)
 
@@ -95,8 +101,8 @@ def _harrisCorner2d(
     Gives a structured array with fields X, Y (column and line, whole numbers at the centres of pixels) and Value, the
     response.
 
-    Raises Error for an image of several planes (use the multiSlice_ form), a deviation or coverage that makes no kernel,
-    or a distance that is too large; TypeError and ValueError for arguments that no image, number or type can be made of.
+    Raises Error for an image of several planes (use the multiSlice_ form) and a deviation or coverage that makes no kernel;
+    TypeError and ValueError for arguments that no image, number or type can be made of.
     """
     if maxNbCorners is None:
         raise TypeError("harrisCorner2d() needs the argument maxNbCorners")

@@ -8,6 +8,8 @@ from .calls import Progress, Run, background, foreground, newRun
 from .enumerations import eProcessingOptimizationPolicy, memberOf
 from .images import Array
 
+__all__ = ["cannyEdges2dImg", "cannyEdges2dImg_async"]
+
 
 def _cannyEdges2dImg(
     inGxImg2d: Array,

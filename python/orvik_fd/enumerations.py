@@ -3,6 +3,14 @@
 from enum import IntEnum
 from typing import Any, Dict, Optional, Type
 
+__all__ = [
+    "eCornerResponseType",
+    "eHoughLinesThresholdType",
+    "eInstructionSet",
+    "eLocalExtremumType",
+    "eProcessingOptimizationPolicy",
+]
+
 
 class eProcessingOptimizationPolicy(IntEnum):
     """How an algorithm that has two ways to the same result chooses between memory and passes."""

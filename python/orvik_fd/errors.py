@@ -1,5 +1,7 @@
 """Exceptions of the package."""
 
+__all__ = ["CancelledError", "Error"]
+
 
 class Error(RuntimeError, ValueError):
     """What the library refused or failed at; the text is its own and names attributes and values.

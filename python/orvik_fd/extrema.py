@@ -8,6 +8,11 @@ from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, 
 from .enumerations import eLocalExtremumType, memberOf
 from .images import Array
 
+__all__ = [
+    "extractLocalExtrema2d", "extractLocalExtrema2d_async",
+    "multiSlice_extractLocalExtrema2d", "multiSlice_extractLocalExtrema2d_async",
+]
+
 #: From (z, c, t) to the list of that plane.
 ListOfEach = Dict[Tuple[int, int, int], Array]
 
@@ -42,8 +47,8 @@ def _extractLocalExtrema2d(
     extreme ones first; equal values stand in no particular order, which is the same in every run. Pixels with the lowest
     finite value of the dtype (the highest for minima) and NaN are never listed.
 
-    Raises Error for an image of several planes (use the multiSlice_ form) or a distance that is too large; TypeError and
-    ValueError for arguments that no image, number or type can be made of.
+    Raises Error for an image of several planes (use the multiSlice_ form); TypeError and ValueError for arguments that no
+    image, number or type can be made of.
     """
     run: Run[Array, ListOfEach] = newRun("fd::ExtractLocalExtrema2dLvl1", progress)
     run.set("InImg", inImg=inImg)

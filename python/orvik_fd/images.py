@@ -6,6 +6,8 @@ from typing import TYPE_CHECKING, Any, Tuple, Type, TypeVar
 
 import numpy
 
+__all__ = ["BinaryArray", "LabelArray", "asBinary", "asLabel"]
+
 if TYPE_CHECKING:
     from numpy.typing import NDArray
 

@@ -8,6 +8,8 @@ from typing import Iterable, List, Union
 from . import _core
 from .enumerations import eInstructionSet, memberOf
 
+__all__ = ["forceInstructionSets", "getNbThreads", "instructionSets", "releaseForcedInstructionSets", "setNbThreads"]
+
 
 def instructionSets() -> List[eInstructionSet]:
     """The sets that this machine has, the plainest first. ORVIK_MAX_INSTRUCTION_SET in the environment hides those above."""

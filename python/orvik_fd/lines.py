@@ -9,6 +9,12 @@ from .enumerations import eHoughLinesThresholdType, memberOf
 from .extrema import ListOfEach
 from .images import Array
 
+__all__ = [
+    "houghLines2dImg", "houghLines2dImg_async",
+    "houghLines2d", "houghLines2d_async",
+    "multiSlice_houghLines2d", "multiSlice_houghLines2d_async",
+]
+
 
 def _houghLines2dImg(
     inGreyImg: Array,
@@ -44,7 +50,8 @@ def _houghLines2dImg(
     """
     run: Run[Array, Array] = newRun("fd::HoughLines2dImgLvl1", progress)
     run.set("InGreyImg2d", inGreyImg=inGreyImg)
-    _setBins(run, rhoStep, thetaMin, thetaMax, nbThetaBins, pixelThreshold)
+    run.set("InOptHoughLinesImgParams", rhoStep=rhoStep, thetaMin=thetaMin, thetaMax=thetaMax, nbThetaBins=nbThetaBins,
+            pixelThreshold=pixelThreshold)
     return run.returning("OutImg")
 
 
@@ -86,7 +93,8 @@ def _houghLines2d(
     """
     run: Run[Tuple[Array, Array], Tuple[ListOfEach, Array]] = newRun("fd::HoughLines2dLvl1", progress)
     run.set("InGreyImg2d", inGreyImg=inGreyImg)
-    _setBins(run, rhoStep, thetaMin, thetaMax, nbThetaBins, pixelThreshold)
+    run.set("InOptHoughLinesImgParams", rhoStep=rhoStep, thetaMin=thetaMin, thetaMax=thetaMax, nbThetaBins=nbThetaBins,
+            pixelThreshold=pixelThreshold)
     run.set(
         "InOptHoughLinesExtractionParams",
         threshold=threshold,
@@ -94,24 +102,6 @@ def _houghLines2d(
         **memberOf(eHoughLinesThresholdType, thresholdType=thresholdType),
     )
     return run.returning("OutPIHoughLines2dPpties", "OutOptImg")
-
-
-def _setBins(
-    run: Run[Array, Array] | Run[Tuple[Array, Array], Tuple[ListOfEach, Array]],
-    rhoStep: Optional[float],
-    thetaMin: Optional[float],
-    thetaMax: Optional[float],
-    nbThetaBins: Optional[int],
-    pixelThreshold: Optional[float],
-) -> None:
-    run.set(
-        "InOptHoughLinesImgParams",
-        rhoStep=rhoStep,
-        thetaMin=thetaMin,
-        thetaMax=thetaMax,
-        nbThetaBins=nbThetaBins,
-        pixelThreshold=pixelThreshold,
-    )
 
 
 houghLines2dImg = foreground(_houghLines2dImg)

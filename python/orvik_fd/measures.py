@@ -7,6 +7,8 @@ from typing import Any, Optional, Tuple
 from .calls import Progress, Run, background, foreground, named, newRun
 from .images import Array
 
+__all__ = ["gaussianGradient2dImg", "maxL2Norm2Msr", "maxL2Norm2Msr_async"]
+
 #: The gradient along x and along y: arrays; None only for one that was not asked for, so that no caller need check.
 Gradients = Tuple[Any, Any]
 

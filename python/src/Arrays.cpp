@@ -1,7 +1,5 @@
 #include "Arrays.h"
 
-#include "References.h"
-
 #include "frame/util/BaseException.h"
 
 #include <algorithm>
@@ -12,6 +10,8 @@ namespace py = pybind11;
 namespace orvik { namespace python {
 
 using image::eImageBufferType;
+using imaproc::ConstImagePtr;
+using imaproc::ImagePtr;
 
 namespace {
 
@@ -27,11 +27,26 @@ std::string typeName(const py::handle& object)
     return textOf(py::type::handle_of(object).attr("__name__"));
 }
 
+struct Types
+{
+    std::vector<py::dtype> ofImages;  // by eImageBufferType
+    py::object plainArray;
+};
+
+const Types& types()
+{
+    // Never destroyed: at the end of the process the interpreter is gone before statics are.
+    static const Types& known =
+        *new Types{{py::dtype("V1"), py::dtype("i1"), py::dtype("u1"), py::dtype("i2"), py::dtype("u2"), py::dtype("i4"),
+                    py::dtype("u4"), py::dtype("f4"), py::dtype("?"), py::dtype("u2"), py::dtype("u4"), py::dtype("u1")},
+                   py::module_::import("numpy").attr("ndarray")};
+    return known;
+}
+
 /// "binary", "label" or "": what an array's class says of its samples. Plain arrays say nothing.
 std::string markOf(const py::array& array, const std::string& name)
 {
-    static const PyObject* const plain = py::object(py::module_::import("numpy").attr("ndarray")).release().ptr();
-    if (py::type::handle_of(array).ptr() == plain)
+    if (py::type::handle_of(array).is(types().plainArray))
         return std::string();
     if (py::hasattr(array, "mask"))
         throw py::type_error(name + ": masked arrays are not supported, since the mask would be ignored");
@@ -107,18 +122,14 @@ bool stridesOf(const py::array& array, image::ImageStrides& strides)
     return true;
 }
 
-const py::dtype& dtypeOf(eImageBufferType type)
-{
-    // Never destroyed: at the end of the process the interpreter is gone before statics are.
-    static const std::vector<py::dtype>& dtypes = *new std::vector<py::dtype>{
-        py::dtype("V1"), py::dtype("i1"), py::dtype("u1"), py::dtype("i2"), py::dtype("u2"), py::dtype("i4"),
-        py::dtype("u4"), py::dtype("f4"), py::dtype("?"),  py::dtype("u2"), py::dtype("u4"), py::dtype("u1")};
-    return dtypes[type];
-}
-
 }  // namespace
 
-boost::shared_ptr<const image::BaseImage> readArray(const py::object& object, const std::string& name, py::ssize_t& nbAxes)
+void lookUpTypes()
+{
+    types();
+}
+
+ConstImagePtr readArray(const py::object& object, const std::string& name, py::ssize_t& nbAxes)
 {
     py::array array = asArray(object, name);
     nbAxes = array.ndim();
@@ -136,11 +147,12 @@ boost::shared_ptr<const image::BaseImage> readArray(const py::object& object, co
     return image::wrapBuffer(array.data(), type, sizes, image::ImageStrides(), keepReference(array));
 }
 
-boost::shared_ptr<image::BaseImage> writeArray(const py::object& object, const std::string& name)
+ImagePtr writeArray(const Reference& object, const std::string& name)
 {
-    if (!py::isinstance<py::array>(object))
-        throw py::type_error(name + ": an array is expected, not " + typeName(object));
-    py::array array = py::reinterpret_borrow<py::array>(object);
+    const py::handle given(static_cast<PyObject*>(object.get()));
+    if (!py::isinstance<py::array>(given))
+        throw py::type_error(name + ": an array is expected, not " + typeName(given));
+    py::array array = py::reinterpret_borrow<py::array>(given);
     const eImageBufferType type = typeOf(array, name);
     const image::ImageSizes sizes = sizesOf(array, name);
     if (!array.writeable())
@@ -150,16 +162,16 @@ boost::shared_ptr<image::BaseImage> writeArray(const py::object& object, const s
         throw py::value_error(name + ": a result can't be written to an array with strides " + textOf(array.attr("strides"))
                               + ": the samples of a line must follow one another");
     try {
-        return image::wrapBuffer(array.mutable_data(), type, sizes, strides, keepReference(array));
+        return image::wrapBuffer(array.mutable_data(), type, sizes, strides, object);
     } catch (const imaproc::ORVIKImageProcessingException& e) {
         throw py::value_error(name + ": " + e.what());
     }
 }
 
-py::array toArray(const boost::shared_ptr<image::BaseImage>& image, py::ssize_t nbAxes)
+py::array toArray(const ImagePtr& image, py::ssize_t nbAxes)
 {
     const eImageBufferType type = image->getBufferType();
-    const py::dtype& dtype = dtypeOf(type);
+    const py::dtype& dtype = types().ofImages[type];
     const image::ImageSizes& sizes = image->getGeometry().getSizes();
     const image::ImageStrides& strides = image->getStrides();
     const std::array<unsigned long, g_maxAxes> allSizes = {sizes.x, sizes.y, sizes.z, sizes.c, sizes.t};
@@ -167,8 +179,7 @@ py::array toArray(const boost::shared_ptr<image::BaseImage>& image, py::ssize_t 
                                                     strides.t};
     std::vector<py::ssize_t> shape(allSizes.rend() - nbAxes, allSizes.rend());
     std::vector<py::ssize_t> distances(allStrides.rend() - nbAxes, allStrides.rend());
-    const py::capsule owner(new boost::shared_ptr<image::BaseImage>(image),
-                            [](void* pointer) { delete static_cast<boost::shared_ptr<image::BaseImage>*>(pointer); });
+    const py::capsule owner(new ImagePtr(image), [](void* pointer) { delete static_cast<ImagePtr*>(pointer); });
     py::array array(dtype, std::move(shape), std::move(distances), image->accessLine(0), owner);
     if (type == image::eIBT_Label8 || type == image::eIBT_Label16 || type == image::eIBT_Label32)
         return py::module_::import("orvik_fd").attr("asLabel")(array);

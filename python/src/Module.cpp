@@ -1,8 +1,8 @@
 // The part of the Python package that is C++: calls by the names of classes and attributes. What users see is written in
 // Python, in orvik_fd.
 
+#include "Arrays.h"
 #include "Kernels.h"
-#include "References.h"
 #include "Run.h"
 #include "Values.h"
 
@@ -33,13 +33,41 @@ void translate(std::exception_ptr failure)
     }
 }
 
+/// None while the object is being made, when the collector may already see it.
+Run* runOf(PyObject* self)
+{
+    const auto place = reinterpret_cast<py::detail::instance*>(self)->get_value_and_holder();
+    return place.holder_constructed() ? place.value_ptr<Run>() : nullptr;
+}
+
+void letCollect(PyHeapTypeObject* heapType)
+{
+    PyTypeObject& type = heapType->ht_type;
+    type.tp_flags |= Py_TPFLAGS_HAVE_GC;
+    type.tp_traverse = [](PyObject* self, visitproc visit, void* arg) {
+        Py_VISIT(Py_TYPE(self));
+        const Run* const run = runOf(self);
+        return run ? run->traverse(visit, arg) : 0;
+    };
+    type.tp_clear = [](PyObject* self) {
+        if (Run* const run = runOf(self))
+            run->clear();
+        return 0;
+    };
+    type.tp_dealloc = [](PyObject* self) {
+        PyObject_GC_UnTrack(self);  // pybind11 2.10 leaves it to the collector while the run is taken down
+        py::detail::pybind11_object_dealloc(self);
+    };
+}
+
 }  // namespace
 
 PYBIND11_MODULE(_core, module)
 {
+    lookUpTypes();
     py::register_exception_translator(&translate);
 
-    py::class_<Run>(module, "Run")
+    py::class_<Run>(module, "Run", py::custom_type_setup(&letCollect))
         .def(py::init<const std::string&, const py::object&>())
         .def("set", &Run::set)
         .def("give", &Run::give)

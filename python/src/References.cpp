@@ -1,73 +1,72 @@
 #include "References.h"
 
-#include <mutex>
-#include <vector>
+#include <atomic>
 
 namespace orvik { namespace python {
 
 namespace {
 
-/// Objects that nobody in C++ needs any more. Never destroyed: threads of the library may outlive the interpreter.
-struct LetGo
+/// An object that C++ holds, and once it is let go of without the interpreter lock, a link in the list of those. Taken
+/// beforehand, so that letting go needs neither memory nor a lock, which another thread may have while the process forks.
+struct Kept
 {
-    std::mutex mutex;
-    std::vector<PyObject*> objects;
+    PyObject* object;
+    Kept* next;
 };
 
-LetGo& letGo()
+std::atomic<Kept*> g_letGo(nullptr);
+
+void giveBack(Kept* kept)
 {
-    static LetGo* const place = new LetGo;
-    return *place;
+    PyObject* const object = kept->object;
+    delete kept;
+    Py_DECREF(object);  // last: it may run any Python code, and that come back here
 }
 
-int giveBack(void*)
+int giveAllBack(void*)
 {
-    std::vector<PyObject*> objects;
-    {
-        const std::lock_guard<std::mutex> lock(letGo().mutex);
-        objects.swap(letGo().objects);
+    for (Kept* kept = g_letGo.exchange(nullptr); kept;) {
+        Kept* const next = kept->next;
+        giveBack(kept);
+        kept = next;
     }
-    for (PyObject* const object : objects)
-        Py_DECREF(object);
     return 0;
 }
 
-void release(void* pointer)
+void release(Kept* kept)
 {
     if (!Py_IsInitialized())
         return;  // its memory went with the interpreter
-    PyObject* const object = static_cast<PyObject*>(pointer);
     if (PyGILState_Check()) {
-        Py_DECREF(object);
+        giveBack(kept);
         return;
     }
-    {
-        const std::lock_guard<std::mutex> lock(letGo().mutex);
-        letGo().objects.push_back(object);
+    kept->next = g_letGo;
+    while (!g_letGo.compare_exchange_weak(kept->next, kept)) {
     }
     // Where the interpreter's queue is full, the next call of this gives the object back as well.
-    Py_AddPendingCall(&giveBack, nullptr);
+    Py_AddPendingCall(&giveAllBack, nullptr);
 }
 
 }  // namespace
 
-boost::shared_ptr<void> keepReference(pybind11::handle object)
+Reference keepReference(pybind11::handle object)
 {
-    object.inc_ref();
-    return boost::shared_ptr<void>(object.ptr(), &release);
+    Kept* const kept = new Kept{object.inc_ref().ptr(), nullptr};
+    return Reference(Ptr<Kept>(kept, &release), object.ptr());
 }
 
-RaisedError::RaisedError()
+Reference keepRaised()
 {
     PyObject *type = nullptr, *value = nullptr, *trace = nullptr;
     PyErr_Fetch(&type, &value, &trace);
     PyErr_NormalizeException(&type, &value, &trace);
+    const auto ownedType = pybind11::reinterpret_steal<pybind11::object>(type);
+    const auto ownedValue = pybind11::reinterpret_steal<pybind11::object>(value);
+    const auto ownedTrace = pybind11::reinterpret_steal<pybind11::object>(trace);
     if (trace)
         PyException_SetTraceback(value, trace);
-    m_value = keepReference(value);
-    Py_XDECREF(type);
-    Py_XDECREF(value);
-    Py_XDECREF(trace);
+    return keepReference(value);
 }
 
 const char* RaisedError::what() const noexcept

@@ -2,7 +2,6 @@
 
 #include "Arrays.h"
 #include "Interpreter.h"
-#include "References.h"
 #include "Values.h"
 
 #include "frame/imaproc/ImageAttributes.h"
@@ -25,6 +24,7 @@ using processor::BaseProcessor;
 namespace {
 
 typedef std::chrono::steady_clock Clock;
+typedef Ptr<BaseProcessor> ProcessorPtr;
 
 /// How often a waiting thread looks for signals, Ctrl-C above all.
 const unsigned long g_signalMilliseconds = 50;
@@ -39,11 +39,27 @@ std::vector<boost::weak_ptr<BaseProcessor>>& startedRuns()
     return *runs;
 }
 
-/// Lets go of what a run that has ended needs no more: its callback and its arrays may refer to who holds the run.
-void clearEnded(BaseProcessor& processor)
+/// Takes the runs that have ended from the list and lets go of the arrays that they read. That may run Python code, which
+/// may start runs: only once the list is in order.
+void clearEndedRuns()
 {
-    processor.setProgressCallback(nullptr);
-    processor.clearInputData();
+    auto& runs = startedRuns();
+    std::vector<ProcessorPtr> held, ended;
+    held.reserve(runs.size());
+    ended.reserve(runs.size());
+    runs.erase(std::remove_if(runs.begin(), runs.end(),
+                              [&](const auto& run) {
+                                  held.push_back(run.lock());
+                                  const ProcessorPtr& processor = held.back();
+                                  if (processor && processor->isRunning())
+                                      return false;
+                                  if (processor)
+                                      ended.push_back(processor);
+                                  return true;
+                              }),
+               runs.end());
+    for (const ProcessorPtr& processor : ended)
+        processor->clearInputData();
 }
 
 void checkSignals()
@@ -64,7 +80,7 @@ public:
         m_last = now;
         const Locked locked(Locked::eOfCaller);
         if (PyErr_CheckSignals() != 0)
-            throw RaisedError();
+            throw RaisedError(keepRaised());
     }
 
 private:
@@ -86,16 +102,19 @@ py::object onlyArgument(const std::string& attribute, const py::kwargs& argument
 Run::Run(const std::string& className, const py::object& progress)
     : m_className(className),
       m_processor(processor::ProcessorFactory::getInstance().createProcessor("orvik::imaproc::" + className)),
-      m_progress(progress), m_nbForks(getNbForks())
+      m_nbForks(getNbForks())
 {
     if (!m_processor)
         throw py::value_error("no class has the name " + className);
+    if (!progress.is_none())
+        m_callback = std::make_shared<Callback>(Callback{keepReference(progress), Reference()});
     m_processor->init(processor::ePRP_WithRules);
 }
 
 BaseAttribute& Run::attribute(const std::string& name) const
 {
-    for (const boost::shared_ptr<BaseAttribute>& attribute : m_processor->getAttributes())
+    checkOwn();
+    for (const Ptr<BaseAttribute>& attribute : m_processor->getAttributes())
         if (attribute->getObjectName() == name)
             return *attribute;
     throw py::value_error(m_className + " has no attribute " + name);
@@ -112,7 +131,7 @@ void Run::set(const std::string& attributeName, const py::kwargs& arguments)
     std::string name;
     const py::object array = onlyArgument(attributeName, arguments, name);
     py::ssize_t nbAxes = 0;
-    const boost::shared_ptr<const image::BaseImage> value = readArray(array, name, nbAxes);
+    const imaproc::ConstImagePtr value = readArray(array, name, nbAxes);
     if (m_nbSamples == 0)
         m_nbAxes = nbAxes;
     m_nbSamples += value->getSizeX() * value->getSizeY() * value->getSizeZ() * value->getSizeC() * value->getSizeT();
@@ -125,8 +144,9 @@ void Run::give(const std::string& attributeName, const py::kwargs& argument)
     const py::object array = onlyArgument(attributeName, argument, name);
     if (array.is_none())
         return;
-    dynamic_cast<imaproc::BaseOutputImageAttribute&>(attribute(attributeName)).assign(writeArray(array, name));
-    m_given.emplace_back(attributeName, array);
+    const Reference kept = keepReference(array);
+    dynamic_cast<imaproc::BaseOutputImageAttribute&>(attribute(attributeName)).assign(writeArray(kept, name));
+    m_given.emplace_back(attributeName, kept);
 }
 
 void Run::returns(const py::args& attributes)
@@ -150,32 +170,34 @@ void Run::prepare(bool everyPlane)
 
 void Run::watchProgress()
 {
-    if (m_progress.is_none())
+    if (!m_callback)
         return;
-    const boost::shared_ptr<void> callback = keepReference(m_progress);
-    m_progress = py::none();
-    m_processor->setProgressCallback([callback](double fraction) {
+    m_processor->setProgressCallback([callback = m_callback](double fraction) {
         const Locked locked(Locked::eOfLibrary);
-        PyObject* const answer = PyObject_CallFunction(static_cast<PyObject*>(callback.get()), "d", fraction);
-        if (!answer)
-            throw RaisedError();
+        if (callback->raised)
+            throw RaisedError(callback->raised);
+        PyObject* const answer = PyObject_CallFunction(static_cast<PyObject*>(callback->callable.get()), "d", fraction);
+        if (!answer) {
+            callback->raised = keepRaised();
+            throw RaisedError(callback->raised);
+        }
         Py_DECREF(answer);
     });
 }
 
 py::object Run::execute(bool everyPlane)
 {
-    const bool isLong = m_nbSamples > g_nbSamplesOfSmall || !m_progress.is_none();
+    const bool isLong = m_nbSamples > g_nbSamplesOfSmall || m_callback;
     if (isLong && !isInCallback() && getNbForks() == 0) {
         start(everyPlane);
         wait(py::none());
         return getResult();
     }
     prepare(everyPlane);
-    if (m_progress.is_none())
-        m_processor->setProgressCallback(SignalWatch());
-    else
+    if (m_callback)
         watchProgress();
+    else
+        m_processor->setProgressCallback(SignalWatch());
     {
         const Unlocked unlocked;
         processor::executeSyncRun(m_processor);
@@ -185,6 +207,9 @@ py::object Run::execute(bool everyPlane)
 
 void Run::start(bool everyPlane)
 {
+    clearEndedRuns();
+    // From here on no Python code runs until the run is on: neither does the end of the interpreter begin, nor is another run
+    // started that takes this one for one that has ended.
     if (hasEndBegun()) {
         {
             const Unlocked heldUp;
@@ -200,19 +225,8 @@ void Run::start(bool everyPlane)
         m_processor->run(core::eST_Asynchronous);
         return;
     }
-    auto& runs = startedRuns();
-    runs.erase(std::remove_if(runs.begin(), runs.end(),
-                              [](const auto& run) {
-                                  const boost::shared_ptr<BaseProcessor> processor = run.lock();
-                                  if (processor && processor->isRunning())
-                                      return false;
-                                  if (processor)
-                                      clearEnded(*processor);
-                                  return true;
-                              }),
-               runs.end());
-    runs.emplace_back(m_processor);
-    m_processor->run(core::eST_Asynchronous);  // with the lock, so that no other start takes it for one that has ended
+    startedRuns().emplace_back(m_processor);
+    m_processor->run(core::eST_Asynchronous);
 }
 
 bool Run::isOwn() const
@@ -224,6 +238,8 @@ void Run::checkOwn() const
 {
     if (!isOwn())
         throw std::runtime_error("this run belongs to the process that started it, of which this one is a fork");
+    if (!m_processor)
+        throw std::runtime_error("this run was collected");
 }
 
 bool Run::waitMilliseconds(unsigned long milliseconds)
@@ -234,9 +250,12 @@ bool Run::waitMilliseconds(unsigned long milliseconds)
 
 bool Run::clearIfEnded(bool ended)
 {
-    if (ended)
-        clearEnded(*m_processor);
-    return ended;
+    if (!ended)
+        return false;
+    if (m_callback)
+        Reference().swap(m_callback->callable);
+    m_processor->clearInputData();
+    return true;
 }
 
 bool Run::wait(const py::object& seconds)
@@ -294,7 +313,7 @@ py::object Run::read(const std::string& name) const
 {
     for (const auto& given : m_given)
         if (given.first == name)
-            return given.second;
+            return py::reinterpret_borrow<py::object>(static_cast<PyObject*>(given.second.get()));
     BaseAttribute& source = attribute(name);
     if (const auto* const image = dynamic_cast<imaproc::BaseOutputImageAttribute*>(&source))
         return image->getStorage() ? py::object(toArray(image->getStorage(), m_nbAxes)) : py::none();
@@ -320,9 +339,9 @@ py::object Run::readLists(BasePlanIndexedColl& coll) const
 
 void Run::endAll()
 {
-    std::vector<boost::shared_ptr<BaseProcessor>> runs;
+    std::vector<ProcessorPtr> runs;
     for (const auto& run : startedRuns())
-        if (boost::shared_ptr<BaseProcessor> processor = run.lock())
+        if (ProcessorPtr processor = run.lock())
             runs.push_back(std::move(processor));
     beginEnd();
     {
@@ -339,6 +358,27 @@ void Run::forgetAll()
 {
     noteFork();
     startedRuns().clear();
+}
+
+int Run::traverse(visitproc visit, void* arg) const
+{
+    if (!isOwn() || (m_processor && m_processor->isRunning()))
+        return 0;
+    const auto show = [&](const Reference& kept) {
+        Py_VISIT(static_cast<PyObject*>(kept.get()));
+        return 0;
+    };
+    for (const auto& given : m_given)
+        if (const int answer = show(given.second))
+            return answer;
+    return m_callback ? show(m_callback->callable) + show(m_callback->raised) : 0;
+}
+
+void Run::clear()
+{
+    const auto given = std::move(m_given);
+    const auto callback = std::move(m_callback);
+    const auto processor = std::move(m_processor);
 }
 
 }}  // namespace orvik::python

@@ -2,8 +2,11 @@
 
 #include <pybind11/pybind11.h>
 
+#include "References.h"
+
 #include "frame/processor/BaseProcessor.h"
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -49,21 +52,37 @@ public:
     /// To be called in a process made by fork.
     static void forgetAll();
 
+    // For Python's collector of cycles: an exception, as an example, refers by its traceback to what called the function that
+    // raised it, and that to the run. Arrays that are read are left out, since an ended run is soon made to let go of them.
+
+    /// Shows the collector what the run alone holds: nothing while it is on.
+    int traverse(visitproc visit, void* arg) const;
+    /// Lets go of everything. The run is of no use afterwards, and says so.
+    void clear();
+
 private:
+    /// What a run calls, and what that raised.
+    struct Callback
+    {
+        Reference callable, raised;
+    };
+
     processor::BaseAttribute& attribute(const std::string& name) const;
     void prepare(bool everyPlane);
     void watchProgress();
     void checkOwn() const;
     bool waitMilliseconds(unsigned long milliseconds);
-    /// Lets go of what a run needs no more once it has ended, which it gives back.
+    /// Lets go of what a run needs no more once it has ended, which it gives back: its callback and its arrays may refer to
+    /// who holds the run.
     bool clearIfEnded(bool ended);
     pybind11::object read(const std::string& name) const;
     pybind11::object readLists(BasePlanIndexedColl& coll) const;
 
     std::string m_className;
-    boost::shared_ptr<processor::BaseProcessor> m_processor;
-    pybind11::object m_progress;
-    std::vector<std::pair<std::string, pybind11::object>> m_given;
+    // These outlive the processor, which so lets go of no last reference while it has its locks: that may run Python code.
+    std::shared_ptr<Callback> m_callback;
+    std::vector<std::pair<std::string, Reference>> m_given;
+    Ptr<processor::BaseProcessor> m_processor;
     std::vector<std::string> m_results;
     pybind11::ssize_t m_nbAxes = 2;
     unsigned long m_nbSamples = 0;
