@@ -97,7 +97,9 @@ private:
         m_bitDepth = png_get_bit_depth(m_png, m_info);
         m_channels = png_get_channels(m_png, m_info);
         m_rowBytes = png_get_rowbytes(m_png, m_info);
-        m_pixels = allocateRaw(checkedBytes(m_sizeX, m_sizeY, m_channels * m_bitDepth / 8));
+        const std::size_t pixelBytes = checkedBytes(m_sizeX, m_sizeY, m_channels * m_bitDepth / 8);
+        requireMemoryFor(pixelBytes + pixelBytes / m_channels, availableMemory(), m_sizeX, m_sizeY);
+        m_pixels = allocateRaw(pixelBytes);
         for (int pass = 0; pass < passes; ++pass)
             for (std::size_t y = 0; y < m_sizeY; ++y)
                 png_read_row(m_png, m_pixels.get() + y * m_rowBytes, nullptr);
