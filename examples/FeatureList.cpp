@@ -1,12 +1,10 @@
 #include "FeatureList.h"
 
-#include "PictureCodec.h"
+#include "OutputFiles.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <locale>
 #include <sstream>
@@ -78,16 +76,10 @@ ListFiles writeList(const ListOptions& options, const std::string& what, const F
     namespace fs = std::filesystem;
     const std::string start = (fs::path(options.folder) / fs::path(options.picture).stem()).string() + "-" + what;
     const ListFiles files = {start + "." + options.format, start + "-overlay.png"};
-    codec::writeFile(files.list, [&](std::FILE* file) {
-        if (std::fwrite(text.data(), 1, text.size(), file) != text.size())
-            throw codec::Refusal(codec::systemReason(errno));
-    });
-    try {
-        writeRgbPng(files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * static_cast<long>(picture.sizeX));
-    } catch (...) {
-        std::remove(files.list.c_str());
-        throw;
-    }
+    OutputFiles output;
+    output.addText(files.list, text);
+    addRgbPng(output, files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * static_cast<long>(picture.sizeX));
+    output.putInPlace();
     return files;
 }
 

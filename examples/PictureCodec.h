@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <functional>
 #include <memory>
 
 namespace orvik::examples::codec {
@@ -35,10 +34,6 @@ struct FileCloser
 };
 
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
-
-/// Makes a file that appears complete or not at all, replacing one of that name: `fill` writes it and may throw Refusal.
-/// Throws PictureError.
-void writeFile(const std::string& path, const std::function<void(std::FILE*)>& fill);
 
 /// The first message of a codec. Later ones only tell of the consequences. The text has a fixed size because it is
 /// filled inside the codec, where neither an exception nor a leak through longjmp() is allowed.

@@ -1,13 +1,13 @@
 // Finds the edges of a picture: reads a PNG, JPEG or TIFF file, writes the edges and the picture with its edges in red.
 
 #include "EdgeStages.h"
+#include "OutputFiles.h"
 #include "PictureIo.h"
 
 #include "frame/core/Scheduler.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <filesystem>
 #include <iostream>
 
@@ -39,13 +39,10 @@ Files writeFiles(const Picture& picture, const std::vector<unsigned char>& edges
     const std::string start = (fs::path(options.folder) / fs::path(options.picture).stem()).string();
     const Files files = {start + "-edges.png", start + "-overlay.png"};
     const long rowBytes = static_cast<long>(picture.sizeX);
-    writeGreyPng(files.edges, picture.sizeX, picture.sizeY, edges.data(), rowBytes);
-    try {
-        writeRgbPng(files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * rowBytes);
-    } catch (...) {
-        std::remove(files.edges.c_str());
-        throw;
-    }
+    OutputFiles output;
+    addGreyPng(output, files.edges, picture.sizeX, picture.sizeY, edges.data(), rowBytes);
+    addRgbPng(output, files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * rowBytes);
+    output.putInPlace();
     return files;
 }
 

@@ -1,3 +1,4 @@
+#include "OutputFiles.h"
 #include "PictureCodec.h"
 #include "PictureIo.h"
 
@@ -477,6 +478,34 @@ Bytes tiffOfTags(std::map<std::uint16_t, std::vector<std::uint32_t>> tags)
     put(bytes, 4, 0);
     bytes.insert(bytes.end(), behind.begin(), behind.end());
     return bytes;
+}
+
+TEST_F(PictureIo, TakesBackWhatIsInPlaceWhenAnotherFileFails)
+{
+    const auto contents = [&] {
+        std::map<std::string, std::string> found;
+        for (const auto& entry : fs::directory_iterator(m_folder)) {
+            const Bytes bytes = entry.is_directory() ? Bytes{'/'} : readBytes(entry.path().string());
+            found[entry.path().filename().string()].assign(bytes.begin(), bytes.end());
+        }
+        return found;
+    };
+    std::ofstream(in("older")) << "as it was";
+    {
+        OutputFiles files;
+        for (const char* name : {"older", "new", "taken", "last"})
+            files.addText(in(name), "written");
+        fs::create_directory(in("taken"));  // once all could be written
+        EXPECT_EQ(reason("cannot write '" + in("taken") + "': ", [&] { files.putInPlace(); }), "Is a directory");
+    }
+    EXPECT_EQ(contents(), (std::map<std::string, std::string>{{"older", "as it was"}, {"taken", "/"}}));
+
+    OutputFiles files;
+    files.addText(in("older"), "written");
+    files.addText(in("new"), "written, too");
+    files.putInPlace();
+    EXPECT_EQ(contents(),
+              (std::map<std::string, std::string>{{"new", "written, too"}, {"older", "written"}, {"taken", "/"}}));
 }
 
 TEST_F(PictureIo, RefusesTiffFilesThatClaimMoreThanTheyHold)
