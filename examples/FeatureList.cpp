@@ -2,8 +2,6 @@
 
 #include "OutputFiles.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <filesystem>
 #include <locale>
@@ -56,14 +54,10 @@ std::string toText(const FeatureList& list, const std::string& format)
 
 void addListOptions(CLI::App& app, ListOptions& options)
 {
-    app.add_option("--max", options.max, "list no more, the first ones (default: " + std::to_string(options.max) + ")")
-        ->check(isWholeNumberTo(1000000000))
-        ->type_name("N");
-    app.add_option("-o,--output", options.folder, "folder to write to, made if missing (default: the current one)")
-        ->type_name("FOLDER");
-    app.add_option("--format", options.format, "of the list: csv or json (default: csv)")
-        ->check(CLI::IsMember({"csv", "json"}))
-        ->type_name("NAME");
+    addNumber(app, "--max", options.max, "list no more, the first ones (default: " + std::to_string(options.max) + ")",
+              isWholeNumberFrom(0, 1000000000), "N");
+    addFolder(app, options.folder);
+    addChoice(app, "--format", options.format, "of the list: csv or json (default: csv)", {"csv", "json"});
     addCommonOptions(app, options.common);
 }
 

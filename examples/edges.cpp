@@ -6,8 +6,6 @@
 
 #include "frame/core/Scheduler.h"
 
-#include <CLI/CLI.hpp>
-
 #include <filesystem>
 #include <iostream>
 
@@ -74,14 +72,11 @@ int main(int argc, char** argv)
                  "NAME-overlay.png, the picture in grey with edges in red.",
                  "edges");
     Options options;
-    app.add_option("PICTURE", options.picture, "file to read; colour is taken as grey")->required()->type_name("");
-    app.add_option("-o,--output", options.folder, "folder to write to, made if missing (default: the current one)")
-        ->type_name("FOLDER");
+    addPicture(app, options.picture);
+    addFolder(app, options.folder);
     addEdgeOptions(app, options.edges);
-    app.add_option("--policy", options.policy,
-                   "way to the weak edges: labels or iterative; same result (default: iterative)")
-        ->check(CLI::IsMember({"labels", "iterative"}))
-        ->type_name("NAME");
+    addChoice(app, "--policy", options.policy,
+              "way to the weak edges: labels or iterative; same result (default: iterative)", {"labels", "iterative"});
     addCommonOptions(app, options.common);
     return runProgram(app, argc, argv, options.common, [&] { run(options); });
 }
