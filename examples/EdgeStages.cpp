@@ -6,8 +6,6 @@
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <iomanip>
 #include <sstream>
@@ -20,7 +18,7 @@ namespace {
 
 struct Gradient
 {
-    boost::shared_ptr<image::BaseImage> x, y;
+    imaproc::ImagePtr x, y;
 };
 
 // Both stages go through the processors, not through the functions gaussianGradient2dImg and cannyEdges2dImg that do
@@ -36,8 +34,8 @@ Gradient computeGradient(const Picture& picture, double sigma, const CommonOptio
     return {gradient->getStorage<attr::OutOptGradXImg>(), gradient->getStorage<attr::OutOptGradYImg>()};
 }
 
-boost::shared_ptr<image::BaseImage> detectEdges(const Gradient& gradient, const EdgeThresholds& thresholds, bool viaLabels,
-                                                const CommonOptions& common)
+imaproc::ImagePtr detectEdges(const Gradient& gradient, const EdgeThresholds& thresholds, bool viaLabels,
+                              const CommonOptions& common)
 {
     const auto canny = processor::createInitialised<imaproc::fd::CannyEdges2dImgLvl1>();
     canny->set<attr::InGxGreyImg2d>(gradient.x);
@@ -52,17 +50,14 @@ boost::shared_ptr<image::BaseImage> detectEdges(const Gradient& gradient, const 
 
 void addEdgeOptions(CLI::App& app, EdgeOptions& options)
 {
-    app.add_option("--sigma", options.sigma, "standard deviation of the smoothing, 0.1 to 1000 pixels (default: 1)")
-        ->check(isNumberFrom(0.1, 1000))
-        ->type_name("PIXELS");
-    app.add_option("--low", options.low, "weak edges have a gradient above this, in grey levels per pixel")
-        ->check(isNumberFrom(0))
-        ->type_name("LEVELS");
-    app.add_option("--high", options.high,
-                   "strong edges have one above this; weak edges count when they hang together with strong ones "
-                   "(default: both thresholds from the picture)")
-        ->check(isNumberFrom(0))
-        ->type_name("LEVELS");
+    addNumber(app, "--sigma", options.sigma, "standard deviation of the smoothing, 0.1 to 1000 pixels (default: 1)",
+              isNumberFrom(0.1, 1000), "PIXELS");
+    addNumber(app, "--low", options.low, "weak edges have a gradient above this, in grey levels per pixel", isNumberFrom(0),
+              "LEVELS");
+    addNumber(app, "--high", options.high,
+              "strong edges have one above this; weak edges count when they hang together with strong ones "
+              "(default: both thresholds from the picture)",
+              isNumberFrom(0), "LEVELS");
 }
 
 void checkEdgeOptions(const EdgeOptions& options)

@@ -20,7 +20,7 @@ void checkEdgeOptions(const EdgeOptions& options);
 
 struct Edges
 {
-    boost::shared_ptr<image::BaseImage> image;  ///< 1 on edges, 0 elsewhere
+    imaproc::ImagePtr image;  ///< 1 on edges, 0 elsewhere
     EdgeThresholds thresholds;
 };
 

@@ -1,12 +1,8 @@
 #include "FeatureList.h"
 
-#include "PictureCodec.h"
+#include "OutputFiles.h"
 
-#include <CLI/CLI.hpp>
-
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <locale>
 #include <sstream>
@@ -58,14 +54,10 @@ std::string toText(const FeatureList& list, const std::string& format)
 
 void addListOptions(CLI::App& app, ListOptions& options)
 {
-    app.add_option("--max", options.max, "list no more, the first ones (default: " + std::to_string(options.max) + ")")
-        ->check(isWholeNumberTo(1000000000))
-        ->type_name("N");
-    app.add_option("-o,--output", options.folder, "folder to write to, made if missing (default: the current one)")
-        ->type_name("FOLDER");
-    app.add_option("--format", options.format, "of the list: csv or json (default: csv)")
-        ->check(CLI::IsMember({"csv", "json"}))
-        ->type_name("NAME");
+    addNumber(app, "--max", options.max, "list no more, the first ones (default: " + std::to_string(options.max) + ")",
+              isWholeNumberFrom(0, 1000000000), "N");
+    addFolder(app, options.folder);
+    addChoice(app, "--format", options.format, "of the list: csv or json (default: csv)", {"csv", "json"});
     addCommonOptions(app, options.common);
 }
 
@@ -78,16 +70,10 @@ ListFiles writeList(const ListOptions& options, const std::string& what, const F
     namespace fs = std::filesystem;
     const std::string start = (fs::path(options.folder) / fs::path(options.picture).stem()).string() + "-" + what;
     const ListFiles files = {start + "." + options.format, start + "-overlay.png"};
-    codec::writeFile(files.list, [&](std::FILE* file) {
-        if (std::fwrite(text.data(), 1, text.size(), file) != text.size())
-            throw codec::Refusal(codec::systemReason(errno));
-    });
-    try {
-        writeRgbPng(files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * static_cast<long>(picture.sizeX));
-    } catch (...) {
-        std::remove(files.list.c_str());
-        throw;
-    }
+    OutputFiles output;
+    output.addText(files.list, text);
+    addRgbPng(output, files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * static_cast<long>(picture.sizeX));
+    output.putInPlace();
     return files;
 }
 

@@ -68,6 +68,9 @@ private:
             // A Huffman code takes at least a bit for each block, and the coarsest blocks cover 32 x 32 samples.
             requireRoomFor(bytes / (8ul * 32 * 32), fileBytes, picture.sizeX, picture.sizeY);
         }
+        // Where it comes in several scans, the codec keeps 16 bits for each sample of each colour.
+        const std::size_t kept = jpeg_has_multiple_scans(&m_codec) ? 2 * bytes * m_codec.num_components : 0;
+        requireMemoryFor(bytes + kept, availableMemory(), picture.sizeX, picture.sizeY);
         m_codec.out_color_space = JCS_GRAYSCALE;
         jpeg_start_decompress(&m_codec);
         picture.samples.reserve(bytes);

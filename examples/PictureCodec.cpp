@@ -1,5 +1,8 @@
 #include "PictureCodec.h"
 
+#include <algorithm>
+#include <fstream>
+#include <limits>
 #include <system_error>
 #include <type_traits>
 
@@ -69,6 +72,31 @@ void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, std::uint
 {
     if (fileBytes < leastBytes)
         throw Refusal("the file is too short for a picture of " + sizeText(sizeX, sizeY));
+}
+
+std::uint64_t availableMemory()
+{
+    std::uint64_t available = 0;
+    std::ifstream machine("/proc/meminfo");
+    std::string name, unit;
+    for (std::uint64_t kibibytes = 0; machine >> name >> kibibytes && std::getline(machine, unit);)
+        if (name == "MemAvailable:" || name == "SwapFree:")
+            available += 1024 * kibibytes;
+    if (available == 0)
+        available = std::numeric_limits<std::uint64_t>::max();
+    // Not a number where there is no limit.
+    std::uint64_t limit = 0;
+    if (std::ifstream("/sys/fs/cgroup/memory.max") >> limit)
+        available = std::min(available, limit);
+    return available;
+}
+
+void requireMemoryFor(std::uint64_t bytes, std::uint64_t availableBytes, std::uint64_t sizeX, std::uint64_t sizeY)
+{
+    if (bytes > availableBytes) {
+        throw Refusal("a picture of " + sizeText(sizeX, sizeY) + " takes " + std::to_string(bytes) + " bytes of memory, and "
+                      + std::to_string(availableBytes) + " are there");
+    }
 }
 
 RawBytes allocateRaw(std::size_t bytes)

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <functional>
 #include <memory>
 
 namespace orvik::examples::codec {
@@ -16,11 +15,11 @@ namespace orvik::examples::codec {
 /// PNG from an open file of that many bytes. Like the others, throws Refusal.
 Picture readPng(std::FILE* file, std::uint64_t fileBytes);
 Picture readJpeg(std::FILE* file, std::uint64_t fileBytes);
-Picture readTiff(const std::string& path);
+Picture readTiff(const std::string& path, std::uint64_t fileBytes);
 
 constexpr std::uint64_t maxPictureBytes = std::uint64_t(1) << 34;
 
-/// Why a file is refused. readPicture() and the writers add the file's name to it.
+/// Why a file is refused. readPicture() and OutputFiles add the file's name to it.
 class Refusal : public std::runtime_error
 {
 public:
@@ -35,10 +34,6 @@ struct FileCloser
 };
 
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
-
-/// Makes a file that appears complete or not at all, replacing one of that name: `fill` writes it and may throw Refusal.
-/// Throws PictureError.
-void writeFile(const std::string& path, const std::function<void(std::FILE*)>& fill);
 
 /// The first message of a codec. Later ones only tell of the consequences. The text has a fixed size because it is
 /// filled inside the codec, where neither an exception nor a leak through longjmp() is allowed.
@@ -74,6 +69,12 @@ std::size_t checkedBytes(std::uint64_t sizeX, std::uint64_t sizeY, std::uint64_t
 
 /// Refuses sizes that no file this short can hold before memory is filled for them.
 void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, std::uint64_t sizeX, std::uint64_t sizeY);
+
+/// Bytes that the machine, or the container that the process is in, has to give; the greatest number where it does not tell.
+std::uint64_t availableMemory();
+
+/// Refuses what takes more memory than there is: systems grant it and end the program when it is filled.
+void requireMemoryFor(std::uint64_t bytes, std::uint64_t availableBytes, std::uint64_t sizeX, std::uint64_t sizeY);
 
 /// Memory for a codec to fill. Not zeroed: pages that a truncated file never reaches stay untouched.
 using RawBytes = std::unique_ptr<unsigned char[]>;

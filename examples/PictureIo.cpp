@@ -72,7 +72,7 @@ Picture readAnyFormat(const std::string& path)
     switch (recognise(file.get())) {
     case FileFormat::Png: return readPng(file.get(), fileBytes);
     case FileFormat::Jpeg: return readJpeg(file.get(), fileBytes);
-    case FileFormat::Tiff: return readTiff(path);
+    case FileFormat::Tiff: return readTiff(path, fileBytes);
     case FileFormat::Unknown: break;
     }
     throw Refusal("neither a PNG, a JPEG nor a TIFF file");

@@ -7,6 +7,8 @@
 
 namespace orvik::examples {
 
+class OutputFiles;
+
 /// A picture file could not be read or written. The text names the file and the reason.
 class PictureError : public std::runtime_error
 {
@@ -69,6 +71,12 @@ void writeGreyPng(const std::string& path, unsigned long sizeX, unsigned long si
 /// As writeGreyPng(), with three bytes (red, green, blue) for each pixel.
 void writeRgbPng(const std::string& path, unsigned long sizeX, unsigned long sizeY, const unsigned char* samples,
                  long rowStride);
+
+/// As these, among files of which all appear or none does.
+void addGreyPng(OutputFiles& files, const std::string& path, unsigned long sizeX, unsigned long sizeY,
+                const unsigned char* samples, long rowStride);
+void addRgbPng(OutputFiles& files, const std::string& path, unsigned long sizeX, unsigned long sizeY,
+               const unsigned char* samples, long rowStride);
 
 /// The picture in 8 bit, for showing. 8 bit samples stay as they are; others are stretched linearly, the smallest
 /// finite sample to 0 and the largest to 255. NaN gives 0, infinities the nearer end, and a picture without two

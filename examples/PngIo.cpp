@@ -1,3 +1,4 @@
+#include "OutputFiles.h"
 #include "PictureCodec.h"
 
 #include <cerrno>
@@ -97,7 +98,9 @@ private:
         m_bitDepth = png_get_bit_depth(m_png, m_info);
         m_channels = png_get_channels(m_png, m_info);
         m_rowBytes = png_get_rowbytes(m_png, m_info);
-        m_pixels = allocateRaw(checkedBytes(m_sizeX, m_sizeY, m_channels * m_bitDepth / 8));
+        const std::size_t pixelBytes = checkedBytes(m_sizeX, m_sizeY, m_channels * m_bitDepth / 8);
+        requireMemoryFor(pixelBytes + pixelBytes / m_channels, availableMemory(), m_sizeX, m_sizeY);
+        m_pixels = allocateRaw(pixelBytes);
         for (int pass = 0; pass < passes; ++pass)
             for (std::size_t y = 0; y < m_sizeY; ++y)
                 png_read_row(m_png, m_pixels.get() + y * m_rowBytes, nullptr);
@@ -170,11 +173,11 @@ private:
     png_infop m_info;
 };
 
-void writePng(const std::string& path, unsigned long sizeX, unsigned long sizeY, int colourType,
+void writePng(OutputFiles& files, const std::string& path, unsigned long sizeX, unsigned long sizeY, int colourType,
               const unsigned char* samples, long rowStride)
 {
     constexpr unsigned long maxSize = 1000000;  // of the codec, both ways
-    writeFile(path, [&](std::FILE* file) {
+    files.add(path, [&](std::FILE* file) {
         if (sizeX < 1 || sizeX > maxSize || sizeY < 1 || sizeY > maxSize || samples == nullptr)
             throw Refusal("no picture of " + sizeText(sizeX, sizeY) + " can be written");
         PngWriter().write(file, static_cast<std::uint32_t>(sizeX), static_cast<std::uint32_t>(sizeY), colourType, samples,
@@ -189,16 +192,32 @@ Picture codec::readPng(std::FILE* file, std::uint64_t fileBytes)
     return PngReader().read(file, fileBytes);
 }
 
+void addGreyPng(OutputFiles& files, const std::string& path, unsigned long sizeX, unsigned long sizeY,
+                const unsigned char* samples, long rowStride)
+{
+    writePng(files, path, sizeX, sizeY, PNG_COLOR_TYPE_GRAY, samples, rowStride);
+}
+
+void addRgbPng(OutputFiles& files, const std::string& path, unsigned long sizeX, unsigned long sizeY,
+               const unsigned char* samples, long rowStride)
+{
+    writePng(files, path, sizeX, sizeY, PNG_COLOR_TYPE_RGB, samples, rowStride);
+}
+
 void writeGreyPng(const std::string& path, unsigned long sizeX, unsigned long sizeY, const unsigned char* samples,
                   long rowStride)
 {
-    writePng(path, sizeX, sizeY, PNG_COLOR_TYPE_GRAY, samples, rowStride);
+    OutputFiles files;
+    addGreyPng(files, path, sizeX, sizeY, samples, rowStride);
+    files.putInPlace();
 }
 
 void writeRgbPng(const std::string& path, unsigned long sizeX, unsigned long sizeY, const unsigned char* samples,
                  long rowStride)
 {
-    writePng(path, sizeX, sizeY, PNG_COLOR_TYPE_RGB, samples, rowStride);
+    OutputFiles files;
+    addRgbPng(files, path, sizeX, sizeY, samples, rowStride);
+    files.putInPlace();
 }
 
 }  // namespace orvik::examples

@@ -3,8 +3,6 @@
 #include "frame/attr/Records.h"
 #include "frame/core/Scheduler.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <iostream>
 
@@ -46,9 +44,8 @@ std::vector<unsigned char> toMask(const Picture& picture, const Pixels2d& points
 
 void addPointOptions(CLI::App& app, PointOptions& options, const std::string& nearby)
 {
-    app.add_option("--distance", options.distance, nearby + ", 0 to 1000000 (default: 5)")
-        ->check(isWholeNumberTo(1000000))
-        ->type_name("PIXELS");
+    addNumber(app, "--distance", options.distance, nearby + ", 0 to 1000000 (default: 5)", isWholeNumberFrom(0, 1000000),
+              "PIXELS");
     addListOptions(app, options.list);
 }
 

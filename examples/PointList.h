@@ -2,14 +2,8 @@
 
 #include "FeatureList.h"
 
-#include <boost/shared_ptr.hpp>
-
 #include <functional>
 #include <string>
-
-namespace orvik { namespace imaproc { namespace attr {
-class Pixels2d;
-}}}  // namespace orvik::imaproc::attr
 
 namespace orvik::examples {
 
@@ -27,7 +21,7 @@ void addPointOptions(CLI::App& app, PointOptions& options, const std::string& ne
 /// The points of a picture, found by `find`, and what they were found with: lines for the report.
 struct FoundPoints
 {
-    boost::shared_ptr<imaproc::attr::Pixels2d> points;
+    Ptr<imaproc::attr::Pixels2d> points;
     std::string settings;
     std::string kernels;
 };

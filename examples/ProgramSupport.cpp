@@ -3,8 +3,6 @@
 #include "frame/core/Scheduler.h"
 #include "frame/processor/AlgorithmFunctionSelector.h"
 
-#include <CLI/CLI.hpp>
-
 #include <unistd.h>
 
 #include <algorithm>
@@ -47,7 +45,7 @@ std::string describe(SampleType type)
 
 }  // namespace
 
-boost::shared_ptr<const image::BaseImage> wrapPicture(const Picture& picture)
+imaproc::ConstImagePtr wrapPicture(const Picture& picture)
 {
     const void* const samples = picture.samples.data();
     return image::wrapBuffer(samples, bufferType(picture.sampleType), image::ImageSizes(picture.sizeX, picture.sizeY));
@@ -149,14 +147,30 @@ int reportFailure(const CLI::App& app, std::string text, int status)
 
 void addCommonOptions(CLI::App& app, CommonOptions& options)
 {
-    app.add_option("--threads", options.threads, "threads to use, 1 to 1024 (default: one per processor)")
-        ->check(isNumberFrom(1, 1024))
-        ->type_name("N");
+    addNumber(app, "--threads", options.threads, "threads to use, 1 to 1024 (default: one per processor)",
+              isWholeNumberFrom(1, 1024), "N");
     app.add_option("--instruction-set", options.instructionSet,
                    "run the kernels for generic, sse2, avx, avx2 or avx512 (default: the best that the machine has)")
         ->check(CLI::Validator([](std::string& name) { return checkInstructionSet(name); }, std::string()))
         ->type_name("NAME");
     app.add_flag("--quiet", options.quiet, "print nothing but errors");
+}
+
+void addPicture(CLI::App& app, std::string& picture)
+{
+    app.add_option("PICTURE", picture, "file to read; colour is taken as grey")->required()->type_name("");
+}
+
+void addFolder(CLI::App& app, std::string& folder)
+{
+    app.add_option("-o,--output", folder, "folder to write to, made if missing (default: the current one)")
+        ->type_name("FOLDER");
+}
+
+void addChoice(CLI::App& app, const std::string& option, std::string& choice, const std::string& text,
+               const std::vector<std::string>& names)
+{
+    app.add_option(option, choice, text)->check(CLI::IsMember(names))->type_name("NAME");
 }
 
 CLI::Validator isNumberFrom(double least, double most)
@@ -177,14 +191,14 @@ CLI::Validator isNumberFrom(double least, double most)
     return CLI::Validator(check, std::string());
 }
 
-CLI::Validator isWholeNumberTo(unsigned long most)
+CLI::Validator isWholeNumberFrom(unsigned long least, unsigned long most)
 {
     const auto check = [=](std::string& text) {
         const bool isWhole = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
         // More digits than the limit has would not fit into the number.
-        if (isWhole && text.size() <= std::to_string(most).size() && std::stoul(text) <= most)
+        if (isWhole && text.size() <= std::to_string(most).size() && std::stoul(text) >= least && std::stoul(text) <= most)
             return std::string();
-        return "'" + text + "' is no whole number from 0 to " + std::to_string(most);
+        return "'" + text + "' is no whole number from " + std::to_string(least) + " to " + std::to_string(most);
     };
     return CLI::Validator(check, std::string());
 }

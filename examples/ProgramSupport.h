@@ -4,8 +4,11 @@
 
 #include "PictureIo.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/image/BaseImage.h"
 #include "frame/processor/BaseProcessor.h"
+
+#include <CLI/CLI.hpp>
 
 #include <chrono>
 #include <functional>
@@ -14,15 +17,10 @@
 #include <utility>
 #include <vector>
 
-namespace CLI {
-class App;
-class Validator;
-}  // namespace CLI
-
 namespace orvik::examples {
 
 /// An image on the samples of a picture, without copying: the picture has to outlive it.
-boost::shared_ptr<const image::BaseImage> wrapPicture(const Picture& picture);
+imaproc::ConstImagePtr wrapPicture(const Picture& picture);
 
 /// "384 x 303, 8 bit unsigned".
 std::string describe(const Picture& picture);
@@ -46,11 +44,27 @@ struct CommonOptions
 
 void addCommonOptions(CLI::App& app, CommonOptions& options);
 
+/// What every program reads, its first argument, and the folder that it writes to.
+void addPicture(CLI::App& app, std::string& picture);
+void addFolder(CLI::App& app, std::string& folder);
+
+/// An option that takes one of these names.
+void addChoice(CLI::App& app, const std::string& option, std::string& choice, const std::string& text,
+               const std::vector<std::string>& names);
+
+/// An option that takes a number, which `check` accepts, of that unit.
+template<class Number>
+void addNumber(CLI::App& app, const std::string& option, Number& number, const std::string& text, CLI::Validator check,
+               const std::string& unit)
+{
+    app.add_option(option, number, text)->check(std::move(check))->type_name(unit);
+}
+
 /// Accepts numbers within the limits; no NaN and no infinities.
 CLI::Validator isNumberFrom(double least, double most = std::numeric_limits<double>::max());
 
-/// Accepts whole numbers from 0 on.
-CLI::Validator isWholeNumberTo(unsigned long most);
+/// Accepts whole numbers within the limits.
+CLI::Validator isWholeNumberFrom(unsigned long least, unsigned long most);
 
 /// Parses the command line, does what the common options ask for, then the work. Any failure becomes one line on
 /// stderr that starts with the program's name. Returns the exit status: 0, 1 for failed work, 2 for a wrong command

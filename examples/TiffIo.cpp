@@ -9,10 +9,29 @@
 namespace orvik::examples::codec {
 namespace {
 
+/// The most bytes that a codec ever makes of one, or 0 where there is no such number: a block of one colour takes the same
+/// few bytes at any size.
+std::uint64_t mostGain(unsigned compression)
+{
+    switch (compression) {
+    case COMPRESSION_NONE: return 1;
+    case COMPRESSION_PACKBITS: return 64;  // 128 bytes from two
+    case COMPRESSION_LZW: return 4096;     // 4096 words, each a byte longer than another; 9 bits at least
+    case COMPRESSION_DEFLATE:              // 258 bytes from two bits
+    case COMPRESSION_ADOBE_DEFLATE: return 1032;
+    case COMPRESSION_PIXARLOG: return 2 * 1032;  // 16 bits that were deflated become 32
+    case COMPRESSION_LZMA: return 8192;          // 273 bytes from 14 decisions of at least 0.022 bits
+    case COMPRESSION_ZSTD: return 32768;         // a block of 128 KiB from four bytes
+    case COMPRESSION_OJPEG:
+    case COMPRESSION_JPEG: return 3 * 8 * 32 * 32;  // three colours of 32 x 32 samples from a bit
+    default: return 0;
+    }
+}
+
 class TiffReader
 {
 public:
-    explicit TiffReader(const std::string& path)
+    TiffReader(const std::string& path, std::uint64_t fileBytes) : m_fileBytes(fileBytes)
     {
         // Handlers of this file alone; those of the whole process belong to the application.
         TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
@@ -48,7 +67,6 @@ public:
         picture.sizeY = sizeY;
         readSampleLayout();
         picture.sampleType = m_sampleType;
-        picture.samples.reserve(checkedBytes(sizeX, sizeY, bytesPerSample(m_sampleType)));
         readBlocks(picture);
         if (m_isPalette)
             applyPalette(picture);
@@ -104,10 +122,10 @@ private:
 
         m_channels = fieldOrDefault(TIFFTAG_SAMPLESPERPIXEL);
         m_isSeparate = fieldOrDefault(TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE;
-        m_isJpeg = fieldOrDefault(TIFFTAG_COMPRESSION) == COMPRESSION_JPEG;
+        m_compression = fieldOrDefault(TIFFTAG_COMPRESSION);
         std::uint16_t photometric = m_channels < 3 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB;
         TIFFGetField(m_tiff, TIFFTAG_PHOTOMETRIC, &photometric);
-        if (photometric == PHOTOMETRIC_YCBCR && m_isJpeg) {
+        if (photometric == PHOTOMETRIC_YCBCR && m_compression == COMPRESSION_JPEG) {
             TIFFSetField(m_tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
             photometric = PHOTOMETRIC_RGB;
         }
@@ -122,57 +140,129 @@ private:
             throw Refusal("a picture with " + std::to_string(m_channels) + " samples per pixel has no such colours");
     }
 
+    /// The strips or tiles that the picture consists of.
+    struct Blocks
+    {
+        bool isTiled;
+        std::uint32_t sizeX, sizeY;
+        unsigned planes;
+        std::size_t step;  ///< bytes from one pixel to the next
+        std::size_t bytes;
+    };
+
+    Blocks findBlocks(const Picture& picture) const
+    {
+        Blocks blocks = {TIFFIsTiled(m_tiff) != 0, static_cast<std::uint32_t>(picture.sizeX), 0, 1, 0, 0};
+        if (blocks.isTiled) {
+            blocks.sizeX = 0;
+            TIFFGetField(m_tiff, TIFFTAG_TILEWIDTH, &blocks.sizeX);
+            TIFFGetField(m_tiff, TIFFTAG_TILELENGTH, &blocks.sizeY);
+        } else {
+            TIFFGetFieldDefaulted(m_tiff, TIFFTAG_ROWSPERSTRIP, &blocks.sizeY);
+            blocks.sizeY = static_cast<std::uint32_t>(std::min<unsigned long>(blocks.sizeY, picture.sizeY));
+        }
+        if (m_isSeparate && m_isColour)
+            blocks.planes = 3;
+        blocks.step = (m_isSeparate ? 1 : m_channels) * bytesPerSample(m_sampleType);
+        blocks.bytes = checkedBytes(blocks.sizeX, blocks.sizeY, blocks.step);
+        return blocks;
+    }
+
+    std::uint32_t numberOfBlock(const Blocks& blocks, unsigned long x, unsigned long y, unsigned plane) const
+    {
+        const auto column = static_cast<std::uint32_t>(x), row = static_cast<std::uint32_t>(y);
+        const auto sample = static_cast<std::uint16_t>(plane);
+        return blocks.isTiled ? TIFFComputeTile(m_tiff, column, row, 0, sample) : TIFFComputeStrip(m_tiff, row, sample);
+    }
+
+    /// Bytes of the blocks that begin in this row: the last strip may be lower than others, tiles have one size.
+    static std::size_t bytesFromRow(const Picture& picture, const Blocks& blocks, unsigned long y)
+    {
+        if (blocks.isTiled)
+            return blocks.bytes;
+        return std::min<unsigned long>(blocks.sizeY, picture.sizeY - y) * blocks.sizeX * blocks.step;
+    }
+
+    /// Refuses blocks that cannot come out of what the file has of them, before memory is filled for any. The codec itself
+    /// believes every number, and takes blocks that the file does not name from its beginning.
+    void checkBlocks(const Picture& picture, const Blocks& blocks) const
+    {
+        const std::uint64_t gain = mostGain(m_compression);
+        std::uint64_t total = 0;
+        for (unsigned long y = 0; y < picture.sizeY; y += blocks.sizeY) {
+            const std::uint64_t bytes = bytesFromRow(picture, blocks, y);
+            for (unsigned long x = 0; x < picture.sizeX; x += blocks.sizeX) {
+                for (unsigned plane = 0; plane < blocks.planes; ++plane)
+                    checkBlock(blocks.isTiled, numberOfBlock(blocks, x, y, plane), bytes, gain);
+                total += blocks.planes * bytes;
+            }
+        }
+        // Blocks that lie over one another have no more bytes than the file.
+        if (gain != 0)
+            requireRoomFor(total / gain, m_fileBytes, picture.sizeX, picture.sizeY);
+    }
+
+    void checkBlock(bool isTiled, std::uint32_t number, std::uint64_t bytes, std::uint64_t gain) const
+    {
+        if (m_compression == COMPRESSION_OJPEG)
+            return;  // its data may lie elsewhere
+        const std::uint64_t start = TIFFGetStrileOffset(m_tiff, number);
+        const std::uint64_t held = TIFFGetStrileByteCount(m_tiff, number);
+        const std::string name = (isTiled ? "tile " : "strip ") + std::to_string(number);
+        constexpr std::uint64_t headerBytes = 8;
+        if (start < headerBytes || held == 0)
+            throw Refusal(name + " is missing");
+        if (start > m_fileBytes || held > m_fileBytes - start) {
+            throw Refusal(name + " of " + std::to_string(held) + " bytes from byte " + std::to_string(start)
+                          + " on ends behind the file of " + std::to_string(m_fileBytes));
+        }
+        if (gain != 0 && bytes / gain > held) {
+            throw Refusal(name + " of " + std::to_string(held) + " bytes cannot hold the " + std::to_string(bytes)
+                          + " that it should");
+        }
+    }
+
     void readBlocks(Picture& picture)
     {
-        const bool isTiled = TIFFIsTiled(m_tiff) != 0;
-        std::uint32_t blockX = static_cast<std::uint32_t>(picture.sizeX);
-        std::uint32_t blockY = 0;
-        if (isTiled) {
-            blockX = 0;
-            TIFFGetField(m_tiff, TIFFTAG_TILEWIDTH, &blockX);
-            TIFFGetField(m_tiff, TIFFTAG_TILELENGTH, &blockY);
-        } else {
-            TIFFGetFieldDefaulted(m_tiff, TIFFTAG_ROWSPERSTRIP, &blockY);
-            blockY = static_cast<std::uint32_t>(std::min<unsigned long>(blockY, picture.sizeY));
-        }
+        const Blocks blocks = findBlocks(picture);
+        const std::size_t pictureBytes = checkedBytes(picture.sizeX, picture.sizeY, bytesPerSample(m_sampleType));
+        checkBlocks(picture, blocks);
+        requireMemoryFor(pictureBytes + blocks.planes * blocks.bytes, availableMemory(), picture.sizeX, picture.sizeY);
+        picture.samples.reserve(pictureBytes);
+        std::array<RawBytes, 3> raw;
+        std::generate_n(raw.begin(), blocks.planes, [&] { return allocateRaw(blocks.bytes); });
 
-        const unsigned planes = m_isSeparate && m_isColour ? 3 : 1;
-        const std::size_t step = (m_isSeparate ? 1 : m_channels) * bytesPerSample(m_sampleType);
-        const std::size_t blockBytes = checkedBytes(blockX, blockY, step);
-        std::array<RawBytes, 3> blocks;
-        std::generate_n(blocks.begin(), planes, [&] { return allocateRaw(blockBytes); });
-
-        for (unsigned long y = 0; y < picture.sizeY; y += blockY) {
-            const unsigned long rows = std::min<unsigned long>(blockY, picture.sizeY - y);
-            // Grown row by row of blocks, so that a truncated file fails before memory for all of it is filled.
-            picture.samples.resize((y + rows) * picture.rowBytes());
-            for (unsigned long x = 0; x < picture.sizeX; x += blockX) {
-                for (unsigned plane = 0; plane < planes; ++plane) {
-                    const auto bytes = static_cast<tmsize_t>(isTiled ? blockBytes : rows * blockX * step);
-                    readBlock(isTiled, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
-                              static_cast<std::uint16_t>(plane), blocks[plane].get(), bytes);
+        for (unsigned long y = 0; y < picture.sizeY; y += blocks.sizeY) {
+            const unsigned long rows = std::min<unsigned long>(blocks.sizeY, picture.sizeY - y);
+            for (unsigned long x = 0; x < picture.sizeX; x += blocks.sizeX) {
+                for (unsigned plane = 0; plane < blocks.planes; ++plane) {
+                    readBlock(blocks.isTiled, numberOfBlock(blocks, x, y, plane), raw[plane].get(),
+                              static_cast<tmsize_t>(bytesFromRow(picture, blocks, y)));
                 }
-                const unsigned long columns = std::min<unsigned long>(blockX, picture.sizeX - x);
+                // Grown behind each block, so that a damaged file fails before memory for all of it is filled.
+                picture.samples.resize((y + rows) * picture.rowBytes());
+                const unsigned long columns = std::min<unsigned long>(blocks.sizeX, picture.sizeX - x);
                 for (unsigned long row = 0; row < rows; ++row) {
                     unsigned char* out = picture.samples.data() + (y + row) * picture.rowBytes()
                                          + x * bytesPerSample(m_sampleType);
-                    convertRow(m_sampleType, sourceRow(blocks, row * blockX * step, step), columns, m_isInverted, out);
+                    convertRow(m_sampleType, sourceRow(raw, row * blocks.sizeX * blocks.step, blocks.step), columns,
+                               m_isInverted, out);
                 }
             }
         }
     }
 
-    void readBlock(bool isTiled, std::uint32_t x, std::uint32_t y, std::uint16_t plane, void* block, tmsize_t bytes)
+    void readBlock(bool isTiled, std::uint32_t number, void* block, tmsize_t bytes)
     {
         m_warning = CodecMessage();
-        const tmsize_t got = isTiled ? TIFFReadEncodedTile(m_tiff, TIFFComputeTile(m_tiff, x, y, 0, plane), block, bytes)
-                                     : TIFFReadEncodedStrip(m_tiff, TIFFComputeStrip(m_tiff, y, plane), block, bytes);
+        const tmsize_t got = isTiled ? TIFFReadEncodedTile(m_tiff, number, block, bytes)
+                                     : TIFFReadEncodedStrip(m_tiff, number, block, bytes);
         if (got != bytes) {
             m_error.keep("a strip or tile is shorter than the picture");
             m_error.refuse();
         }
         // JPEG inside TIFF goes on with grey where data is missing, and only warns.
-        if (m_isJpeg && !m_warning.isEmpty())
+        if (m_compression == COMPRESSION_JPEG && !m_warning.isEmpty())
             m_warning.refuse();
     }
 
@@ -198,14 +288,15 @@ private:
             sample = static_cast<unsigned char>((luma16(red[sample], green[sample], blue[sample]) + 128) / 257);
     }
 
+    const std::uint64_t m_fileBytes;
     CodecMessage m_error;
     CodecMessage m_warning;
     CodecMessage m_damage;
     TIFF* m_tiff = nullptr;
     SampleType m_sampleType = SampleType::UInt8;
     unsigned m_channels = 1;
+    unsigned m_compression = COMPRESSION_NONE;
     bool m_isSeparate = false;
-    bool m_isJpeg = false;
     bool m_isColour = false;
     bool m_isInverted = false;
     bool m_isPalette = false;
@@ -213,9 +304,9 @@ private:
 
 }  // namespace
 
-Picture readTiff(const std::string& path)
+Picture readTiff(const std::string& path, std::uint64_t fileBytes)
 {
-    return TiffReader(path).read();
+    return TiffReader(path, fileBytes).read();
 }
 
 }  // namespace orvik::examples::codec

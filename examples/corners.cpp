@@ -9,8 +9,6 @@
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 
-#include <CLI/CLI.hpp>
-
 #include <sstream>
 
 using namespace orvik;
@@ -63,24 +61,18 @@ int main(int argc, char** argv)
                  "corners");
     Options options;
     options.points.list.max = 500;
-    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")
-        ->required()
-        ->type_name("");
-    app.add_option("--sigma", options.sigma,
-                   "standard deviation of the gradient and of its smoothing, 0.1 to 1000 pixels (default: 1)")
-        ->check(isNumberFrom(0.1, 1000))
-        ->type_name("PIXELS");
-    app.add_option("--measure", options.measure, "harris or eigenvalue, the smaller one of the tensor (default: harris)")
-        ->check(CLI::IsMember({"harris", "eigenvalue"}))
-        ->type_name("NAME");
-    app.add_option("--k", options.k, "constant of the Harris measure, 0 to 0.25 (default: 0.04)")
-        ->check(isNumberFrom(0, 0.25))
-        ->type_name("NUMBER");
-    app.add_option("--threshold", options.threshold,
-                   "list values of at least this many squared grey levels per pixel: the square root of the Harris\n"
-                   "measure, or the eigenvalue (default: 0)")
-        ->check(isNumberFrom(0))
-        ->type_name("VALUE");
+    addPicture(app, options.points.list.picture);
+    addNumber(app, "--sigma", options.sigma,
+              "standard deviation of the gradient and of its smoothing, 0.1 to 1000 pixels (default: 1)",
+              isNumberFrom(0.1, 1000), "PIXELS");
+    addChoice(app, "--measure", options.measure, "harris or eigenvalue, the smaller one of the tensor (default: harris)",
+              {"harris", "eigenvalue"});
+    addNumber(app, "--k", options.k, "constant of the Harris measure, 0 to 0.25 (default: 0.04)", isNumberFrom(0, 0.25),
+              "NUMBER");
+    addNumber(app, "--threshold", options.threshold,
+              "list values of at least this many squared grey levels per pixel: the square root of the Harris\n"
+              "measure, or the eigenvalue (default: 0)",
+              isNumberFrom(0), "VALUE");
     addPointOptions(app, options.points, "no pixel this near along x and y has a greater value");
     return runProgram(app, argc, argv, options.points.list.common, [&] {
         listPoints(options.points, "corners", [&](const Picture& picture) { return findCorners(picture, options); });

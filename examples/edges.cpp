@@ -1,13 +1,11 @@
 // Finds the edges of a picture: reads a PNG, JPEG or TIFF file, writes the edges and the picture with its edges in red.
 
 #include "EdgeStages.h"
+#include "OutputFiles.h"
 #include "PictureIo.h"
 
 #include "frame/core/Scheduler.h"
 
-#include <CLI/CLI.hpp>
-
-#include <cstdio>
 #include <filesystem>
 #include <iostream>
 
@@ -39,13 +37,10 @@ Files writeFiles(const Picture& picture, const std::vector<unsigned char>& edges
     const std::string start = (fs::path(options.folder) / fs::path(options.picture).stem()).string();
     const Files files = {start + "-edges.png", start + "-overlay.png"};
     const long rowBytes = static_cast<long>(picture.sizeX);
-    writeGreyPng(files.edges, picture.sizeX, picture.sizeY, edges.data(), rowBytes);
-    try {
-        writeRgbPng(files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * rowBytes);
-    } catch (...) {
-        std::remove(files.edges.c_str());
-        throw;
-    }
+    OutputFiles output;
+    addGreyPng(output, files.edges, picture.sizeX, picture.sizeY, edges.data(), rowBytes);
+    addRgbPng(output, files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * rowBytes);
+    output.putInPlace();
     return files;
 }
 
@@ -77,14 +72,11 @@ int main(int argc, char** argv)
                  "NAME-overlay.png, the picture in grey with edges in red.",
                  "edges");
     Options options;
-    app.add_option("PICTURE", options.picture, "file to read; colour is taken as grey")->required()->type_name("");
-    app.add_option("-o,--output", options.folder, "folder to write to, made if missing (default: the current one)")
-        ->type_name("FOLDER");
+    addPicture(app, options.picture);
+    addFolder(app, options.folder);
     addEdgeOptions(app, options.edges);
-    app.add_option("--policy", options.policy,
-                   "way to the weak edges: labels or iterative; same result (default: iterative)")
-        ->check(CLI::IsMember({"labels", "iterative"}))
-        ->type_name("NAME");
+    addChoice(app, "--policy", options.policy,
+              "way to the weak edges: labels or iterative; same result (default: iterative)", {"labels", "iterative"});
     addCommonOptions(app, options.common);
     return runProgram(app, argc, argv, options.common, [&] { run(options); });
 }

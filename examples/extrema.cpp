@@ -9,8 +9,6 @@
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 
-#include <CLI/CLI.hpp>
-
 #include <limits>
 #include <map>
 #include <optional>
@@ -70,16 +68,12 @@ int main(int argc, char** argv)
                  "extrema");
     Options options;
     options.points.list.max = 1000;
-    app.add_option("PICTURE", options.points.list.picture, "file to read; colour is taken as grey")
-        ->required()
-        ->type_name("");
-    app.add_option("--kind", options.kind, "maxima, minima, strict-maxima or strict-minima (default: maxima)")
-        ->check(CLI::IsMember({"maxima", "minima", "strict-maxima", "strict-minima"}))
-        ->type_name("NAME");
-    app.add_option("--threshold", options.threshold,
-                   "list maxima of at least, minima of at most this many grey levels (default: all)")
-        ->check(isNumberFrom(-std::numeric_limits<double>::max()))
-        ->type_name("LEVELS");
+    addPicture(app, options.points.list.picture);
+    addChoice(app, "--kind", options.kind, "maxima, minima, strict-maxima or strict-minima (default: maxima)",
+              {"maxima", "minima", "strict-maxima", "strict-minima"});
+    addNumber(app, "--threshold", options.threshold,
+              "list maxima of at least, minima of at most this many grey levels (default: all)",
+              isNumberFrom(-std::numeric_limits<double>::max()), "LEVELS");
     addPointOptions(app, options.points, "no pixel this near along x and y is more extreme");
     return runProgram(app, argc, argv, options.points.list.common, [&] {
         listPoints(options.points, "extrema", [&](const Picture& picture) { return findExtrema(picture, options); });

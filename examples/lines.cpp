@@ -11,8 +11,6 @@
 #include "frame/attr/ValueAttributes.h"
 #include "frame/core/Scheduler.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <iostream>
 
@@ -55,7 +53,7 @@ void checkNumberOfBins(const Picture& picture, const Options& options)
 // Through the processor, not through the function houghLines2d that does the same in one call: only a processor tells
 // its progress.
 
-FeatureList findLines(const boost::shared_ptr<image::BaseImage>& edges, const Options& options)
+FeatureList findLines(const imaproc::ImagePtr& edges, const Options& options)
 {
     const auto lines = processor::createInitialised<imaproc::fd::HoughLines2dLvl1>();
     lines->set<attr::InGreyImg2d>(edges);
@@ -133,24 +131,19 @@ int main(int argc, char** argv)
                  "lines");
     Options options;
     options.list.max = 50;
-    app.add_option("PICTURE", options.list.picture, "file to read; colour is taken as grey")->required()->type_name("");
+    addPicture(app, options.list.picture);
     addEdgeOptions(app, options.edges);
-    app.add_option("--rho-step", options.rhoStep, "width of a bin of distances, 0.01 to 1000 pixels (default: 1)")
-        ->check(isNumberFrom(0.01, 1000))
-        ->type_name("PIXELS");
-    app.add_option("--angles", options.angles, "number of angles over half a turn, 1 to 36000 (default: 180)")
-        ->check(isNumberFrom(1, 36000))
-        ->check(isWholeNumberTo(36000))
-        ->type_name("N");
-    app.add_option("--threshold", options.threshold,
-                   "list lines with at least this share of the votes of the strongest one, 0 to 1 (default: 0.5)")
-        ->check(isNumberFrom(0, 1))
-        ->type_name("SHARE");
-    app.add_option("--distance", options.distance,
-                   "no bin this near has more votes, along distances and along angles, 0 to 10000 and below --angles\n"
-                   "(default: 10)")
-        ->check(isWholeNumberTo(10000))
-        ->type_name("BINS");
+    addNumber(app, "--rho-step", options.rhoStep, "width of a bin of distances, 0.01 to 1000 pixels (default: 1)",
+              isNumberFrom(0.01, 1000), "PIXELS");
+    addNumber(app, "--angles", options.angles, "number of angles over half a turn, 1 to 36000 (default: 180)",
+              isWholeNumberFrom(1, 36000), "N");
+    addNumber(app, "--threshold", options.threshold,
+              "list lines with at least this share of the votes of the strongest one, 0 to 1 (default: 0.5)",
+              isNumberFrom(0, 1), "SHARE");
+    addNumber(app, "--distance", options.distance,
+              "no bin this near has more votes, along distances and along angles, 0 to 10000 and below --angles\n"
+              "(default: 10)",
+              isWholeNumberFrom(0, 10000), "BINS");
     addListOptions(app, options.list);
     return runProgram(app, argc, argv, options.list.common, [&] { run(options); });
 }

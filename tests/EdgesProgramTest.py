@@ -93,9 +93,14 @@ class EdgesProgramTest(ProgramTestCase):
             file.write("no picture")
         self.refuse(1, ["'text.png'"], "text.png", "-o", "new")
         self.refuse(1, ["'text.png'", "Not a directory"], "discs.v1.png", "-o", "text.png")
-        # The second file can't be written: the first one goes away again.
-        os.makedirs(self.path("taken", "discs.v1-overlay.png"))
-        self.refuse(1, ["discs.v1-overlay.png"], "discs.v1.png", "-o", "taken")
+        self.refuse_taken_names("discs.v1-edges.png", "discs.v1-overlay.png")
+        # Known to be too long only where the second file gets its name.
+        long = "n" * (255 - len("-edges.png"))
+        write_png(self.path(long[:-4] + ".png"), self.picture)
+        self.succeed(long[:-4] + ".png", "-o", "fine")
+        write_png(self.path(long + ".png"), self.picture)
+        write_png(self.path(long + "-edges.png"), [[1]])
+        self.refuse(1, [long + "-overlay.png", "too long"], long + ".png")
 
     def test_progress_on_terminals_only(self):
         write_png(self.path("tall.png"), [[(x * y) % 251 for x in range(300)] for y in range(8000)])

@@ -1,3 +1,5 @@
+#include "OutputFiles.h"
+#include "PictureCodec.h"
 #include "PictureIo.h"
 
 #include <algorithm>
@@ -424,6 +426,122 @@ TEST(PictureDisplay, StretchesTheFiniteRange)
     EXPECT_EQ(toDisplay8({2, 1, SampleType::Int16, bytesOf<std::int16_t>({32767, -32768})}), (Bytes{255, 0}));
     EXPECT_EQ(toDisplay8({1, 2, SampleType::UInt16, bytesOf<std::uint16_t>({65535, 65534})}), (Bytes{255, 0}));
     EXPECT_THROW(toDisplay8({2, 2, SampleType::UInt8, {7}}), std::invalid_argument);
+}
+
+/// A TIFF file of grey bytes with tags as they are given, true or not: numbers of 32 bits, several of them behind the others.
+Bytes tiffOfTags(std::map<std::uint16_t, std::vector<std::uint32_t>> tags)
+{
+    const std::size_t dataBytes = 200;
+    tags.insert(
+        {{TIFFTAG_BITSPERSAMPLE, {8}}, {TIFFTAG_PHOTOMETRIC, {PHOTOMETRIC_MINISBLACK}}, {TIFFTAG_STRIPOFFSETS, {8}}});
+    Bytes bytes = {'I', 'I', '*', 0}, behind;
+    const auto put = [](Bytes& to, std::size_t count, std::uint64_t number) {
+        for (std::size_t i = 0; i < count; ++i)
+            to.push_back(static_cast<unsigned char>(number >> (8 * i)));
+    };
+    put(bytes, 4, 8 + dataBytes);
+    bytes.resize(8 + dataBytes, 'x');
+    const std::size_t end = bytes.size() + 2 + 12 * tags.size() + 4;
+    put(bytes, 2, tags.size());
+    for (const auto& [tag, numbers] : tags) {
+        put(bytes, 2, tag);
+        put(bytes, 2, TIFF_LONG);
+        put(bytes, 4, numbers.size());
+        put(bytes, 4, numbers.size() == 1 ? numbers[0] : end + behind.size());
+        if (numbers.size() > 1)
+            for (const std::uint32_t number : numbers)
+                put(behind, 4, number);
+    }
+    put(bytes, 4, 0);
+    bytes.insert(bytes.end(), behind.begin(), behind.end());
+    return bytes;
+}
+
+TEST_F(PictureIo, TakesBackWhatIsInPlaceWhenAnotherFileFails)
+{
+    const auto contents = [&] {
+        std::map<std::string, std::string> found;
+        for (const auto& entry : fs::directory_iterator(m_folder)) {
+            const Bytes bytes = entry.is_directory() ? Bytes{'/'} : readBytes(entry.path().string());
+            found[entry.path().filename().string()].assign(bytes.begin(), bytes.end());
+        }
+        return found;
+    };
+    std::ofstream(in("older")) << "as it was";
+    {
+        OutputFiles files;
+        for (const char* name : {"older", "new", "taken", "last"})
+            files.addText(in(name), "written");
+        fs::create_directory(in("taken"));  // once all could be written
+        EXPECT_EQ(reason("cannot write '" + in("taken") + "': ", [&] { files.putInPlace(); }), "Is a directory");
+    }
+    EXPECT_EQ(contents(), (std::map<std::string, std::string>{{"older", "as it was"}, {"taken", "/"}}));
+
+    OutputFiles files;
+    files.addText(in("older"), "written");
+    files.addText(in("new"), "written, too");
+    files.putInPlace();
+    EXPECT_EQ(contents(),
+              (std::map<std::string, std::string>{{"new", "written, too"}, {"older", "written"}, {"taken", "/"}}));
+}
+
+TEST_F(PictureIo, RefusesTiffFilesThatClaimMoreThanTheyHold)
+{
+    const auto reasonOfClaim = [&](std::uint32_t sizeX, std::uint32_t sizeY, std::uint32_t rows, int compression,
+                                   const std::vector<std::uint32_t>& held, const std::vector<std::uint32_t>& from = {8}) {
+        return reasonOf(written(tiffOfTags({{TIFFTAG_IMAGEWIDTH, {sizeX}},
+                                            {TIFFTAG_IMAGELENGTH, {sizeY}},
+                                            {TIFFTAG_ROWSPERSTRIP, {rows}},
+                                            {TIFFTAG_COMPRESSION, {static_cast<std::uint32_t>(compression)}},
+                                            {TIFFTAG_STRIPOFFSETS, from},
+                                            {TIFFTAG_STRIPBYTECOUNTS, held}})));
+    };
+    EXPECT_EQ(reasonOfClaim(20, 10, 10, COMPRESSION_NONE, {200}), "no error");
+    // One strip of 800000: the codec would read the others from the file's beginning.
+    EXPECT_EQ(reasonOfClaim(20, 8000000, 10, COMPRESSION_NONE, {200}), "strip 1 is missing");
+    EXPECT_EQ(reasonOfClaim(65000, 65000, 65000, COMPRESSION_ADOBE_DEFLATE, {200}),
+              "strip 0 of 200 bytes cannot hold the 4225000000 that it should");
+    EXPECT_EQ(reasonOfClaim(4, 4, 4, COMPRESSION_LZW, {4294967295}),
+              "strip 0 of 4294967295 bytes from byte 8 on ends behind the file of 310");
+    // A thousand strips in the same place.
+    EXPECT_EQ(reasonOfClaim(200, 1000, 1, COMPRESSION_NONE, std::vector<std::uint32_t>(1000, 200),
+                            std::vector<std::uint32_t>(1000, 8)),
+              "the file is too short for a picture of 200 x 1000");
+
+    EXPECT_NO_THROW(codec::requireMemoryFor(600, 600, 30, 20));
+    try {
+        codec::requireMemoryFor(600, 599, 30, 20);
+        ADD_FAILURE() << "more memory than there is was not refused";
+    } catch (const codec::Refusal& refusal) {
+        EXPECT_STREQ(refusal.what(), "a picture of 30 x 20 takes 600 bytes of memory, and 599 are there");
+    }
+}
+
+TEST_F(PictureIo, ReadsBlankTiffsHoweverWellTheyArePacked)
+{
+    const int size = 1024, tile = 512;
+    const Bytes blank(3 * size * size, 255);
+    for (const int compression :
+         {COMPRESSION_NONE, COMPRESSION_PACKBITS, COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE, COMPRESSION_JPEG,
+          COMPRESSION_LZMA, COMPRESSION_ZSTD, COMPRESSION_LERC, COMPRESSION_WEBP}) {
+        if (TIFFIsCODECConfigured(static_cast<std::uint16_t>(compression)) == 0)
+            continue;  // Debian's has them all; others may have less
+        for (const bool isTiled : {false, true}) {
+            for (const bool isSeparate : {false, true}) {
+                if (isSeparate && (compression == COMPRESSION_WEBP || compression == COMPRESSION_JPEG))
+                    continue;  // WebP packs colours together; grey planes of JPEG are what the other case has
+                Tags tags = {{TIFFTAG_COMPRESSION, compression},
+                             {TIFFTAG_SAMPLESPERPIXEL, 3},
+                             {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB},
+                             {TIFFTAG_PLANARCONFIG, isSeparate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG}};
+                if (isTiled)
+                    tags.insert({{TIFFTAG_TILEWIDTH, tile}, {TIFFTAG_TILELENGTH, tile}});
+                const std::string path =
+                    tiff(size, size, tags, blank, (isTiled ? tile * tile : size * size) * (isSeparate ? 1 : 3));
+                EXPECT_EQ(reasonOf(path), "no error") << compression << isTiled << isSeparate;
+            }
+        }
+    }
 }
 
 }  // namespace

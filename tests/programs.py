@@ -96,14 +96,31 @@ class ProgramTestCase(unittest.TestCase):
         self.assertEqual((0, ""), (result.returncode, result.stderr), arguments)
         return result.stdout
 
+    def contents(self):
+        """All files with their bytes, and all folders."""
+        found = {}
+        for folder, _, names in os.walk(self.folder):
+            found[folder] = None
+            found.update((os.path.join(folder, name), self.bytes_of(folder, name)) for name in names)
+        return found
+
     def refuse(self, status, texts, *arguments, **environment):
-        before = sorted(os.walk(self.folder))
+        before = self.contents()
         result = self.run_program(*arguments, **environment)
         self.assertEqual((status, ""), (result.returncode, result.stdout), (arguments, result.stderr))
         self.assertRegex(result.stderr, r"\A%s: [^\n]*\n\Z" % os.path.basename(self.program), arguments)
         for text in texts:
             self.assertIn(text, result.stderr, arguments)
-        self.assertEqual(before, sorted(os.walk(self.folder)), arguments)
+        self.assertTrue(before == self.contents(), arguments)
+
+    def refuse_taken_names(self, *outputs):
+        """A folder in the place of one output, older files in those of the others, which stay as they were."""
+        for taken in outputs:
+            os.makedirs(self.path("without " + taken, taken))
+            for name in set(outputs) - {taken}:
+                with open(self.path("without " + taken, name), "w") as file:
+                    file.write("older")
+            self.refuse(1, [taken, "directory"], "discs.v1.png", "-o", "without " + taken)
 
     def bytes_of(self, *names):
         with open(self.path(*names), "rb") as file:
@@ -144,9 +161,7 @@ class ListingProgram:
             self.assertEqual(base, self.list_of(*way, folder="other"), way)
 
     def test_failures_leave_nothing(self):
-        for name in ("discs.v1-%s.csv" % self.what, "discs.v1-%s-overlay.png" % self.what):
-            os.makedirs(self.path("taken" + name[-3:], name))
-            self.refuse(1, [name, "directory"], "discs.v1.png", "-o", "taken" + name[-3:])
+        self.refuse_taken_names("discs.v1-%s.csv" % self.what, "discs.v1-%s-overlay.png" % self.what)
         self.refuse(1, ["'missing.png'"], "missing.png", "-o", "new")
         self.refuse(2, ["--format", "xml"], "discs.v1.png", "--format", "xml")
         for value in ("-1", "1.5", "x", "99999999999999999999"):
