@@ -1,0 +1,471 @@
+// Calls of all functions on whatever bytes make of their arguments. Each call is made with every instruction set, with
+// strips and threads that vary, at once and in the background, and must give what plain code on one thread gives.
+
+#include "Scenario.h"
+
+#include "ORVIKIPLFeatureDetection.h"
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
+
+#include "frame/attr/Records.h"
+#include "frame/core/InstructionSet.h"
+#include "frame/processor/AlgorithmFunctionSelector.h"
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+
+#include <atomic>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <new>
+#include <string>
+#include <tuple>
+
+namespace orvik::fuzz { namespace {
+
+using namespace imaproc::attr;
+using namespace imaproc::fd;
+using namespace imaproc::filter;
+using test::kNan;
+using test::kPi;
+
+constexpr unsigned long kOneStrip = 1000000;
+
+struct Setting
+{
+    core::eInstructionSet set;
+    unsigned int nbThreads;
+    unsigned long grain;
+};
+
+// --- what calls are made of
+
+struct Started
+{
+    boost::shared_ptr<processor::BaseProcessor> processor;
+    std::function<Numbers()> read;
+};
+
+/// A call with its arguments; `start` is empty for functions that do not run in the background.
+struct Call
+{
+    std::function<Numbers()> atOnce;
+    std::function<Started()> start;
+};
+
+/// `f` with its arguments, as numbers; none when the function that it belongs to writes into images alone.
+template<bool returns, class F, class... A>
+std::function<Numbers()> bound(const F& f, const A&... a)
+{
+    return [=] {
+        if constexpr (returns)
+            return test::numbersOf(f(a...));
+        else
+            return f(a...), Numbers();
+    };
+}
+
+template<class AtOnce, class Start, class Read, class... A>
+Call callOf(const AtOnce& atOnce, const Start& start, const Read& read, const A&... a)
+{
+    constexpr bool returns = !std::is_void<decltype(atOnce(a...))>::value;
+    return {bound<returns>(atOnce, a...), [=] {
+                const auto processor = start(a...);
+                return Started{processor, bound<returns>(read, processor)};
+            }};
+}
+
+#define CALL(name) [](const auto&... a) { return name(a...); }
+#define AT_ONCE(name) \
+    [](Scenario&, const auto&... a) { \
+        return Call{bound<!std::is_void<decltype(name(a...))>::value>(CALL(name), a...), nullptr}; \
+    }
+/// `name` and its form in the background.
+#define FUNCTION(name) \
+    [](Scenario&, const auto&... a) { return callOf(CALL(name), CALL(name##_async), CALL(getAsyncProcessorOutput), a...); }
+/// The same, or, as a rule when the image has several planes, the forms for any number of them.
+#define PLANES(name) \
+    [](Scenario& scenario, const auto&... a) { \
+        const image::ImageSizes& sizes = scenario.sizes(); \
+        return scenario.oneIn(sizes.z * sizes.c * sizes.t == 1 ? 2 : 8) \
+                   ? callOf(CALL(name), CALL(name##_async), CALL(getAsyncProcessorOutput), a...) \
+                   : callOf(CALL(multiSlice_##name), CALL(multiSlice_##name##_async), \
+                            CALL(getAsyncProcessorMultiSliceOutput), a...); \
+    }
+
+/// A class of Level 1 whose attributes are set, its working images included; gives `Out`.
+template<class X, class Out, class... Attributes>
+Call processorCall(Scenario&, const typename Attributes::StorageType&... a)
+{
+    const auto read = [](const boost::shared_ptr<X>& ended) {
+        processor::waitForEnd(ended);
+        return ended->template getStorage<Out>();
+    };
+    const auto start = [](const auto&... values) {
+        const boost::shared_ptr<X> made = test::processorWith<X, Attributes...>(values...);
+        made->run(core::eST_Asynchronous);
+        return made;
+    };
+    return callOf([=](const auto&... values) { return read(test::ran<X, Attributes...>(values...)); }, start, read, a...);
+}
+
+// --- arguments
+
+const auto in = [](Scenario& scenario) { return scenario.image(Use::input, 64); };
+const auto working = [](Scenario& scenario) { return scenario.image(Use::working, 3); };
+const auto out = [](Scenario& scenario) { return scenario.image(Use::result, kNullOutputsAreRefused ? 32 : 0); };
+const auto outOrNone = [](Scenario& scenario) { return scenario.image(Use::result, 4); };  // none: it is made
+
+/// A record with these fields; null at times.
+template<class Record, class... Fields>
+boost::shared_ptr<Record> record(Scenario& scenario, const Fields&... fields)
+{
+    return scenario.oneIn(32) ? nullptr : Record::createNode(fields...);
+}
+
+const auto cannyThresholds = [](Scenario& scenario) {
+    const double low = scenario.number("low", {2.0, 30.0, 100.5, -5.0}), high = scenario.number("high", {5.0, 60.0, 255.0});
+    return record<CannyThresholds>(scenario, low, high);
+};
+const auto policy = [](Scenario& scenario) {
+    return static_cast<eProcessingOptimizationPolicy>(scenario.number("policy", {0u, 1u}));
+};
+
+const auto stdDev = [](Scenario& scenario) {
+    const float value = scenario.number("stdDev", {1.0f, 0.5f, 0.1f, 2.0f, 3.7f, 1e-38f});
+    scenario.largestStdDev = value > scenario.largestStdDev ? value : scenario.largestStdDev;
+    return value;
+};
+const auto coverage = [](Scenario& scenario) {
+    const double value = scenario.number("coverage", {4.0, 1.0, 3.0, 0.5, 10.0});
+    // Kernels that are served end soon, so that calls are quick; the others are refused, being beyond 2^20.
+    const double halfSize = value * scenario.largestStdDev, most = 40;
+    return halfSize > most && halfSize < 1048577 ? most / scenario.largestStdDev : value;
+};
+const auto coverageRecord = [](Scenario& scenario) { return record<GaussianCoverage>(scenario, coverage(scenario)); };
+const auto cornerParams = [](Scenario& scenario) {
+    const auto type = static_cast<eCornerResponseType>(scenario.number("response", {1, 0}));
+    return record<CornerDetectionParams>(scenario, type, scenario.number("k", {0.04f, 0.25f}));
+};
+
+const auto distance = [](Scenario& scenario) { return scenario.number("distance", {1u, 2u, 3u, 10u, 40u, 100u}); };
+const auto most = [](Scenario& scenario) { return scenario.number("most", {10ul, 1000ul}); };
+const auto threshold = [](Scenario& scenario) { return scenario.number("threshold", {0.5, 2.0, 100.0, 16777217.0, -3e9}); };
+const auto extremaConfig = [](Scenario& scenario) {
+    const auto type = static_cast<eLocalExtremumType>(scenario.number("type", {0, 1, 2, 3}));
+    const double value = threshold(scenario);
+    return record<LocalExtremaConfig>(scenario, type, value, most(scenario));
+};
+
+const auto houghBins = [](Scenario& scenario) {
+    const double step = scenario.number("rhoStep", {1.0, 0.5, 2.5, 10.0});
+    const double thetaMin = scenario.number("thetaMin", {0.0, -kPi, kPi / 4});
+    const double thetaMax = scenario.number("thetaMax", {kPi, 7.0, 0.5});
+    unsigned int nbAngles = scenario.number("nbThetaBins", {180u, 2u, 7u, 90u});
+    const float least = scenario.number("pixelThreshold", {0.0f, 90.0f});
+    // Accumulators that are served are small; the others are refused for an axis that no int counts.
+    const double halfX = std::ceil(scenario.sizes().x / 2.0), halfY = std::ceil(scenario.sizes().y / 2.0), mostBins = 40000;
+    const double nbColumns = 2 * std::trunc(1 + std::hypot(halfX, halfY) / (step >= std::ldexp(1, -52) ? step : 1));
+    if (nbColumns <= INT_MAX && nbAngles <= INT_MAX && nbAngles * nbColumns > mostBins)
+        nbAngles = static_cast<unsigned int>(1 + mostBins / nbColumns);
+    scenario.nbRhoBins = nbColumns <= mostBins ? static_cast<unsigned long>(nbColumns) : 1;
+    scenario.nbThetaBins = 1 <= nbAngles && nbAngles <= 255 ? nbAngles : 1;
+    return record<HoughLinesImgParams>(scenario, step, thetaMin, thetaMax, nbAngles, least);
+};
+const auto houghLines = [](Scenario& scenario) {
+    const int type = scenario.number("thresholdType", {1, 0, 2});
+    const double value = threshold(scenario);
+    const unsigned int distance = scenario.number("peakDist", {10u, 3u, 40u, 200u, 1u << 30});
+    return record<HoughLinesExtractionParams>(scenario, type, value, distance);
+};
+const auto accumulator = [](Scenario& scenario) {
+    const image::ImageSizes& sizes = scenario.sizes();
+    return scenario.image(Use::result, 4, scenario.among({image::eIBT_Real32, image::eIBT_UInt32, image::eIBT_Int32}),
+                          {scenario.nbRhoBins, scenario.nbThetaBins, sizes.z, sizes.c, sizes.t});
+};
+
+// --- settings with which a result need not be that of plain code on one thread and in one strip
+
+typedef bool (*Exception)(const Scenario&, const Setting&);
+
+const auto none = [](const Scenario&, const Setting&) { return false; };
+/// The widest set rounds a sum of squares once, the others twice; what a NaN takes with it depends on where strips end.
+const auto norms = [](const Scenario& scenario, const Setting& setting) {
+    return setting.set == core::eIS_Avx512 || (setting.grain != kOneStrip && scenario.hasNan());
+};
+/// Threads do not keep the order in which floats are added.
+const auto floatVotes = [](const Scenario& scenario, const Setting& setting) {
+    return setting.nbThreads > 1 && (scenario.hasType(image::eIBT_Real32) || scenario.hasType(image::eIBT_Label8));
+};
+
+// --- the functions
+
+struct Family
+{
+    const char* name;
+    Exception exception;
+    std::function<Call(Scenario&)> read;
+};
+
+/// `call` makes a call of what the readers make, which are asked in this order.
+template<class MakeCall, class... Readers>
+Family family(const char* name, Exception exception, MakeCall call, const Readers&... readers)
+{
+    return {name, exception, [=](Scenario& scenario) {
+                const std::tuple<decltype(readers(scenario))...> arguments{readers(scenario)...};
+                return std::apply([&](const auto&... a) { return call(scenario, a...); }, arguments);
+            }};
+}
+
+// clang-format off
+const Family kFamilies[] = {
+    family("maxL2Norm2Msr", norms, FUNCTION(maxL2Norm2Msr), in, in),
+    family("cannyEdges2dImg", none, FUNCTION(cannyEdges2dImg), in, in, cannyThresholds),
+    family("cannyEdges2dImg, into", none, FUNCTION(cannyEdges2dImg), in, in, cannyThresholds, policy, out),
+    family("CannyEdges2dImgLvl1", none,
+           processorCall<CannyEdges2dImgLvl1, OutBinImg, InGxGreyImg2d, InGyGreyImg2d, InCannyThresholds,
+                         InOptOptimizationPolicy, OutOptWk1BinImg, OutOptWk2BinImg, OutOptWk1LabelImg, OutBinImg>,
+           in, in, cannyThresholds, policy, working, working, working, outOrNone),
+    family("gaussianGradient2dImg", none, AT_ONCE(gaussianGradient2dImg), in, stdDev),
+    family("gaussianGradient2dImg, into", none, AT_ONCE(gaussianGradient2dImg), in, stdDev, stdDev, coverage, outOrNone, out),
+    family("GaussianGradient2dImgLvl1", none,
+           processorCall<GaussianGradient2dImgLvl1, OutOptGradXImg, InImg, InStdDevX, InStdDevY,
+                         InOptGradientGaussianCoverage, OutOptGradXImg>,
+           in, stdDev, stdDev, coverageRecord, outOrNone),
+    family("harrisCorner2dImg", none, FUNCTION(harrisCorner2dImg), in),
+    family("harrisCorner2dImg, deviation", none, FUNCTION(harrisCorner2dImg), in, stdDev),
+    family("harrisCorner2dImg, into", none, FUNCTION(harrisCorner2dImg), in, stdDev, coverageRecord, cornerParams, out),
+    family("HarrisCorner2dImgLvl1", none,
+           processorCall<HarrisCorner2dImgLvl1, OutImg, InImg, InOptGradStdDev, InOptGradientGaussianCoverage,
+                         InOptCornerDetectionParams2d, OutWk1Img, OutWk2Img, OutWk3Img, OutImg>,
+           in, stdDev, coverageRecord, cornerParams, working, working, working, outOrNone),
+    family("harrisCorner2d", none, PLANES(harrisCorner2d), in, most, distance),
+    family("harrisCorner2d, deviation", none, PLANES(harrisCorner2d), in, stdDev, most, distance),
+    family("harrisCorner2d, all", none, PLANES(harrisCorner2d), in, stdDev, coverageRecord, cornerParams, most, threshold,
+           distance, distance),
+    family("extractLocalExtrema2d", none, PLANES(extractLocalExtrema2d), in, distance, distance),
+    family("extractLocalExtrema2d, all", none, PLANES(extractLocalExtrema2d), in, distance, distance, extremaConfig),
+    family("houghLines2dImg", floatVotes, FUNCTION(houghLines2dImg), in),
+    family("houghLines2dImg, bins", floatVotes, FUNCTION(houghLines2dImg), in, houghBins),
+    family("HoughLines2dImgLvl1", floatVotes,
+           processorCall<HoughLines2dImgLvl1, OutImg, InGreyImg2d, InOptHoughLinesImgParams, OutImg>,
+           in, houghBins, accumulator),
+    family("houghLines2d", floatVotes, PLANES(houghLines2d), in),
+    family("houghLines2d, all", floatVotes, PLANES(houghLines2d), in, houghBins, houghLines),
+};
+// clang-format on
+
+// --- the judge
+
+/// Calls that were made of each function, and how many were served; told at the end.
+struct Tally
+{
+    unsigned long nbCalls[std::size(kFamilies)] = {}, nbServed[std::size(kFamilies)] = {}, nbAll = 0;
+    ~Tally()
+    {
+        for (unsigned int i = 0; i < std::size(kFamilies); nbAll += nbCalls[i++])
+            std::fprintf(stderr, "%9lu calls, %9lu served: %s\n", nbCalls[i], nbServed[i], kFamilies[i].name);
+        std::fprintf(stderr, "%9lu calls\n", nbAll);
+    }
+} g_tally;
+
+/// Makes the machine one without the sets above this one.
+void limitTo(core::eInstructionSet set)
+{
+    typedef std::map<processor::AlgorithmEntry*, processor::AlgorithmFunctionSelector> Selectors;
+    static const Selectors all = [] {
+        Selectors selectors;
+        for (const std::string& name : processor::getAlgorithmNames())
+            selectors[&processor::getAlgorithmEntry(name)] = processor::getAlgorithmEntry(name).selector;
+        return selectors;
+    }();
+    static std::map<core::eInstructionSet, Selectors> limited;
+    Selectors& chosen = limited[set];
+    if (chosen.empty())
+        for (const auto& [entry, selector] : all)
+            for (const processor::AlgorithmFunctionIdentifier& function : selector.getFunctions())
+                if (function.getInstructionSets().getSet(0) <= set)
+                    chosen[entry].registerFunction(function);
+    for (const auto& [entry, selector] : chosen)
+        entry->selector = selector;
+}
+
+struct CallbackFailure : std::exception
+{
+    const char* what() const noexcept override { return "the callback of the fuzzer"; }
+};
+
+struct Outcome
+{
+    bool isServed = false;
+    std::string refusal;
+    Numbers numbers;
+};
+
+class Judge
+{
+public:
+    Judge(const std::uint8_t* data, std::size_t size)
+        : m_data(data), m_size(size), m_scenario(data, size, false), m_family(m_scenario.below(std::size(kFamilies))),
+          m_call(kFamilies[m_family].read(m_scenario))
+    {
+        m_scenario.note();
+    }
+
+    void judge()
+    {
+        const Setting plain = {core::eIS_Generic, 1, kOneStrip};
+        m_plain = run(m_scenario, plain, m_call.atOnce);
+        if (m_scenario.sharesMemory() && m_plain.isServed)
+            judgeSharing(plain);
+        for (const core::eInstructionSet set :
+             {core::eIS_Generic, core::eIS_Sse2, core::eIS_Avx, core::eIS_Avx2, core::eIS_Avx512})
+            if (core::isAvailable(set)) {
+                const Setting setting = chooseSetting(set);
+                const bool inBackground = m_call.start && m_scenario.oneIn(2);
+                expectPlain(setting, inBackground ? run(m_scenario, setting, [&] { return m_call.start().read(); })
+                                                  : run(m_scenario, setting, m_call.atOnce));
+            }
+        if (m_call.start && m_scenario.oneIn(3))
+            judgeCallback(chooseSetting(core::eIS_Avx512));
+    }
+
+private:
+    Setting chooseSetting(core::eInstructionSet set)
+    {
+        const unsigned int nbThreads = m_scenario.among({1u, 1u, 2u, 4u});
+        return {set, nbThreads, m_scenario.among({kOneStrip, 0ul, 1ul, 2ul, 7ul, 13ul, 40ul})};
+    }
+
+    [[noreturn]] void fail(const Setting& setting, const std::string& what) const
+    {
+        std::cerr << kFamilies[m_family].name << ", " << core::getInstructionSetName(setting.set) << ", "
+                  << setting.nbThreads << " threads, strips of " << setting.grain << " lines: " << what << "\nwith\n";
+        Scenario again(m_data, m_size, false, &std::cerr);
+        again.below(std::size(kFamilies));
+        kFamilies[m_family].read(again);
+        std::abort();
+    }
+
+    /// `mayEndMidway`: a call that fails may have written to its outputs.
+    Outcome run(Scenario& scenario, const Setting& setting, const std::function<Numbers()>& call, bool mayEndMidway = false)
+    {
+        limitTo(setting.set);
+        core::setNbThreads(setting.nbThreads);
+        core::setStripGrain(setting.grain);
+        scenario.restore();
+        scenario.watchMemory(true);
+        Outcome outcome;
+        try {
+            outcome.numbers = call();
+            outcome.isServed = true;
+        } catch (const std::exception& e) {
+            outcome.refusal = e.what();
+            if (!dynamic_cast<const BaseException*>(&e) && !dynamic_cast<const std::bad_alloc*>(&e)
+                && !dynamic_cast<const CallbackFailure*>(&e))
+                fail(setting, "not one of the library's exceptions: " + outcome.refusal);
+        }
+        scenario.watchMemory(false);
+        ++g_tally.nbCalls[m_family];
+        g_tally.nbServed[m_family] += outcome.isServed;
+        // How many labels are needed is known when the components have been counted.
+        const bool isUntouched = !outcome.isServed && !mayEndMidway
+                                 && outcome.refusal.find("connected components") == std::string::npos;
+        if (scenario.isOverwritten(isUntouched))
+            fail(setting, "memory was written that is none of the call's; " + outcome.refusal);
+        for (std::size_t at; !kTextsRepeat && (at = outcome.refusal.find("(at ")) != std::string::npos;)
+            outcome.refusal.erase(at, outcome.refusal.find(')', at) - at);
+        if (outcome.isServed)
+            scenario.appendResults(outcome.numbers);
+        if (!kOneNan)
+            std::replace_if(
+                outcome.numbers.begin(), outcome.numbers.end(), [](double n) { return std::isnan(n); }, kNan);
+        return outcome;
+    }
+
+    void expectPlain(const Setting& setting, const Outcome& found) const
+    {
+        if (found.isServed != m_plain.isServed || found.refusal != m_plain.refusal)
+            fail(setting, "'" + found.refusal + "' instead of '" + m_plain.refusal + "'");
+        const auto same = test::same(m_plain.numbers, found.numbers);
+        if (!same && !kFamilies[m_family].exception(m_scenario, setting))
+            fail(setting, std::string("not the result of plain code: ") + same.message());
+    }
+
+    /// Images that share memory give what images apart give.
+    void judgeSharing(const Setting& plain)
+    {
+        Scenario apart(m_data, m_size, true);
+        apart.below(std::size(kFamilies));
+        const Call call = kFamilies[m_family].read(apart);
+        m_scenario.restore();
+        apart.copyFrom(m_scenario);
+        apart.note();
+        expectPlain(plain, run(apart, plain, call.atOnce));
+    }
+
+    /// A callback that throws or cancels ends the run, one that sets another does not; the processor serves again.
+    void judgeCallback(const Setting& setting)
+    {
+        enum
+        {
+            eThrows,
+            eCancels,
+            eSets
+        };
+        const auto kind = m_scenario.below(kCallbacksMaySetCallbacks ? 3 : 2);
+        const int at = 1 + static_cast<int>(m_scenario.below(m_scenario.oneIn(2) ? 3 : 30));
+        const bool inBackground = m_scenario.oneIn(2);
+        Started started;
+        expectPlain(setting, run(m_scenario, setting, [&] { return (started = m_call.start()).read(); }));
+        processor::BaseProcessor& processor = *started.processor;
+        const auto again = [&] {
+            if (inBackground)
+                processor.run(core::eST_Asynchronous);
+            else
+                processor::executeSyncRun(started.processor);
+            return started.read();
+        };
+        int nbCalled = 0;
+        std::atomic<bool> isInside(false);
+        bool isOrderly = true;
+        processor.setProgressCallback([&](double done) {
+            isOrderly = isOrderly && !isInside.exchange(true) && done >= 0 && done <= 1;
+            const bool isTime = ++nbCalled == at;
+            if (isTime && kind == eCancels)
+                processor.requestCancellation();
+            if (isTime && kind == eSets)
+                processor.setProgressCallback([](double) {});
+            isInside = false;
+            if (isTime && kind == eThrows)
+                throw CallbackFailure();
+        });
+        const Outcome ended = run(m_scenario, setting, again, true);
+        const std::string text = kind == eThrows ? CallbackFailure().what() : core::getCancelledText();
+        if (!isOrderly)
+            fail(setting, "a callback within a callback, or with a fraction that is none");
+        if (nbCalled < at || kind == eSets)
+            expectPlain(setting, ended);
+        else if (ended.refusal.find(text) == std::string::npos || processor.getErrorMessage() != ended.refusal)
+            fail(setting, "'" + ended.refusal + "' instead of '" + text + "'");
+        processor.setProgressCallback(nullptr);
+        expectPlain(setting, run(m_scenario, setting, again));
+    }
+
+    const std::uint8_t* m_data;
+    std::size_t m_size;
+    Scenario m_scenario;
+    unsigned int m_family;
+    Call m_call;
+    Outcome m_plain;
+};
+
+}}  // namespace orvik::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    orvik::fuzz::Judge(data, size).judge();
+    return 0;
+}
