@@ -307,5 +307,26 @@ TEST(ExtremaWindow, OfEachLineOfASliceFindsThoseOfVolumes)
             }
 }
 
+TEST(Extrema, WithinTheWholeOfATallImageTakeNoLongerInStripsForThreads)
+{
+    const unsigned long height = 4742;
+    const ImagePtr plane = randomImage(eIBT_UInt16, {1, height}, 38);
+    const Numbers expected = expectedList(*plane, 0, 5, eLET_Maxima, -1e300),
+                  highest = numbersOf(extractLocalExtrema2d(plane, height, height));
+    EXPECT_LE(1, highest.at(0));
+    const auto search =
+        processorWith<ExtractLocalExtrema2dLvl2, InSubImg2d, InFeaturesDistX, InFeaturesDistY, InLocalExtremaConfig>(
+            plane, 0, height, createLocalExtremaConfig());
+    for (const unsigned long grain : {1ul, 64ul}) {
+        const WithGrain lines(grain);
+        processor::ProviderPtr provider;
+        ASSERT_TRUE(search->retrieveProvider(core::BasePriority(), provider));
+        // Each strip reads the whole image, and as many lines again outside of it.
+        EXPECT_GE(8ul, provider->start(1));
+        EXPECT_TRUE(same(highest, numbersOf(extractLocalExtrema2d(plane, height, height))));
+        EXPECT_TRUE(same(expected, numbersOf(extractLocalExtrema2d(plane, 0, 5)))) << "in strips as thin as was asked for";
+    }
+}
+
 }  // namespace
 }  // namespace orvik::test

@@ -1,7 +1,7 @@
 #pragma once
 
 // What every family is tested for, whatever it computes: that all its calls give the same for any strips and threads, that
-// it refuses in words and leaves the caller's images as they were, and what becomes of a result that lies over an input.
+// it refuses in words and leaves the caller's images as they were, and what becomes of images that share memory.
 
 #include "TestImages.h"
 #include "TestRuns.h"
@@ -14,7 +14,10 @@
 #include "frame/serialization/DataItem.h"
 #include "frame/serialization/PlanIndexedColl.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <functional>
+#include <utility>
 
 namespace orvik::test {
 
@@ -152,6 +155,14 @@ Numbers planeByPlane(const ImagePtr& image, F&& f)
     return all;
 }
 
+/// The same with one NaN for all, of results that leave the bits of NaN open.
+inline Numbers withOneNan(Numbers numbers)
+{
+    for (double& number : numbers)
+        number = std::isnan(number) ? kNan : number;
+    return numbers;
+}
+
 /// Equal bit by bit.
 inline ::testing::AssertionResult same(const Numbers& expected, const Numbers& found)
 {
@@ -247,30 +258,114 @@ void expectLastIteration(unsigned int last, X& repeated)
     EXPECT_EQ("Invalid iteration number (cannot be greater than " + std::to_string(last) + ")", beyond.getMessage());
 }
 
-/// A result of the type of its input, which lies over all of it or over some lines. `part` names the input.
-enum class InSitu
+/// An attribute that is an image, and what it holds.
+struct ImageRole
 {
-    refused,
-    served
+    std::string name;
+    bool isWritten;
+    image::eImageBufferType type;
+    image::ImageSizes sizes;
 };
-inline void expectInSitu(InSitu whole, image::eImageBufferType type, const std::string& part,
-                         const std::function<void(const ImagePtr& in, const ImagePtr& out)>& call)
+typedef std::vector<std::pair<image::eImageBufferType, image::ImageSizes>> TypesAndSizes;
+
+/// A class as its images are seen. `run` takes one for each role and tells the results.
+struct ImagesOfClass
 {
-    const unsigned long n = 24;
-    const ImagePtr tall = randomImage(type, {70, 3 * n}, 51), in = linesOf(tall, n, n), out = createImageLike(*in, type);
-    std::vector<Refusal> refusals;
-    for (const unsigned long first : {n, n + 1, 2 * n - 1, n - 1, 1ul})
-        if (first != n || whole == InSitu::refused)
-            refusals.push_back({"failed: memory of " + part, [=] { call(in, linesOf(tall, first, n)); }});
-    expectRefusals({tall}, refusals);
-    call(in, out);
-    const ImagePtr next = linesOf(tall, 2 * n, n);
-    call(in, next);
-    EXPECT_TRUE(sameSamples(*out, *next)) << "into lines that follow the input";
-    if (whole == InSitu::refused)
+    std::string name;
+    std::vector<ImageRole> roles;                           // in the order of the attributes
+    std::vector<std::pair<std::string, std::string>> same;  // pairs that may be the very same samples
+    std::function<Numbers(const std::vector<ImagePtr>&)> run;
+};
+
+/// A row of the table: class `X` with `Images`, all attributes of it that are images. `prepare` sets the others, `resultsOf`
+/// tells what the class is run for.
+template<class X, class... Images, class Prepare, class ResultsOf>
+ImagesOfClass imagesOf(const TypesAndSizes& images, const std::vector<std::pair<std::string, std::string>>& same,
+                       const Prepare& prepare, const ResultsOf& resultsOf)
+{
+    ImagesOfClass row{X::getObjectNameStr(), {}, same, {}};
+    (row.roles.push_back({Images::s_name, Images::g_bOutput, images.at(row.roles.size()).first,
+                          images.at(row.roles.size()).second}),
+     ...);
+    row.run = [=](const std::vector<ImagePtr>& values) {
+        const boost::shared_ptr<X> made = processor::createInitialised<X>();
+        std::size_t i = 0;
+        (made->template set<Images>(values.at(i++)), ...);
+        prepare(*made);
+        processor::executeSyncRun(made);
+        return numbersOf(resultsOf(*made));
+    };
+    return row;
+}
+
+/// Two of a class's images in one piece of memory, the second one that many bytes after the first, lines `pitch` apart.
+/// They are refused before anything is written, or served as images in memory of their own; `mustShare` says whether they
+/// have bytes in common.
+inline void expectPair(const ImagesOfClass& row, std::size_t first, std::size_t second, long distance, unsigned long pitch,
+                       bool mustShare)
+{
+    const std::size_t places[] = {first, second};
+    const auto bytesOf = [&](const ImageRole& role) { return pitch * role.sizes.y * role.sizes.z; };
+    const ImageRole &a = row.roles[first], &b = row.roles[second];
+    std::vector<unsigned char> memory(2 * (bytesOf(a) + bytesOf(b)), 7);
+    std::vector<ImagePtr> images;
+    for (const ImageRole& role : row.roles)
+        images.push_back(image::createImage(role.type, role.sizes));
+    for (const std::size_t place : places) {
+        const ImageRole& role = row.roles[place];
+        const long line = static_cast<long>(pitch), plane = line * static_cast<long>(role.sizes.y);
+        images[place] = image::wrapBuffer(static_cast<void*>(memory.data() + bytesOf(b) + (place == second ? distance : 0)),
+                                          role.type, role.sizes, image::ImageStrides(line, plane, plane * 3, plane * 3));
+    }
+    for (const bool isWritten : {true, false})  // inputs last: they hold what is read
+        for (std::size_t i = 0; i < images.size(); ++i)
+            if (row.roles[i].isWritten == isWritten)
+                fillRandom(*images[i], 80 + static_cast<unsigned int>(i));
+    std::vector<ImagePtr> apart;
+    for (const ImagePtr& image : images)
+        apart.push_back(copyOf(*image));
+
+    const bool isSame = distance == 0
+                        && std::find(row.same.begin(), row.same.end(), std::make_pair(a.name, b.name)) != row.same.end();
+    if (!mustShare || isSame || (!a.isWritten && !b.isWritten)) {
+        const Numbers expected = row.run(apart);
+        EXPECT_TRUE(same(expected, row.run(images)));
         return;
-    call(in, in);
-    EXPECT_TRUE(sameSamples(*out, *in)) << "over the input";
+    }
+    const std::vector<unsigned char> before = memory;
+    const std::string text = thrownText<processor::ORVIKBaseProcessingException>([&] { row.run(images); });
+    const std::string begins = distance == 0 ? "begins where it does"
+                                             : "begins " + std::to_string(std::labs(distance)) + " bytes "
+                                                   + (distance < 0 ? "before it" : "after it");
+    EXPECT_EQ(0u, text.find(row.name + " refuses to run:")) << text;
+    EXPECT_NE(std::string::npos, text.find("failed: memory of " + a.name + " (" + toString(a.sizes))) << text;
+    EXPECT_NE(std::string::npos, text.find(": " + b.name + " shares memory with " + a.name + " and " + begins)) << text;
+    EXPECT_EQ(before, memory) << "written though refused";
+}
+
+/// Each pair of the class's images overlaps partly, is the same, or lies apart: behind one another, or woven.
+inline void expectEveryPairRefusedOrServed(const ImagesOfClass& row)
+{
+    for (std::size_t j = 1; j < row.roles.size(); ++j)
+        for (std::size_t i = 0; i < j; ++i) {
+            const ImageRole &a = row.roles[i], &b = row.roles[j];
+            const auto lineOf = [](const ImageRole& role) { return role.sizes.x * getImageBufferBaseSize(role.type); };
+            SCOPED_TRACE(row.name + ": " + a.name + " and " + b.name);
+            const unsigned long pitch = std::max(lineOf(a), lineOf(b));
+            const long line = static_cast<long>(pitch), plane = line * static_cast<long>(a.sizes.y);
+            const long endOfA = plane * static_cast<long>(a.sizes.z);
+            const long startOfB = -line * static_cast<long>(b.sizes.y * b.sizes.z);
+            const long nextPlane = a.sizes.z > 1 ? plane : 2 * line;
+            for (const long distance : {0l, 4l, line, nextPlane, endOfA - line, -4l, -line, startOfB + line})
+                expectPair(row, i, j, distance, pitch, true);
+            for (const long distance : {endOfA, startOfB})
+                expectPair(row, i, j, distance, pitch, false);
+            if (a.sizes.y != b.sizes.y)
+                continue;  // woven images of unlike strides are taken for sharing
+            expectPair(row, i, j, line, 2 * pitch, false);
+            expectPair(row, i, j, -3 * line, 2 * pitch, false);
+            expectPair(row, i, j, 2 * line, 2 * pitch, true);
+        }
 }
 
 }  // namespace orvik::test

@@ -160,5 +160,42 @@ TEST(Rules, OnImagesCompareAnyNumberOfThemWithTheFirst)
     EXPECT_FALSE(five->testRule());
 }
 
+TEST(Rules, OnMemorySayWhatSharesItAndNotWhereItLies)
+{
+    const auto a = boost::make_shared<InTinyImg>();
+    const auto b = boost::make_shared<OutTinyImg>();
+    const RulePtr rule = noInSitu(a, b);
+    const std::string formal = "each of InTinyImg, OutTinyImg that is written lies apart in memory from the others";
+    EXPECT_EQ(formal, rule->createRuleFormalString());
+    EXPECT_EQ("ok: " + formal + "\n", rule->createRuleEvaluatedString(0)) << "unset";
+    const ImagePtr stack = blank(4, 3, 2);
+    const std::string start =
+        "failed: memory of InTinyImg (4 x 3 x 2 x 1 x 1, unsigned 8 bits (type 2)) lies apart from that of "
+        "OutTinyImg (4 x 3 x 1 x 1 x 1, unsigned 8 bits (type 2)): OutTinyImg shares memory with "
+        "InTinyImg and begins ";
+    a->init(stack);
+    for (unsigned long z : {0ul, 1ul}) {
+        b->init(stack->getView(PlanIndex(z, 0, 0), 1));
+        EXPECT_FALSE(rule->testRule());
+        EXPECT_EQ(start + (z == 0 ? "where it does\n" : "192 bytes after it\n"), rule->createRuleEvaluatedString(0));
+    }
+    // Upside down is the same memory; a plane of another channel is not, whatever lies between the two.
+    const ImagePtr colours = blank(4, 3, 2, 2);
+    const auto viewOf = [&](unsigned long z, unsigned long c, long direction) {
+        const long line = colours->getStrides().y;
+        return image::wrapBuffer(colours->accessLine(direction > 0 ? 0 : 2, z, c), image::eIBT_UInt8, {4, 3, 1, 1},
+                                 image::ImageStrides(direction * line), colours);
+    };
+    a->init(viewOf(0, 1, 1));
+    b->init(viewOf(0, 1, -1));
+    EXPECT_FALSE(rule->testRule());
+    a->init(image::wrapBuffer(colours->accessLine(0), image::eIBT_UInt8, {4, 3, 1, 2},
+                              image::ImageStrides(colours->getStrides().y, 0, colours->getStrides().c), colours));
+    b->init(viewOf(1, 0, -1));
+    EXPECT_TRUE(rule->testRule());
+    b->init(viewOf(0, 1, -1));
+    EXPECT_FALSE(rule->testRule());
+}
+
 }  // namespace
 }  // namespace orvik::test

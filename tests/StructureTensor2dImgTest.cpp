@@ -107,18 +107,24 @@ TEST(StructureTensor, RefusesWhatDoesNotGoTogether)
                        {"OutGxGxImg (70 x 25 x 1 x 1 x 1)", with(gy, {higher, b, c})},
                        {"OutGyGyImg (70 x 25 x 1 x 1 x 1)", with(gy, {a, higher, c})},
                        {"OutGxGyImg (70 x 25 x 1 x 1 x 1)", with(gy, {a, b, higher})},
-                       {"failed: memory of OutGxGxImg", with(gy, {a, a, c})},
-                       {"failed: memory of OutGxGxImg", with(gy, {a, b, a})},
-                       {"failed: memory of OutGyGyImg", with(gy, {a, b, b})},
                    });
-    for (unsigned long p = 0; p < 3; ++p)
-        for (const bool isX : {true, false}) {
-            Tensor out = {a, b, c};
-            expectInSitu(InSitu::served, eIBT_Real32, isX ? "InSubGxImg2d" : "InSubGyImg2d", [&](auto in, auto result) {
-                out[p] = result;
-                smoothProducts(isX ? in : gx, isX ? gy : in, 1.0f, 4.0, out);
-            });
-        }
+}
+
+typedef TensorKernel TensorOfFloats;
+INSTANTIATE_TEST_SUITE_P(FloatKernels, TensorOfFloats, ::testing::ValuesIn(kernelsOf({eIBT_Real32})), kernelName);
+
+TEST_P(TensorOfFloats, OfNansAndInfinitiesIsThatOfThePlainCodeButForTheBitsOfNan)
+{
+    const ImagePtr gx = scatteredOddImage({150, 70}, 9), gy = scatteredOddImage({150, 70}, 10);
+    const auto run = [&] {
+        Numbers all;
+        for (const ImagePtr& product : tensorOf(gx, gy, eIBT_Real32, 1.0f, 4.0))
+            append(all, numbersOf(product));
+        return withOneNan(all);
+    };
+    const Numbers plain = withPlainCode(run);
+    EXPECT_TRUE(std::any_of(plain.begin(), plain.end(), [](double v) { return std::isnan(v); }));
+    EXPECT_TRUE(same(plain, run()));
 }
 
 }  // namespace

@@ -11,7 +11,8 @@ namespace orvik { namespace core {
 ORVIK_API void setNbThreads(unsigned int nbThreads);
 ORVIK_API unsigned int getNbThreads();
 
-/// Lines per strip; 0 lets the dispatchers choose. Results do not depend on it: for tests and measurements.
+/// Lines per strip; 0 lets the dispatchers choose. Results do not depend on it: for tests and measurements. Strips that
+/// read many lines beyond their own are no thinner than a sixteenth of those.
 ORVIK_API void setStripGrain(unsigned long nbLines);
 ORVIK_API unsigned long getStripGrain();
 

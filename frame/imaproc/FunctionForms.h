@@ -39,6 +39,12 @@ struct HandedOver
     static void askForOne(P&)
     {
     }
+    template<class P>
+    static void checkGiven(const P& processor)
+    {
+        if (!processor.template getStorage<A>())
+            processor::details::throwValueMissing(P::getObjectNameStr(), A::getObjectNameStr());
+    }
 };
 template<class A>
 struct HandedOver<A, true>
@@ -51,6 +57,11 @@ struct HandedOver<A, true>
     static void askForOne(P& processor)
     {
         processor.template set<A>(All::element_type::createOfOnePlane());
+    }
+    template<class P>
+    static void checkGiven(const P& processor)
+    {
+        HandedOver<A, false>::checkGiven(processor);
     }
 };
 template<class A>
@@ -84,7 +95,8 @@ struct FunctionForms
     enum Planes
     {
         eOnePlane,
-        eAllPlanes
+        eAllPlanes,
+        eIntoGiven  ///< all, of functions that write into what the caller gives: nobody would see what was made instead
     };
 
     /// A processor whose attributes `prepare` sets.
@@ -95,6 +107,8 @@ struct FunctionForms
         prepare(*processor);
         if (planes == eOnePlane)
             (details::HandedOverOf<Out>::askForOne(*processor), ...);
+        if (planes == eIntoGiven)
+            (details::HandedOverOf<Out>::checkGiven(*processor), ...);
         return processor;
     }
     /// Runs it at once.
@@ -156,11 +170,11 @@ struct FunctionForms
     ORVIK_DECLARE_PREPARE(parameters); \
     ORVIK_FORMS(Name, Forms::All, eAllPlanes, Forms::all, parameters) \
     ORVIK_DECLARE_PREPARE(parameters)
-/// The same of functions into images of the caller's, which return nothing.
+/// The same of functions into images of the caller's, which return nothing and refuse null.
 #define ORVIK_PROCEDURE(Name, parameters) ORVIK_PROCEDURE_OF(Name, BOOST_PP_VARIADIC_SEQ_TO_SEQ(parameters))
 #define ORVIK_PROCEDURE_OF(Name, parameters) \
     ORVIK_DECLARE_PREPARE(parameters); \
-    ORVIK_FORMS(Name, void, eAllPlanes, void, parameters) \
+    ORVIK_FORMS(Name, void, eIntoGiven, void, parameters) \
     ORVIK_DECLARE_PREPARE(parameters)
 /// `Name`, `Name_async` for one plane, `multiSlice_Name`, `multiSlice_Name_async` for any number of them.
 #define ORVIK_PLANE_FUNCTIONS(Name, parameters) ORVIK_PLANE_FUNCTIONS_OF(Name, BOOST_PP_VARIADIC_SEQ_TO_SEQ(parameters))

@@ -37,6 +37,8 @@ public:
     ~BaseImageAttribute() override;
     /// The image to look at; null when unset.
     virtual boost::shared_ptr<const image::BaseImage> getImage() const = 0;
+    /// The same while the attribute holds it: for rules, which look often and keep nothing.
+    virtual const image::BaseImage* peekImage() const = 0;
 };
 
 typedef boost::weak_ptr<const BaseImageAttribute> WeakImage;
@@ -46,6 +48,7 @@ class ImageStorage : public PointerStorage<BaseImageAttribute, Image>
 {
 public:
     boost::shared_ptr<const image::BaseImage> getImage() const override { return this->getStorage(); }
+    const image::BaseImage* peekImage() const override { return this->getStorage().get(); }
 };
 
 /// An image that is only read.

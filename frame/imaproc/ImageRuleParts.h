@@ -9,7 +9,7 @@ namespace orvik { namespace imaproc {
 
 inline const image::BaseImage& imageOf(const processor::BaseAttribute& attribute)
 {
-    return *static_cast<const BaseImageAttribute&>(attribute).getImage();
+    return *static_cast<const BaseImageAttribute&>(attribute).peekImage();
 }
 
 inline const image::ImageSizes& sizesOf(const processor::BaseAttribute& attribute)

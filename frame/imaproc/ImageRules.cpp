@@ -1,6 +1,5 @@
 #include "frame/imaproc/ImageRules.h"
 
-#include "frame/image/SharedMemory.h"
 #include "frame/imaproc/ImageRuleParts.h"
 
 namespace orvik { namespace imaproc {
@@ -99,19 +98,6 @@ const Comparison g_volumeGeometry = {
         return imageOf(a).getGeometry().getVolumeGeometryType() == imageOf(b).getGeometry().getVolumeGeometryType();
     },
     [](const BaseAttribute& a) { return textOf(eImageRuleMessage::eNbSlices, std::to_string(sizesOf(a).z)); }};
-const Comparison g_notInSitu = {eImageRuleMessage::eDifferentMemory,
-                                [](const BaseAttribute& a, const BaseAttribute& b) {
-                                    return !shareMemory(imageOf(a), imageOf(b));
-                                },
-                                [](const BaseAttribute& a) {
-                                    const std::size_t address = reinterpret_cast<std::size_t>(imageOf(a).getLine(0));
-                                    return textOf(eImageRuleMessage::eAddress, std::to_string(address));
-                                }};
-const Comparison g_inSituOrApart = {eImageRuleMessage::eSameOrDifferentMemory,
-                                    [](const BaseAttribute& a, const BaseAttribute& b) {
-                                        return isSame(imageOf(a), imageOf(b)) || !shareMemory(imageOf(a), imageOf(b));
-                                    },
-                                    g_notInSitu.read};
 const Comparison g_stripSize = {eImageRuleMessage::eEqualStripSizes,
                                 [](const BaseAttribute& a, const BaseAttribute& b) {
                                     return stripOf(a).getSizeX() == stripOf(b).getSizeX()
@@ -195,16 +181,6 @@ RulePtr matchColorGeometryType(const WeakImage& a, const WeakImage& b)
 RulePtr matchVolumeGeometryType(const WeakImage& a, const WeakImage& b)
 {
     return compare<BaseRuleMatchImageRange>(g_volumeGeometry, a, b);
-}
-
-RulePtr noInSitu(const WeakImage& a, const WeakImage& b)
-{
-    return compare<BaseRuleMatchImageRange>(g_notInSitu, a, b);
-}
-
-RulePtr inSituOrApart(const WeakImage& a, const WeakImage& b)
-{
-    return compare<BaseRuleMatchImageRange>(g_inSituOrApart, a, b);
 }
 
 }}  // namespace orvik::imaproc

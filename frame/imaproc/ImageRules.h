@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/imaproc/CustomImageProperty.h"
+#include "frame/imaproc/ImagesApartRule.h"
 #include "frame/imaproc/ScalarToImageSizeRule.h"
 
 namespace orvik { namespace imaproc {
@@ -45,9 +46,4 @@ ORVIK_API processor::RulePtr matchVolumeGeometryType(const WeakImage& a, const W
 /// it.
 ORVIK_API processor::RulePtr matchImagePlans(const boost::weak_ptr<const BasePlanIndexedAttribute>& coll,
                                              const WeakImage& image, const eImagePlansMatchPolicy& policy);
-/// The attributes do not hold images that share samples.
-ORVIK_API processor::RulePtr noInSitu(const WeakImage& a, const WeakImage& b);
-/// The attributes hold the same samples of the same type, or share none.
-ORVIK_API processor::RulePtr inSituOrApart(const WeakImage& a, const WeakImage& b);
-
 }}  // namespace orvik::imaproc

@@ -106,4 +106,10 @@ void details::throwNullProcessor()
     ORVIK_THROW_PROCESSING("A null processor can't be run");
 }
 
+void details::throwValueMissing(const std::string& processorName, const std::string& attributeName)
+{
+    ORVIK_THROW(ORVIKBaseProcessingException, g_baseProcessingLogSource, eProcessorMessage::eMandatoryAttributeMissing,
+                processorName, attributeName);
+}
+
 }}  // namespace orvik::processor

@@ -42,6 +42,8 @@ ORVIK_API BoolResult writeClassVersion(BaseOArchive& archive, const std::string&
 ORVIK_API BoolResult readClassVersion(BaseIArchive& archive, const std::string& className, unsigned int version);
 [[noreturn]] ORVIK_API void throwCopyNotSupported(const std::string& className);
 [[noreturn]] ORVIK_API void throwNullProcessor();
+/// A call refuses, since it needs a value of an attribute that has none.
+[[noreturn]] ORVIK_API void throwValueMissing(const std::string& processorName, const std::string& attributeName);
 }  // namespace details
 
 }}  // namespace orvik::processor

@@ -10,6 +10,8 @@ namespace {
 
 /// A strip of fewer samples takes less time than the handing out.
 const unsigned long g_minStripSamples = 32768;
+/// Lines of margins that a strip whose thickness is asked for reads for each of its own, at most.
+const unsigned long g_maxMarginLines = 16;
 /// Strips per thread, so that a thread that is held up does not hold up the others.
 const unsigned long g_stripsPerThread = 4;
 
@@ -161,16 +163,17 @@ unsigned long BaseDynamicProcessorDispatcher::start(unsigned int nbThreads)
 {
     if (m_nbElements == 0)
         return 0;
+    unsigned long margin = 0, samples = 1;
+    for (const boost::shared_ptr<BaseDynamicSplit>& split : m_splits) {
+        margin = std::max(margin, split->getMargin());
+        samples = std::max(samples, split->getElementSamples());
+    }
     unsigned long grain = core::getStripGrain();
-    if (grain == 0) {
-        unsigned long margin = 0, samples = 1;
-        for (const boost::shared_ptr<BaseDynamicSplit>& split : m_splits) {
-            margin = std::max(margin, split->getMargin());
-            samples = std::max(samples, split->getElementSamples());
-        }
+    if (grain == 0)
         grain = std::max({divideUp(m_nbElements, g_stripsPerThread * nbThreads), 2 * margin + 1, getMinElements(),
                           divideUp(g_minStripSamples, samples)});
-    }
+    else  // else the time would grow with the square of the image where margins are as large
+        grain = std::max(grain, divideUp(2 * margin, g_maxMarginLines));
     m_grain = std::min(grain, m_nbElements);
     return divideUp(m_nbElements, m_grain);
 }

@@ -60,6 +60,13 @@ public:
         return success();
     }
 
+    /// Calls f with the pointer to each attribute, in the order of declaration.
+    template<class F>
+    void forEachAttribute(F&& f) const
+    {
+        (void(f(attribute<A>())), ...);
+    }
+
     static const std::string& getTypeName()
     {
         static const std::string name = details::makeTypeName(D::s_namespace, D::s_name);

@@ -104,6 +104,12 @@ inline Lanes<float>::type squareRoot(Lanes<float>::type v)
 #endif
 }
 
+/// A vector with one NaN for all: of two NaNs x86 hands on the first, and compilers swap operands.
+inline Lanes<float>::type withOneNan(Lanes<float>::type v)
+{
+    return v == v ? v : Lanes<float>::type{} + __builtin_nanf("");
+}
+
 /// Whether any lane of a comparison's result, all ones or all zeros, is set.
 template<class V>
 inline bool anyOf(V mask)

@@ -35,11 +35,6 @@ struct GradientList
         const auto gx = attributeOf(First());
         return (rule(gx, attributeOf(Others())) && ...);
     }
-    template<class Rule, class AttributeOf>
-    static processor::RulePtr eachHolds(const Rule& rule, const AttributeOf& attributeOf)
-    {
-        return (rule(attributeOf(First())) && ... && rule(attributeOf(Others())));
-    }
     /// Calls f with the parts of a stage that hand each gradient on, the last one first; then come those of `earlier` ones.
     template<class F, class PartOf, class... Earlier>
     static auto withParts(const F& f, const PartOf& partOf, const Earlier&... earlier)
@@ -66,9 +61,7 @@ processor::RulePtr CannyChainLvl1<D, Family, A...>::createRule() const
     return Gradients::match([](const auto& a, const auto& b) { return Family::matchGradients(a, b); }, attributeOf)
            && matchSize(gx, out) && sizeWhenSet(this->template attribute<attr::OutOptWk1BinImg>())
            && sizeWhenSet(this->template attribute<attr::OutOptWk2BinImg>())
-           && sizeWhenSet(this->template attribute<attr::OutOptWk1LabelImg>())
-           // Strips would read gradients that other strips have overwritten.
-           && Gradients::eachHolds([&](const auto& gradient) { return noInSitu(gradient, out); }, attributeOf);
+           && sizeWhenSet(this->template attribute<attr::OutOptWk1LabelImg>()) && imagesApart(*this);
 }
 
 template<class D, class Family, class... A>

@@ -1,12 +1,12 @@
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl2.h"
-#include "Rule/WorkingImagesRule.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageInitializers.h"
+#include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/PlanIndexedInitializers.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
@@ -25,8 +25,7 @@ processor::RulePtr HarrisCorner2dLvl1::createRule() const
     return matchImagePlans(attribute<OutPIPixels2d>(), in, eIPMP_Planes) && matchSize(in, wk1)
            && matchSizeAndType(wk1, wk2, wk3)
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
-           && workingImagesApart(in, {wk1, wk2, wk3}, 2)
-           && inSituOrApart(in, wk3);  // a plane may be written over itself, not over one that is still to be read
+           && imagesApart(*this, mayBeSame<InImg, OutWk3Img>);
 }
 
 void HarrisCorner2dLvl1::initInitializers(processor::InitializerMap& initializers)

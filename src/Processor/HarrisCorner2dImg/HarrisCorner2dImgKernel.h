@@ -78,7 +78,7 @@ void respond(const Response& response, const Sample* xx, const Sample* yy, const
         const float* const blockXy = widened(xy + i, room[2]);
         float* const to = std::is_same<Sample, float>::value ? reinterpret_cast<float*>(out + i) : responses;
         for (unsigned long j = 0; j < kBlock; j += Lanes<float>::count)
-            store(to + j, response(load(blockXx + j), load(blockYy + j), load(blockXy + j)));
+            store(to + j, withOneNan(response(load(blockXx + j), load(blockYy + j), load(blockXy + j))));
         if constexpr (!std::is_same<Sample, float>::value)
             wrapBlock(out + i, responses);
     }

@@ -1,12 +1,12 @@
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
 
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl2.h"
-#include "Rule/WorkingImagesRule.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/FunctionForms.h"
 #include "frame/imaproc/ImageInitializers.h"
+#include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
 #include "siblings/Filtering/GaussianRules.h"
@@ -23,10 +23,8 @@ processor::RulePtr HarrisCorner2dImgLvl1::createRule() const
     const WeakImage wk1 = attribute<OutWk1Img>(), wk2 = attribute<OutWk2Img>(), wk3 = attribute<OutWk3Img>();
     return matchSize(in, wk1) && matchSizeAndType(wk1, out) && matchSizeAndType(wk1, wk2, wk3)
            && filter::makesGaussian(attribute<InOptGradStdDev>(), attribute<InOptGradientGaussianCoverage>())
-           && workingImagesApart(in, {wk1, wk2, wk3}, 2) && inSituOrApart(wk1, out) && inSituOrApart(wk2, out)
-           && inSituOrApart(wk3, out)
-           // A plane may be written over itself, not over one that is still to be read.
-           && inSituOrApart(in, wk3) && inSituOrApart(in, out);
+           && imagesApart(*this, mayBeSame<InImg, OutImg>, mayBeSame<InImg, OutWk3Img>, mayBeSame<OutWk1Img, OutImg>,
+                          mayBeSame<OutWk2Img, OutImg>, mayBeSame<OutWk3Img, OutImg>);
 }
 
 void HarrisCorner2dImgLvl1::initInitializers(processor::InitializerMap& initializers)

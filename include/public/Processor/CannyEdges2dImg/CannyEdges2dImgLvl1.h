@@ -23,8 +23,9 @@ class CannyEdges2dImgLvl1;
 /// @param inCannyThresholds  low and high threshold, absolute, in the unit of the gradients. A negative one acts as its
 /// absolute value. Neither is checked against the other: with low above high every candidate is an edge.
 /// @return a new binary image of the size of the gradients: 1 on edges, 0 elsewhere.
-/// @throws processor::ORVIKBaseProcessingException  when an image or the thresholds are null, or sizes or types differ;
-/// the text names the attributes and both values. Nothing is written then.
+/// @throws processor::ORVIKBaseProcessingException  when an image or the thresholds are null, sizes or types differ, or an
+/// image that is written shares memory with another one; the text names the attributes and both values. Nothing is written
+/// then.
 /// Cost: a few passes over the image, no further image. The same bits for any strips, threads and instruction set.
 ORVIK_API ImagePtr cannyEdges2dImg(const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
                                    const ConstPtr<attr::CannyThresholds>& inCannyThresholds);
@@ -34,7 +35,7 @@ ORVIK_API ImagePtr cannyEdges2dImg(const ConstImagePtr& inGxImg2d, const ConstIm
 /// @param inOptimizationPolicy  attr::ePOP_Labels finds what hangs together by labelling: passes independent of the
 /// picture, two more images, at most 65535 components (more end the run with a message that says so). Any other value
 /// spreads strong edges in place; the default of the shorter form.
-/// @param outImg  of the size of the gradients, in memory of its own. With one unsigned byte per sample (types 2, 8 and
+/// @param outImg  of the size of the gradients, in memory of its own, not null. With one unsigned byte per sample (types 2, 8 and
 /// 11) it also holds the classes in between; other types get 0 and 1 too, through a working image. With attr::ePOP_Labels
 /// and such another type only the strong candidates are written: use types 2, 8 or 11 there.
 ORVIK_API void cannyEdges2dImg(const ConstImagePtr& inGxImg2d, const ConstImagePtr& inGyImg2d,
@@ -54,7 +55,8 @@ ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<CannyEdges2dImgLvl1> processor);
 
 struct CannyEdges2dFamily;
 
-/// Level 1: whole images.
+/// Level 1: whole images. Working images that the caller gives lie in memory of their own, too, also those that a run does
+/// not need.
 class ORVIK_API CannyEdges2dImgLvl1
     : public CannyChainLvl1<CannyEdges2dImgLvl1, CannyEdges2dFamily, attr::InGxGreyImg2d, attr::InGyGreyImg2d,
                             attr::InCannyThresholds, attr::InOptOptimizationPolicy, attr::OutOptWk1BinImg,

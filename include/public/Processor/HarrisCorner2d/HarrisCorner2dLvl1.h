@@ -79,7 +79,8 @@ ORVIK_API Ptr<HarrisCorner2dLvl1> multiSlice_harrisCorner2d_async(
 ORVIK_API Ptr<attr::Pixels2d> getAsyncProcessorOutput(Ptr<HarrisCorner2dLvl1> processor);
 ORVIK_API Ptr<attr::PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(Ptr<HarrisCorner2dLvl1> processor);
 
-/// Level 1: whole images, one child per plane. The first working image holds the response at the end.
+/// Level 1: whole images, one child per plane. The first working image holds the response at the end. The third one may be
+/// the input; otherwise images share no memory.
 class ORVIK_API HarrisCorner2dLvl1
     : public processor::Processor<HarrisCorner2dLvl1, processor::BaseAsync1Processor, attr::InImg, attr::InOptGradStdDev,
                                   attr::InOptGradientGaussianCoverage, attr::InOptCornerDetectionParams2d,

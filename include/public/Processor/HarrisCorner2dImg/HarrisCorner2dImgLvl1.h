@@ -26,7 +26,8 @@ class HarrisCorner2dImgLvl1;
 /// that do not go together, a deviation or coverage that makes no kernel, images that share memory; the text names the
 /// attributes and their values.
 /// Cost: X * Y * 10 * half-size multiplications, three float images while it runs, half-size as below. Formed in float,
-/// with double sums of the gradient. The same bits for any strips, threads and instruction set.
+/// with double sums of the gradient. The same bits for any strips, threads and instruction set; what is no number is the
+/// NaN 0x7fc00000.
 ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg);
 
 /// The same with a standard deviation for gradient and smoothing, in pixels, finite and above 0.
@@ -39,7 +40,8 @@ ORVIK_API ImagePtr harrisCorner2dImg(const ConstImagePtr& inImg, float inOptGrad
 /// @param inOptCornerDetectionParams  which measure: attr::eCRT_Harris with its k, or the smaller eigenvalue by any other
 /// value. Null for the default, Harris with k = 0.04. Negative k and such beyond 0.25, where no corner is above 0, are
 /// served as they are.
-/// @param outImg  of the size of `inImg` and of float samples, as the working images are.
+/// @param outImg  of the size of `inImg` and of float samples, as the working images are; not null. It may be a float
+/// `inImg` itself, but share no memory with it otherwise.
 ORVIK_API void harrisCorner2dImg(const ConstImagePtr& inImg, float inOptGradStdDev,
                                  const ConstPtr<attr::GaussianCoverage>& inOptGradientGaussianCoverage,
                                  const ConstPtr<attr::CornerDetectionParams>& inOptCornerDetectionParams,
@@ -57,7 +59,8 @@ ORVIK_API ImagePtr getAsyncProcessorOutput(Ptr<HarrisCorner2dImgLvl1> processor)
 
 /// Level 1: whole images, one child per plane. The four images are of one type, float unless the caller gives others:
 /// gradients and tensor are then rounded to whole numbers and saturated, the response is cut to one and wraps.
-/// The result may be one of the working images.
+/// The result may be one of the working images or the input, and the third working image the input; otherwise images share
+/// no memory.
 class ORVIK_API HarrisCorner2dImgLvl1
     : public processor::Processor<HarrisCorner2dImgLvl1, processor::BaseAsync1Processor, attr::InImg, attr::InOptGradStdDev,
                                   attr::InOptGradientGaussianCoverage, attr::InOptCornerDetectionParams2d, attr::OutWk1Img,

@@ -17,7 +17,8 @@ ORVIK_DEFINE_PROCESSOR(ConnectedComponent2dImgLvl1)
 
 processor::RulePtr ConnectedComponent2dImgLvl1::createRule() const
 {
-    return matchSize(attribute<InBinLabImg>(), attribute<OutLabelImg>());
+    return matchSize(attribute<InBinLabImg>(), attribute<OutLabelImg>())
+           && imagesApart(*this, mayBeSame<InBinLabImg, OutLabelImg>);
 }
 
 void ConnectedComponent2dImgLvl1::initInitializers(processor::InitializerMap& initializers)

@@ -18,7 +18,8 @@ ORVIK_DEFINE_PROCESSOR(IterativeExtremumPropagation2dImgLvl2)
 
 processor::RulePtr IterativeExtremumPropagation2dImgLvl2::createRule() const
 {
-    return matchSizeAndType(attribute<InSubImg2d>(), attribute<OutImg>());
+    return matchSizeAndType(attribute<InSubImg2d>(), attribute<OutImg>())
+           && imagesApart(*this, mayBeSame<InSubImg2d, OutImg>);
 }
 
 bool IterativeExtremumPropagation2dImgLvl2::spreadsByStrips() const

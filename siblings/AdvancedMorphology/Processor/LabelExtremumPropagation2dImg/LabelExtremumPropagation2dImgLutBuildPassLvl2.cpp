@@ -16,7 +16,8 @@ ORVIK_DEFINE_PROCESSOR(LabelExtremumPropagation2dImgLutBuildPassLvl2)
 processor::RulePtr LabelExtremumPropagation2dImgLutBuildPassLvl2::createRule() const
 {
     return matchSize(attribute<InSubImg2d>(), attribute<InSubLabelImg2d>())
-           && matchSize(attribute<InSubImg2d>(), attribute<OutImg>());
+           && matchSize(attribute<InSubImg2d>(), attribute<OutImg>())
+           && imagesApart(*this, mayBeSame<InSubImg2d, OutImg>, mayBeSame<InSubLabelImg2d, OutImg>);
 }
 
 BoolResult LabelExtremumPropagation2dImgLutBuildPassLvl2::runDerived()

@@ -17,7 +17,8 @@ ORVIK_DEFINE_PROCESSOR(LabelExtremumPropagation2dImgThresholdPassLvl2)
 
 processor::RulePtr LabelExtremumPropagation2dImgThresholdPassLvl2::createRule() const
 {
-    return matchSize(attribute<InSubImg2d>(), attribute<OutBinImg>());
+    return matchSize(attribute<InSubImg2d>(), attribute<OutBinImg>())
+           && imagesApart(*this, mayBeSame<InSubImg2d, OutBinImg>);
 }
 
 processor::RetrievalResult LabelExtremumPropagation2dImgThresholdPassLvl2::retrieveProvider(

@@ -53,10 +53,7 @@ processor::RulePtr GaussianGradient2dImgLvl1::createRule() const
     return makesGaussian(attribute<InStdDevX>(), attribute<InOptGradientGaussianCoverage>())
            && makesGaussian(attribute<InStdDevY>(), attribute<InOptGradientGaussianCoverage>())
            && matchSize(attribute<InImg>(), attribute<OutOptGradXImg>())
-           && matchSize(attribute<InImg>(), attribute<OutOptGradYImg>())
-           && noInSitu(attribute<InImg>(), attribute<OutOptGradXImg>())
-           && noInSitu(attribute<InImg>(), attribute<OutOptGradYImg>())
-           && noInSitu(attribute<OutOptGradXImg>(), attribute<OutOptGradYImg>());
+           && matchSize(attribute<InImg>(), attribute<OutOptGradYImg>()) && imagesApart(*this);
 }
 
 void GaussianGradient2dImgLvl1::initInitializers(processor::InitializerMap& initializers)

@@ -27,7 +27,7 @@ namespace orvik { namespace imaproc { namespace filter {
 /// @throws processor::ORVIKBaseProcessingException  for a null image, sizes that differ, images that share memory, a
 /// standard deviation or coverage that makes no kernel, or a half-size above 2^20; the text names attribute and value.
 /// Cost: X * Y * (2 * half-size along x + 2 * half-size along y) multiplications for both outputs, half of it for one. The
-/// same bits for any strips, threads and instruction set.
+/// same bits for any strips, threads and instruction set, but for those of a NaN, which is one wherever another set has one.
 ORVIK_API void gaussianGradient2dImg(const ConstImagePtr& in, float stdDevX, float stdDevY, double coverage,
                                      const ImagePtr& outX, const ImagePtr& outY);
 /// The gradient along x and along y as float images, with one standard deviation for both axes and a coverage of 4.

@@ -18,16 +18,13 @@ ORVIK_DEFINE_PROCESSOR(StructureTensor2dImgLvl2)
 
 processor::RulePtr StructureTensor2dImgLvl2::createRule() const
 {
-    const auto fits = [this](const WeakImage& out) {
-        return matchSize(attribute<InSubGxImg2d>(), out) && inSituOrApart(attribute<InSubGxImg2d>(), out)
-               && inSituOrApart(attribute<InSubGyImg2d>(), out);
-    };
+    const auto fits = [this](const WeakImage& out) { return matchSize(attribute<InSubGxImg2d>(), out); };
     return makesGaussian(attribute<InSmoothingStdDev>(), attribute<InGaussianCoverage>())
            && matchSizeAndType(attribute<InSubGxImg2d>(), attribute<InSubGyImg2d>()) && fits(attribute<OutGxGxImg>())
            && fits(attribute<OutGyGyImg>()) && fits(attribute<OutGxGyImg>())
-           && noInSitu(attribute<OutGxGxImg>(), attribute<OutGyGyImg>())
-           && noInSitu(attribute<OutGxGxImg>(), attribute<OutGxGyImg>())
-           && noInSitu(attribute<OutGyGyImg>(), attribute<OutGxGyImg>());
+           && imagesApart(*this, mayBeSame<InSubGxImg2d, OutGxGxImg>, mayBeSame<InSubGxImg2d, OutGyGyImg>,
+                          mayBeSame<InSubGxImg2d, OutGxGyImg>, mayBeSame<InSubGyImg2d, OutGxGxImg>,
+                          mayBeSame<InSubGyImg2d, OutGyGyImg>, mayBeSame<InSubGyImg2d, OutGxGyImg>);
 }
 
 processor::RetrievalResult StructureTensor2dImgLvl2::retrieveProvider(const core::BasePriority& priority,

@@ -21,7 +21,8 @@ namespace orvik { namespace imaproc { namespace filter {
 ///
 /// A result may be one of the gradients, which is then overwritten: strips read their own lines ahead of what they write,
 /// and copies of the lines about their borders, made before the strips on both sides run. So there is no further image,
-/// only some lines per running strip, and the bits are the same for any strips, threads and instruction set.
+/// only some lines per running strip, and the bits are the same for any strips, threads and instruction set, but for those
+/// of a NaN.
 /// Refused: gradients of different sizes or types, a result of another size, that shares samples with another result, or
 /// overlaps a gradient without being it, a deviation or coverage that makes no kernel.
 /// Cost: X * Y * 6 * half-size multiplications.

@@ -17,7 +17,7 @@ ORVIK_DEFINE_PROCESSOR(BasicThresholdImgLvl1)
 
 processor::RulePtr BasicThresholdImgLvl1::createRule() const
 {
-    return matchSize(attribute<InImg>(), attribute<OutBinImg>());
+    return matchSize(attribute<InImg>(), attribute<OutBinImg>()) && imagesApart(*this, mayBeSame<InImg, OutBinImg>);
 }
 
 void BasicThresholdImgLvl1::initInitializers(processor::InitializerMap& initializers)
