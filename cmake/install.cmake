@@ -19,15 +19,17 @@ foreach(target orvikframe ORVIKIPLFeatureDetection)
   install(EXPORT orvik-${name} NAMESPACE orvik:: DESTINATION ${package} COMPONENT development)
 endforeach()
 
+install(TARGETS orviklog LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime)
+
 # Under the paths by which they are included. Of the frame all but what only processors are built with, of the siblings
 # whole-image processors alone.
 install(DIRECTORY include/public/ DESTINATION ${headers} COMPONENT development FILES_MATCHING PATTERN "*.h")
 file(GLOB_RECURSE headers_of_users RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS
   ${CMAKE_SOURCE_DIR}/frame/*.h ${CMAKE_SOURCE_DIR}/frame/*.inc ${CMAKE_SOURCE_DIR}/siblings/*Lvl1.h)
 list(FILTER headers_of_users EXCLUDE REGEX "^frame/(simd/\
-|core/(BackgroundRuns|Environment|RunState|StageRun|TaskHandOver|ThreadPool)|image/(ImageLines|SharedMemory)\
+|core/(BackgroundRuns|Environment|RunState|StageRun|TaskHandOver|ThreadPool|ThreadSupply)|image/(ImageLines|SharedMemory)\
 |imaproc/(FunctionForms|ImageInitializerParts|ImageRuleParts|ImageSplits|PlanIndexedInitializers|Stages)\
-|processor/(Dispatcher|KernelRegistrator|Split|ValueArchiving)|util/FrameMessages)")
+|processor/(Dispatcher|KernelRegistrator|Split|ValueArchiving)|log/|util/(FrameMessages|Loggers|ProcessEnd))")
 list(APPEND headers_of_users
   siblings/AdvancedMorphology/Library.h siblings/Filtering/Library.h siblings/Utility/Library.h)
 foreach(header ${headers_of_users})

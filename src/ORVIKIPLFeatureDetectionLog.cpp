@@ -1,37 +1,37 @@
 #include "ORVIKIPLFeatureDetectionLogMessages.h"
 
+#include "frame/util/KeptText.h"
+#include "frame/util/Loggers.h"
+
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>
-#include <log4cplus/logger.h>
+
+#include <new>
 
 namespace orvik { namespace imaproc { namespace fd {
 
 namespace {
 
-// Guards of the first making of the statics below; made on first use, since they may be asked for during load.
-struct ManagerMutex
+// Guards of the first making of the statics below; made on first use, since they may be asked for during load, and never
+// destroyed, since a run on another thread may fail until the very end.
+template<class Which>
+struct NamedMutex
 {
     static boost::mutex& get()
     {
-        static boost::mutex mutex;
+        alignas(boost::mutex) static char place[sizeof(boost::mutex)];
+        static boost::mutex& mutex = *new (place) boost::mutex;
         return mutex;
     }
 };
-struct LoggerNameMutex
+struct ManagerMutex : NamedMutex<ManagerMutex>
 {
-    static boost::mutex& get()
-    {
-        static boost::mutex mutex;
-        return mutex;
-    }
 };
-struct LoggerMutex
+struct LoggerNameMutex : NamedMutex<LoggerNameMutex>
 {
-    static boost::mutex& get()
-    {
-        static boost::mutex mutex;
-        return mutex;
-    }
+};
+struct LoggerMutex : NamedMutex<LoggerMutex>
+{
 };
 
 }  // namespace
@@ -48,7 +48,7 @@ LogMessageManager& getORVIKIPLFeatureDetectionLogMessageManager()
 const std::string& getORVIKIPLFeatureDetectionLoggerName()
 {
     const boost::lock_guard<boost::mutex> lock(LoggerNameMutex::get());
-    static const std::string name = getBaseLoggerName() + ".ORVIKIPLFeatureDetection";
+    static const std::string& name = keptText(getBaseLoggerName() + ".ORVIKIPLFeatureDetection");
     return name;
 }
 
@@ -56,7 +56,7 @@ log4cplus::Logger& getORVIKIPLFeatureDetectionLogger()
 {
     const std::string& name = getORVIKIPLFeatureDetectionLoggerName();
     const boost::lock_guard<boost::mutex> lock(LoggerMutex::get());
-    static log4cplus::Logger logger = (getBaseLogger(), log4cplus::Logger::getInstance(name));
+    static log4cplus::Logger& logger = getLogger(name);
     return logger;
 }
 

@@ -1,6 +1,7 @@
 // Runs that run out of memory, at each of their allocations in turn.
 
 #include "HookRuns.h"
+#include "PublicCalls.h"
 #include "TestImages.h"
 
 #include <atomic>
@@ -126,6 +127,28 @@ TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
     }
 }
 
+TEST(Memory, ThatRunsOutInAPublicCallIsToldAndTheNextCallIsWhole)
+{
+    const WithGrain fine(3);
+    for (const PublicCall& call : publicCalls())
+        for (const unsigned int nbThreads : {1, 3}) {
+            const WithThreads threads(nbThreads);
+            const Numbers expected = call.call()();
+            long n = 0;
+            for (bool failed = true; failed; ++n) {
+                std::function<Numbers()> result;
+                const std::exception_ptr thrown = failAllocation(n, failed, [&] { result = call.call(); });
+                ASSERT_EQ(failed, thrown != nullptr) << call.name << ", allocation " << n << ", " << nbThreads << " threads";
+                if (thrown) {
+                    EXPECT_THROW(std::rethrow_exception(thrown), std::bad_alloc) << call.name << ", allocation " << n;
+                    result = call.call();
+                }
+                ASSERT_TRUE(same(expected, result())) << call.name << ", allocation " << n;
+            }
+            EXPECT_GT(n, 20) << call.name;
+        }
+}
+
 TEST(Memory, ThatRunsOutWhileAFailureIsToldLeavesAFailure)
 {
     const WithThreads one(1);
@@ -149,8 +172,7 @@ TEST(Memory, ThatRunsOutWhileARunIsStartedLeavesItNotRunning)
 {
     const WithThreads threads(2);
     const auto hook = hookOn(blank(2, 3));
-    // oneTBB makes its threads for the first background run; without memory for them it tells nobody, and the run waits.
-    hook->run(core::eST_Asynchronous);
+    hook->run(core::eST_Asynchronous);  // makes the threads; what comes of that is another test's
     hook->waitForEnd();
     for (long n = 0; n < 40; ++n) {
         bool failed = false;

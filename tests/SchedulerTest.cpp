@@ -13,8 +13,10 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
 #include <limits>
 #include <new>
 #include <thread>
@@ -69,10 +71,12 @@ struct OddFailure : std::runtime_error
 template<class F>
 int inForkedProcess(const F& f)
 {
+    std::cout.flush();
+    std::fflush(nullptr);  // or the other process writes it, too
     const pid_t child = fork();
     if (child == 0) {
         alarm(60);  // a hang ends by a signal
-        _exit(f());
+        std::exit(f());
     }
     int status = -1;
     waitpid(child, &status, 0);
@@ -320,30 +324,95 @@ TEST(Background, WhoHasWaitedForTheEndHoldsTheLastPointer)
     EXPECT_EQ(0, nbHeldElsewhere) << "a library that is unloaded now would be missed";
 }
 
-TEST(Background, TheEndOfTheProgramCancelsAndWaits)
+/// A run of which each line takes a millisecond: uncancelled it would take more than an hour.
+boost::shared_ptr<HookLvl1> endlessHook(std::atomic<bool>& started)
+{
+    Hook::s_onLine = [&](unsigned long) {
+        started = true;
+        return takeTime();
+    };
+    return hookOn(blank(1, 4000000));
+}
+
+void waitFor(const std::atomic<bool>& started)
+{
+    while (!started)
+        std::this_thread::yield();
+}
+
+TEST(ProcessEnd, CancelsRunsInTheBackgroundAndWaits)
 {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
         {
             static std::atomic<bool> started(false);
-            Hook::s_onLine = [](unsigned long) {
-                started = true;
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-                return success();
-            };
-            // Uncancelled it would take more than an hour.
-            const auto hook = hookOn(blank(1, 4000000));
+            const auto hook = endlessHook(started);
             hook->run(core::eST_Asynchronous);
-            while (!started)
-                std::this_thread::yield();
+            waitFor(started);
             std::exit(7);
         },
         ::testing::ExitedWithCode(7), "");
 }
 
+/// Ends the process by 7 where the runs of other threads have ended when `exit` comes to what was registered before the first
+/// run, and others are refused from then on.
+[[noreturn]] void endWhileAnotherThreadRuns(unsigned int nbThreads)
+{
+    static std::atomic<bool> started(false);
+    static std::atomic<bool> ended(false);
+    static const ImagePtr image = blank(3, 3);
+    std::atexit([] {
+        const std::string text = "No run can be started any more: the process is ending";
+        const bool refused = runRefusal(hookOn(image)) == text && refusalOf([] { fd::maxL2Norm2Msr(image, image); }) == text
+                             && refusalOf([] { fd::getAsyncProcessorOutput(fd::maxL2Norm2Msr_async(image, image)); })
+                                    == text;
+        _exit(ended && refused ? 7 : 8);
+    });
+    core::setNbThreads(nbThreads);
+    const auto hook = endlessHook(started);
+    std::thread([hook] {
+        try {
+            executeSyncRun(hook);
+        } catch (const std::exception&) {
+            ended = true;
+        }
+        for (;;)
+            pause();
+    }).detach();
+    waitFor(started);
+    std::exit(1);
+}
+
+TEST(ProcessEnd, WaitsForTheRunsOfOtherThreadsAndThenRefusesThem)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(endWhileAnotherThreadRuns(1), ::testing::ExitedWithCode(7), "");
+    EXPECT_EXIT(endWhileAnotherThreadRuns(3), ::testing::ExitedWithCode(7), "");
+}
+
+[[noreturn]] void endInACallback(core::eSynchroType synchro, unsigned int nbThreads)
+{
+    core::setNbThreads(nbThreads);
+    core::setStripGrain(1);
+    const auto hook = hookOn(blank(2, 50));
+    hook->setProgressCallback([](double) { std::exit(7); });
+    hook->run(synchro);
+    for (;;)
+        pause();
+}
+
+TEST(ProcessEnd, MayBeginInAProgressCallback)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(endInACallback(core::eST_Synchronous, 1), ::testing::ExitedWithCode(7), "");
+    EXPECT_EXIT(endInACallback(core::eST_Synchronous, 3), ::testing::ExitedWithCode(7), "");
+    EXPECT_EXIT(endInACallback(core::eST_Asynchronous, 1), ::testing::ExitedWithCode(7), "");
+    EXPECT_EXIT(endInACallback(core::eST_Asynchronous, 3), ::testing::ExitedWithCode(7), "");
+}
+
 // --- cancellation and progress
 
-TEST(Fork, TheOtherProcessRunsEverythingOnItsOnlyThread)
+TEST(Fork, TheOtherProcessRunsEverythingOnItsOnlyThreadAndEnds)
 {
     const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(3, 23, 3));
     const WithThreads threads(4);
@@ -444,6 +513,123 @@ TEST(Progress, AnExceptionOfTheCallbackEndsTheRun)
         hook->setProgressCallback(nullptr);
         EXPECT_NO_THROW(executeSyncRun(hook));
     }
+}
+
+/// What a callback holds: its destructor sets another callback.
+struct SetsCallbackWhenItGoes
+{
+    explicit SetsCallbackWhenItGoes(HookLvl1& held) : hook(held) {}
+    SetsCallbackWhenItGoes(const SetsCallbackWhenItGoes&) = delete;
+    SetsCallbackWhenItGoes& operator=(const SetsCallbackWhenItGoes&) = delete;
+    ~SetsCallbackWhenItGoes()
+    {
+        hook.setProgressCallback(nullptr);
+        ++s_nbGone;
+    }
+    HookLvl1& hook;
+    inline static std::atomic<int> s_nbGone{0};
+};
+
+TEST(Progress, ACallbackMayReplaceItselfAndLivesUntilItReturns)
+{
+    const WithGrain fine(1);
+    for (const unsigned int nbThreads : {1, 3}) {
+        const WithThreads threads(nbThreads);
+        const auto hook = hookOn(blank(2, 20));
+        int nbCalls = 0, nbCallsOfNext = 0;
+        const auto held = std::make_shared<int>(5);
+        hook->setProgressCallback([&, held](double) {
+            hook->setProgressCallback([&](double) { ++nbCallsOfNext; });
+            EXPECT_EQ(2, held.use_count()) << "what it holds has gone";
+            ++nbCalls;
+        });
+        executeSyncRun(hook);
+        EXPECT_EQ(1, nbCalls);
+        EXPECT_GE(nbCallsOfNext, 19);
+        EXPECT_EQ(1, held.use_count());
+    }
+}
+
+TEST(Progress, ACallbackMaySetAnotherWhenItIsDestroyed)
+{
+    const WithGrain fine(1);
+    SetsCallbackWhenItGoes::s_nbGone = 0;
+    auto hook = hookOn(blank(2, 20));
+    const auto setCallback = [&] {
+        hook->setProgressCallback([held = std::make_shared<SetsCallbackWhenItGoes>(*hook)](double) {});
+    };
+    setCallback();
+    hook->setProgressCallback(nullptr);
+    EXPECT_EQ(1, SetsCallbackWhenItGoes::s_nbGone);
+    setCallback();
+    hook.reset();
+    EXPECT_EQ(2, SetsCallbackWhenItGoes::s_nbGone);
+    hook = hookOn(blank(2, 20));
+    setCallback();
+    const OnLine onLine([&](unsigned long y) {
+        if (y == 10)
+            hook->setProgressCallback(nullptr);
+        return success();
+    });
+    executeSyncRun(hook);
+    EXPECT_EQ(3, SetsCallbackWhenItGoes::s_nbGone);
+}
+
+TEST(Progress, ACallbackThatWasReplacedFromOutsideIsNotRunningAnyMore)
+{
+    const WithGrain fine(1);
+    const WithThreads threads(2);
+    const OnLine onLine([](unsigned long) { return takeTime(); });
+    const auto hook = hookOn(blank(2, 200));
+    for (int i = 0; i < 20; ++i) {
+        const auto inside = std::make_shared<std::atomic<bool>>(false);
+        hook->setProgressCallback([inside](double) {
+            *inside = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            *inside = false;
+        });
+        if (!hook->isRunning())
+            hook->run(core::eST_Asynchronous);
+        for (int k = 0; k < 1000 && !*inside; ++k)
+            std::this_thread::yield();
+        hook->setProgressCallback(nullptr);
+        EXPECT_FALSE(*inside);
+    }
+    hook->waitForEnd();
+}
+
+TEST(Progress, ACallbackMayRunAndAskButNotWait)
+{
+    const WithGrain fine(1);
+    const ImagePtr image = randomImage(image::eIBT_UInt8, ImageSizes(70, 9));
+    const double expected = fd::maxL2Norm2Msr(image, image);
+    for (const core::eSynchroType synchro : {core::eST_Synchronous, core::eST_Asynchronous})
+        for (const unsigned int nbThreads : {1, 3}) {
+            const WithThreads threads(nbThreads);
+            const auto hook = hookOn(blank(2, 20)), other = hookOn(blank(2, 20));
+            std::vector<boost::shared_ptr<fd::MaxL2Norm2MsrLvl1>> started;
+            hook->setProgressCallback([&](double) {
+                EXPECT_TRUE(hook->isRunning());
+                EXPECT_FALSE(hook->hasFailed());
+                EXPECT_EQ("", hook->getErrorMessage());
+                EXPECT_FALSE(hook->waitForEnd(1));
+                for (const core::eSynchroType again : {core::eST_Synchronous, core::eST_Asynchronous})
+                    EXPECT_EQ("orvik::imaproc::tiny::HookLvl1 is running already", hook->run(again).getMessage());
+                EXPECT_EQ(expected, fd::maxL2Norm2Msr(image, image));
+                EXPECT_TRUE(other->run(core::eST_Synchronous).getValue());
+                started.push_back(fd::maxL2Norm2Msr_async(image, image));
+                hook->waitForEnd();
+                ADD_FAILURE() << "it would wait for itself";
+            });
+            hook->run(synchro);
+            hook->waitForEnd();
+            EXPECT_EQ(
+                "orvik::imaproc::tiny::HookLvl1 is running: a progress callback can't wait for the end of a run, which "
+                "may need its thread",
+                hook->getErrorMessage());
+            ASSERT_EQ(1u, started.size());
+            EXPECT_EQ(expected, fd::getAsyncProcessorOutput(started[0]));
+        }
 }
 
 TEST(Progress, ItsCallbackMayCancel)

@@ -18,7 +18,10 @@
 #include <log4cplus/spi/loggingevent.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <stdexcept>
+
+#include <unistd.h>
 
 namespace orvik {
 
@@ -176,6 +179,24 @@ TEST(ThrowSite, ThrowsTheSameTextWhileErrorsAreNotLogged)
     getORVIKUtilLogger().setLogLevel(log4cplus::NOT_SET_LOG_LEVEL);
     EXPECT_EQ("Objects of class Thing can't be copied", text);
     EXPECT_TRUE(listener->events.empty());
+}
+
+/// Ends the process by 7 where what is thrown after the frame's part of the end, being registered before that, is not logged.
+[[noreturn]] void endAndFail()
+{
+    static Listener& listener = *new Listener(getORVIKUtilLogger());
+    std::atexit([] {
+        const std::string text = thrownText<ORVIKUtilException>([] { throwCopyRefused("Thing"); });
+        _exit(listener->events.size() == 1 && text == "Objects of class Thing can't be copied" ? 7 : 8);
+    });
+    thrownText<ORVIKUtilException>([] { throwCopyRefused("Thing"); });
+    std::exit(1);
+}
+
+TEST(ThrowSite, LogsNoMoreOnceTheProcessEnds)
+{
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(endAndFail(), ::testing::ExitedWithCode(7), "");
 }
 
 /// A throw site whose catalogue fails to be had.

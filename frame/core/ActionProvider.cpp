@@ -9,16 +9,13 @@ namespace orvik { namespace core {
 
 bool BaseRequestOrigin::isCancellationRequested() const
 {
-    return m_run && m_run->cancelled.load(std::memory_order_relaxed);
+    return m_run && m_run->isCancelled();
 }
 
 void BaseRequestOrigin::reportProgress(unsigned long nbDone, unsigned long nbElements) const
 {
-    if (!m_run || !m_reportsProgress)
-        return;
-    const std::lock_guard<std::mutex> lock(m_run->progressMutex);
-    if (m_run->progress)
-        m_run->progress(static_cast<double>(nbDone) / static_cast<double>(nbElements));
+    if (m_run && m_reportsProgress)
+        m_run->report(static_cast<double>(nbDone) / static_cast<double>(nbElements));
 }
 
 BaseActionRequest::~BaseActionRequest() = default;

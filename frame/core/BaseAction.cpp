@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <new>
+#include <utility>
 
 namespace orvik { namespace core {
 
@@ -31,11 +32,8 @@ BaseAction::~BaseAction()
 {
     // The thread of a background run may hold the state a moment longer; by then the libraries that the callback and
     // the exception belong to may be gone.
-    if (!m_run)
-        return;
-    const std::lock_guard<std::mutex> lock(m_run->mutex);
-    m_run->progress = nullptr;
-    m_run->failure = nullptr;
+    if (m_run)
+        m_run->clear();
 }
 
 std::shared_ptr<RunState> BaseAction::getRunState() const
@@ -76,11 +74,17 @@ BoolResult BaseAction::enterRun()
         m_hasNoMemory = true;
         throw;
     }
+    std::exception_ptr earlier;  // destroyed when the lock is given back
     const std::lock_guard<std::mutex> lock(m_run->mutex);
     if (m_run->running)
         return failure(getClassName() + " is running already");
+    std::swap(m_run->failure, earlier);
+    if (!m_run->work.begin()) {
+        m_run->failure = std::make_exception_ptr(
+            processor::ORVIKBaseProcessingException(getProcessEndText(), __PRETTY_FUNCTION__, __FILE__, __LINE__));
+        return failure(getProcessEndText());
+    }
     m_run->running = true;
-    m_run->failure = nullptr;
     m_run->cancelled = false;
     return success();
 }
@@ -108,6 +112,7 @@ BoolResult BaseAction::execute(const BaseRequestOrigin& origin)
 
 std::exception_ptr BaseAction::executeCaught() noexcept
 {
+    const WithinWork within(m_run->work, WithinWork::eOwn);
     try {
         const BoolResult result = execute(BaseRequestOrigin(m_run.get(), true));
         if (!result)
@@ -129,7 +134,6 @@ void BaseAction::runInBackgroundToEnd(boost::shared_ptr<BaseAction> self) noexce
 {
     const std::shared_ptr<RunState> run = self->m_run;
     std::exception_ptr failure = self->executeCaught();
-    forgetBackgroundRun(*self);
     // Before anyone hears of the end: who does may unload the library that the action's destructor belongs to.
     self.reset();
     run->end(std::move(failure));
@@ -157,6 +161,7 @@ BoolResult BaseAction::run(const eSynchroType& synchro)
         return ended ? failure(textOf(ended)) : success();
     }
     try {
+        m_run->work.leaveToBackground();
         runInBackground(self, &BaseAction::runInBackgroundToEnd);
     } catch (...) {
         // Nothing was started; who waits for the end must not wait for ever.
@@ -172,7 +177,12 @@ void BaseAction::waitForEnd() const
     if (!run)
         return;
     std::unique_lock<std::mutex> lock(run->mutex);
-    run->ended.wait(lock, [&] { return !run->running; });
+    if (run->running && Work::isInCallback()) {
+        lock.unlock();
+        ORVIK_THROW_PROCESSING(
+            getClassName() + " is running: a progress callback can't wait for the end of a run, which may need its thread");
+    }
+    run->changed.wait(lock, [&] { return !run->running; });
 }
 
 bool BaseAction::waitForEnd(unsigned long milliseconds) const
@@ -182,7 +192,8 @@ bool BaseAction::waitForEnd(unsigned long milliseconds) const
         return true;
     const unsigned long year = 365ul * 24 * 3600 * 1000;  // the clock's nanoseconds hold some hundreds of them
     std::unique_lock<std::mutex> lock(run->mutex);
-    return run->ended.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, year)), [&] { return !run->running; });
+    return run->changed.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, year)),
+                                 [&] { return !run->running; });
 }
 
 bool BaseAction::isRunning() const
@@ -235,8 +246,7 @@ void BaseAction::requestCancellation()
 void BaseAction::setProgressCallback(const std::function<void(double)>& callback)
 {
     RunState& run = accessRunState();
-    const std::lock_guard<std::mutex> lock(run.progressMutex);
-    run.progress = callback;
+    run.setProgress(callback ? std::make_shared<const RunState::Callback>(callback) : nullptr);
 }
 
 BaseComplexAction::BaseComplexAction() = default;

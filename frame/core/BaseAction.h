@@ -38,7 +38,7 @@ public:
     void setActionPriority(const BasePriority& priority) { m_priority = priority; }
     const BasePriority& getActionPriority() const { return m_priority; }
 
-    /// Blocks until the run in progress, if any, has ended. Not to be called from a progress callback.
+    /// Blocks until the run in progress, if any, has ended; raises instead in a progress callback, whose thread it may need.
     void waitForEnd() const;
     /// The same for at most that long. Whether the run has ended.
     bool waitForEnd(unsigned long milliseconds) const;
@@ -51,8 +51,8 @@ public:
     /// Ends the run in progress as soon as the lines in hand are done: it fails and says that it was cancelled.
     /// Its outputs then hold unspecified values. Without effect on an action that is not running.
     void requestCancellation();
-    /// Called with the fraction, from 0 to 1, of the elements of the current stage that are done: on a working thread,
-    /// never twice at once. What it throws ends the run. Set while a run is on, it hears of what is done from then on.
+    /// Called with the fraction, from 0 to 1, of the elements of the current stage that are done: on a working thread, never
+    /// twice at once; what it throws ends the run. Replaced, it is not running any more, unless a callback replaces it.
     void setProgressCallback(const std::function<void(double)>& callback);
 
     virtual bool isComplexAction() const;

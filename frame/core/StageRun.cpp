@@ -148,21 +148,21 @@ BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& or
     const unsigned int nbThreads = isForkedProcess() ? 1 : own ? own->nbThreads : getNbThreads();
     const unsigned long nbActions = provider.start(nbThreads);
     StageRun stage(provider, origin, nbActions);
-    const unsigned long nbWorkers = std::min<unsigned long>(nbThreads, nbActions);
-    if (nbWorkers <= 1) {
+    ThreadPool* const pool = std::min<unsigned long>(nbThreads, nbActions) > 1 ? poolForRuns() : nullptr;
+    if (!pool) {
         stage.work();
         return stage.finish();
     }
-    ThreadPool& pool = poolForRuns();
+    const unsigned long nbWorkers = std::min<unsigned long>(pool->nbThreads, nbActions);
     const auto runAll = [&] {
         // Isolated: while this thread waits, it takes up no element of another stage, whose working memory would come
         // on top of its own.
         tbb::this_task_arena::isolate([&] {
             tbb::task_group group;
             for (unsigned long i = 1; i < nbWorkers; ++i)
-                group.run(StageTask(stage, pool));
+                group.run(StageTask(stage, *pool));
             {
-                const PoolScope scope(pool);
+                const PoolScope scope(*pool);
                 stage.work();
             }
             group.wait();
@@ -178,7 +178,7 @@ BoolResult runProvider(BaseActionProvider& provider, const BaseRequestOrigin& or
             TaskHandOver::give();
         };
         TaskHandOver::give();
-        pool.arena.execute(delegated);
+        pool->arena.execute(delegated);
         TaskHandOver::take();
     }
     return stage.finish();

@@ -8,8 +8,9 @@ namespace orvik { namespace core {
 /// whoever asked for them.
 struct ThreadPool
 {
-    /// No place is kept free for a caller: a run in the background has none that would take it.
-    explicit ThreadPool(unsigned int nb) : nbThreads(nb), arena(static_cast<int>(nb), 0) {}
+    /// No place is kept free for a caller, since a run in the background has none that would take it, but where there is a
+    /// thread too few.
+    ThreadPool(unsigned int nb, bool isForCaller) : nbThreads(nb), arena(static_cast<int>(nb), isForCaller ? 1 : 0) {}
     ThreadPool(const ThreadPool&) = delete;
     ThreadPool& operator=(const ThreadPool&) = delete;
 
@@ -19,8 +20,9 @@ struct ThreadPool
 
 /// The pool whose thread this is; null outside.
 ThreadPool* poolOfThisThread();
-/// The same, or where there is none the pool of as many threads as runs may use.
-ThreadPool& poolForRuns();
+/// The same, or where there is none the pool of as many threads as runs may use, or as there are where they can't be had;
+/// null when there is none but the caller's own, which then does everything. @throws std::bad_alloc
+ThreadPool* poolForRuns();
 
 /// Makes this thread one of a pool for a while.
 class PoolScope

@@ -2,6 +2,7 @@
 
 #include "frame/serialization/DataItem.h"
 #include "frame/serialization/PlanIndexedColl.h"
+#include "frame/util/KeptText.h"
 
 #include <string>
 #include <type_traits>
@@ -185,12 +186,12 @@ public:
 
     static const std::string& getObjectNameStr()
     {
-        static const std::string name(D::s_name);
+        static const std::string& name = keptText(D::s_name);
         return name;
     }
     static const std::string& getToolTipStr()
     {
-        static const std::string tip(D::s_toolTip);
+        static const std::string& tip = keptText(D::s_toolTip);
         return tip;
     }
     const std::string& getObjectName() const override { return getObjectNameStr(); }

@@ -1,19 +1,19 @@
 #include "frame/processor/KernelRegistrator.h"
 
 #include "frame/util/FrameMessages.h"
+#include "frame/util/Loggers.h"
 
-#include <log4cplus/logger.h>
+#include <log4cplus/loglevel.h>
 
 namespace orvik { namespace processor {
 
 void logFailedRegistrations(const std::string& failures, const char* file)
 {
-    log4cplus::Logger& logger = getORVIKBaseProcessingLogger();
-    if (!logger.isEnabledFor(log4cplus::TRACE_LOG_LEVEL))
+    if (!isLogged(&getORVIKBaseProcessingLogger, log4cplus::TRACE_LOG_LEVEL))
         return;
     LogMessageFormater formater(getORVIKBaseProcessingLogMessageManager());
     formater[eAlgorithmFunctionMessage::eRegistrationFailed] % failures % std::string(file);
-    logMessage(logger, log4cplus::TRACE_LOG_LEVEL, formater.string(), file, __LINE__);
+    logMessage(getORVIKBaseProcessingLogger(), log4cplus::TRACE_LOG_LEVEL, formater.string(), file, __LINE__);
 }
 
 }}  // namespace orvik::processor

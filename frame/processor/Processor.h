@@ -3,6 +3,7 @@
 #include "frame/processor/AsyncProcessors.h"
 #include "frame/processor/ClassStatics.h"
 #include "frame/util/Arena.h"
+#include "frame/util/KeptText.h"
 
 namespace orvik { namespace processor {
 
@@ -69,17 +70,17 @@ public:
 
     static const std::string& getTypeName()
     {
-        static const std::string name = details::makeTypeName(D::s_namespace, D::s_name);
+        static const std::string& name = keptText(details::makeTypeName(D::s_namespace, D::s_name));
         return name;
     }
     static const std::string& getObjectNameStr()
     {
-        static const std::string name(D::s_name);
+        static const std::string& name = keptText(D::s_name);
         return name;
     }
     static const std::string& getToolTipStr()
     {
-        static const std::string tip = D::readToolTip();
+        static const std::string& tip = keptText(D::readToolTip());
         return tip;
     }
     static unsigned int getVersion()

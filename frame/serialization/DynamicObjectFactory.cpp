@@ -1,5 +1,7 @@
 #include "frame/serialization/DynamicObjectFactory.h"
 
+#include "frame/util/ProcessEnd.h"
+
 #include <map>
 #include <mutex>
 
@@ -40,6 +42,7 @@ DynamicObjectFactory& DynamicObjectFactory::getInstance()
 
 void DynamicObjectFactory::registerClass(const std::string& className, NewCreatorFcn newFcn, SharedCreatorFcn sharedFcn)
 {
+    noteLoad();
     const std::lock_guard<std::mutex> lock(m_classes->mutex);
     m_classes->creators[className] = Creators{newFcn, sharedFcn};
 }

@@ -1,20 +1,91 @@
 #include "frame/util/Log.h"
 
-#include <log4cplus/logger.h>
-#include <log4cplus/loglevel.h>
-#include <log4cplus/nullappender.h>
+#include "frame/log/LogLibrary.h"
+#include "frame/util/Loggers.h"
+#include "frame/util/ProcessEnd.h"
 
-#include <memory>
+#include <log4cplus/loglevel.h>
+
+#include <atomic>
+#include <cstdio>
+#include <map>
+#include <mutex>
+
+#include <dlfcn.h>
 
 namespace orvik {
 
 namespace {
 
-/// A logger below the base one. Never destroyed, so that a failure at the end of the process can still be logged.
-log4cplus::Logger& makeLogger(const std::string& suffix)
+/// Beside the frame's own library, wherever that was installed.
+std::string pathOfLogLibrary()
 {
-    getBaseLogger();
-    return *new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName() + suffix));
+    const std::string name = "liborviklog.so";
+    Dl_info frame;
+    if (dladdr(&g_logLibraryFunction, &frame) == 0 || !frame.dli_fname)
+        return name;
+    const std::string path(frame.dli_fname);
+    return path.substr(0, path.rfind('/') + 1) + name;
+}
+
+/// Loads it, and log4cplus where that is not there. It stays loaded: its loggers do.
+const LogLibrary& logLibrary()
+{
+    static const LogLibrary& library = []() -> const LogLibrary& {
+        const std::string path = pathOfLogLibrary();
+        void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        void* const function = handle ? dlsym(handle, g_logLibraryFunction) : nullptr;
+        if (!function) {
+            const char* const reason = dlerror();
+            throw BaseException("Nothing can be logged: " + std::string(reason ? reason : path), __PRETTY_FUNCTION__,
+                                __FILE__, __LINE__);
+        }
+        noteLoad();
+        return *reinterpret_cast<LogLibraryFunction>(function)();
+    }();
+    return library;
+}
+
+/// Whether somebody may listen, which takes log4cplus in the process. It may come at any time and does not go: whoever brings
+/// it is in use as long as it logs.
+bool isLogUsed()
+{
+    static std::atomic<bool> used(false);
+    if (!used)
+        if (void* const there = dlopen(ORVIK_LOG4CPLUS, RTLD_LAZY | RTLD_NOLOAD)) {
+            dlclose(there);
+            try {
+                logLibrary();
+                used = true;
+            } catch (const BaseException& e) {
+                // The failure that was to be logged is told all the same.
+                static std::once_flag told;
+                std::call_once(told, [&] { std::fprintf(stderr, "orvik: %s\n", e.what()); });
+            }
+        }
+    return used;
+}
+
+/// Runs something that uses log4cplus, which the end of the process then waits for; not once that has begun.
+template<class F>
+void withLog(const F& f)
+{
+    Work work;
+    if (!work.begin())
+        return;
+    struct End
+    {
+        ~End() { ended.end(); }
+        Work& ended;
+    } const end{work};
+    const WithinWork within(work, WithinWork::eOwn);
+    f();
+}
+
+/// A logger below the base one.
+log4cplus::Logger& makeLogger(const char* suffix)
+{
+    return getLogger(getBaseLoggerName() + suffix);
 }
 
 const char* const g_messageFailureText = "Exception thrown while processing message";
@@ -22,8 +93,9 @@ const char* const g_messageFailureText = "Exception thrown while processing mess
 void logMessageFailure(const char* function, const char* file, unsigned int line)
 {
     try {
-        logMessage(getBaseLogger(), log4cplus::ERROR_LOG_LEVEL, std::string(g_messageFailureText) + " in " + function, file,
-                   static_cast<int>(line));
+        if (isLogged(&getBaseLogger, log4cplus::ERROR_LOG_LEVEL))
+            logMessage(getBaseLogger(), log4cplus::ERROR_LOG_LEVEL, std::string(g_messageFailureText) + " in " + function,
+                       file, static_cast<int>(line));
     } catch (...) {
         // A log that can't be written may be the failure itself; the exception that follows tells of it.
     }
@@ -39,12 +111,27 @@ const std::string& getBaseLoggerName()
 
 log4cplus::Logger& getBaseLogger()
 {
-    static log4cplus::Logger* const logger = [] {
-        std::unique_ptr<log4cplus::Logger> made(new log4cplus::Logger(log4cplus::Logger::getInstance(getBaseLoggerName())));
-        made->addAppender(log4cplus::SharedAppenderPtr(new log4cplus::NullAppender));
-        return made.release();
-    }();
+    static log4cplus::Logger& logger = logLibrary().makeLogger(getBaseLoggerName(), true);
+    return logger;
+}
+
+log4cplus::Logger& getLogger(const std::string& name)
+{
+    static std::mutex mutex;
+    static auto* const loggers = new std::map<std::string, log4cplus::Logger*>;
+    getBaseLogger();
+    const std::lock_guard<std::mutex> lock(mutex);
+    log4cplus::Logger*& logger = (*loggers)[name];
+    if (!logger)
+        logger = &logLibrary().makeLogger(name, false);
     return *logger;
+}
+
+bool isLogged(log4cplus::Logger& (*logger)(), int level)
+{
+    bool is = false;
+    withLog([&] { is = isLogUsed() && logLibrary().isEnabledFor(logger(), level); });
+    return is;
 }
 
 log4cplus::Logger& getORVIKUtilLogger()
@@ -73,14 +160,13 @@ log4cplus::Logger& imaproc::getORVIKImageProcessingLogger()
 
 void logMessage(log4cplus::Logger& logger, const int& level, const std::string& message, const std::string& file, int line)
 {
-    logger.log(level, message, file.c_str(), line);
+    withLog([&] { logLibrary().log(logger, level, message, file, line); });
 }
 
 void logError(const LogSource& source, const std::string& text, const char* file, unsigned int line)
 {
-    log4cplus::Logger& logger = source.logger();
-    if (logger.isEnabledFor(log4cplus::ERROR_LOG_LEVEL))
-        logMessage(logger, log4cplus::ERROR_LOG_LEVEL, text, file, static_cast<int>(line));
+    if (isLogged(source.logger, log4cplus::ERROR_LOG_LEVEL))
+        logMessage(source.logger(), log4cplus::ERROR_LOG_LEVEL, text, file, static_cast<int>(line));
 }
 
 std::string formatAndLogError(const LogSource& source, const std::string& domainName, int id,

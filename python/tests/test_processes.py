@@ -115,8 +115,25 @@ if os.fork() == 0:
         except RuntimeError as e:
             assert "belongs to the process that started it" in str(e)
     handle.close()
-    os._exit(7)  # as processes of multiprocessing do: at exit() log4cplus waits for threads of the other process
+    os._exit(7)  # as processes of multiprocessing do
 assert os.waitpid(-1, 0)[1] == 7 << 8
 assert (orvik_fd.harrisCorner2dImg(plane, 2.0) == expected).all()
 handle.cancel()
+""") == ""
+
+
+@pytest.mark.parametrize("before", [
+    "pass",
+    "orvik_fd.harrisCorner2dImg(numpy.zeros((600, 600), numpy.float32), 2.0)",  # there are threads of the library
+    "pytest.raises(orvik_fd.Error, orvik_fd.harrisCorner2dImg, numpy.zeros((9, 9), numpy.uint8), -1.0)",  # a failure was told
+])
+def test_aForkedProcessEndsByExit(before):
+    assert runProgram(f"""
+import os, pytest, signal
+{before}
+if os.fork() == 0:
+    signal.alarm(50)
+    {before}
+    sys.exit(7)
+assert os.wait()[1] == 7 << 8
 """) == ""

@@ -1,0 +1,70 @@
+#pragma once
+
+// Every public function in each of its forms, on small images: for tests that make something fail under a call. A new family
+// joins by a line in publicCalls().
+
+#include "FamilyShapes.h"
+#include "ORVIKIPLFeatureDetection.h"
+#include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
+
+#include "frame/attr/Records.h"
+#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+
+#include <string>
+#include <vector>
+
+namespace orvik::test {
+
+struct PublicCall
+{
+    std::string name;
+    /// Makes the call; what it gives tells the result, outside of what is to fail.
+    std::function<std::function<Numbers()>()> call;
+};
+
+template<class Result>
+std::function<Numbers()> toBeRead(const Result& result)
+{
+    return [result] { return numbersOf(result); };
+}
+
+inline std::vector<PublicCall> publicCalls()
+{
+    using namespace imaproc;
+    std::vector<PublicCall> calls;
+    const ImagePtr plane = drawnImage(image::eIBT_Real32, {21, 17}, {0, 1, 5, 9}, 3);
+    const ImagePtr other = drawnImage(image::eIBT_Real32, {21, 17}, {0, 2, 3}, 5);
+    const ImagePtr planes = drawnImage(image::eIBT_UInt8, {21, 17, 2}, {0, 0, 0, 1, 7}, 4);
+    const ImagePtr grey = planes->getView(PlanIndex(), 1);  // votes of floats depend on the order of threads
+    const auto thresholds = attr::CannyThresholds::createNode(1, 2);
+    const auto votes = attr::HoughLinesImgParams::createNode(1.0, 0.0, kPi, 20u, 0.5f);
+    const auto extraction = ConstPtr<attr::HoughLinesExtractionParams>();
+
+#define ORVIK_CALL(space, name, ...) calls.push_back({#name, [=] { return toBeRead(space::name(__VA_ARGS__)); }})
+#define ORVIK_BACKGROUND_CALL(name, reader, ...) \
+    calls.push_back({#name "_async", [=] { return toBeRead(reader(fd::name##_async(__VA_ARGS__))); }})
+#define ORVIK_CALLS(name, ...) \
+    ORVIK_CALL(fd, name, __VA_ARGS__); \
+    ORVIK_BACKGROUND_CALL(name, fd::getAsyncProcessorOutput, __VA_ARGS__)
+#define ORVIK_PLANE_CALLS(name, ...) \
+    ORVIK_CALLS(name, grey, __VA_ARGS__); \
+    ORVIK_CALL(fd, multiSlice_##name, planes, __VA_ARGS__); \
+    ORVIK_BACKGROUND_CALL(multiSlice_##name, fd::getAsyncProcessorMultiSliceOutput, planes, __VA_ARGS__)
+
+    ORVIK_CALL(filter, gaussianGradient2dImg, planes, 1.0f);
+    ORVIK_CALLS(maxL2Norm2Msr, plane, other);
+    ORVIK_CALLS(cannyEdges2dImg, plane, other, thresholds);
+    ORVIK_CALLS(harrisCorner2dImg, planes, 1.0f);
+    ORVIK_PLANE_CALLS(harrisCorner2d, 1.0f, 5ul, 2u);
+    ORVIK_PLANE_CALLS(extractLocalExtrema2d, 2u, 1u);
+    ORVIK_CALLS(houghLines2dImg, planes, votes);
+    ORVIK_PLANE_CALLS(houghLines2d, votes, extraction);
+
+#undef ORVIK_CALL
+#undef ORVIK_BACKGROUND_CALL
+#undef ORVIK_CALLS
+#undef ORVIK_PLANE_CALLS
+    return calls;
+}
+
+}  // namespace orvik::test
