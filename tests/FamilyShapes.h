@@ -181,6 +181,7 @@ struct Refusal
 inline void expectRefusals(const std::vector<ImagePtr>& images, const std::vector<Refusal>& refusals)
 {
     std::vector<Numbers> before;
+    before.reserve(images.size());
     for (const ImagePtr& image : images)
         before.push_back(numbersOf(image));
     for (const Refusal& refusal : refusals) {

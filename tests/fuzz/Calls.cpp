@@ -166,7 +166,8 @@ const auto houghBins = [](Scenario& scenario) {
     unsigned int nbAngles = scenario.number("nbThetaBins", {180u, 2u, 7u, 90u});
     const float least = scenario.number("pixelThreshold", {0.0f, 90.0f});
     // Accumulators that are served are small; the others are refused for an axis that no int counts.
-    const double halfX = std::ceil(scenario.sizes().x / 2.0), halfY = std::ceil(scenario.sizes().y / 2.0), mostBins = 40000;
+    const double halfX = static_cast<double>((scenario.sizes().x + 1) / 2), mostBins = 40000;
+    const double halfY = static_cast<double>((scenario.sizes().y + 1) / 2);
     const double nbColumns = 2 * std::trunc(1 + std::hypot(halfX, halfY) / (step >= std::ldexp(1, -52) ? step : 1));
     if (nbColumns <= INT_MAX && nbAngles <= INT_MAX && nbAngles * nbColumns > mostBins)
         nbAngles = static_cast<unsigned int>(1 + mostBins / nbColumns);
