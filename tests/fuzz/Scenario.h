@@ -20,14 +20,6 @@ using test::forEachSample;
 using test::ImagePtr;
 using test::Numbers;
 
-// What the library does not hold to yet: scenarios that would show it are made, or told, when the switch is on.
-constexpr bool kOverlapsAreRefused = false;        // outputs over one another or over a part of an input
-constexpr bool kNullOutputsAreRefused = false;     // null for the output of a function that writes into it
-constexpr bool kTextsRepeat = false;               // no addresses in texts of refusals
-constexpr bool kOneNan = false;                    // the same bits of NaN for all sets and strips
-constexpr bool kTallImagesAreQuick = false;        // extrema of 1 x 4742 samples, line by line, with a huge distance
-constexpr bool kCallbacksMaySetCallbacks = false;  // setProgressCallback within a callback
-
 /// What a call does with an image.
 enum class Use
 {
@@ -93,7 +85,7 @@ public:
             tell("image", "null");
             return nullptr;
         }
-        const bool shares = oneIn(4) && !m_given.empty() && (use == Use::input || kOverlapsAreRefused);
+        const bool shares = oneIn(4) && !m_given.empty();
         const unsigned int choice = below(256), shift = below(256);
         // Memory of its own comes first, so that further choices do not depend on m_apart.
         const Given other = shares ? m_given[choice % m_given.size()] : Given();
@@ -188,7 +180,7 @@ private:
     image::ImageSizes chooseSizes()
     {
         const unsigned long mostSamples = 6000;
-        if (kTallImagesAreQuick && oneIn(64))
+        if (oneIn(64))
             return {1, 4742};
         image::ImageSizes sizes(1 + below(70), 1 + below(40));
         if (oneIn(4))
