@@ -419,6 +419,8 @@ private:
         const bool inBackground = m_scenario.oneIn(2);
         Started started;
         expectPlain(setting, run(m_scenario, setting, [&] { return (started = m_call.start()).read(); }));
+        if (!started.processor)
+            return;  // refused before it was started
         processor::BaseProcessor& processor = *started.processor;
         const auto again = [&] {
             if (inBackground)
