@@ -77,22 +77,26 @@ private:
     bool m_over = false;
 };
 
-/// What brings a thread there; told to the thread sanitizer as BackgroundTask is.
+/// What brings a thread there. Its reference lies in a place of its own and is told to the thread sanitizer, as that of a
+/// BackgroundTask.
 class Invitation
 {
 public:
-    explicit Invitation(std::shared_ptr<Meeting> meeting) : m_meeting(std::move(meeting)) {}
+    typedef std::shared_ptr<Meeting> Reference;
+
+    explicit Invitation(Reference* meeting) : m_meeting(meeting) {}
     Invitation(const Invitation& other) : m_meeting((TaskHandOver::reuse(), other.m_meeting)) { TaskHandOver::give(); }
-    ~Invitation() { TaskHandOver::leave(); }
+    ~Invitation() { TaskHandOver::leave(); }  // oneTBB reads nothing of its task after this
     Invitation& operator=(const Invitation&) = delete;
     void operator()() const
     {
         TaskHandOver::take();
-        m_meeting->attend();
+        const std::unique_ptr<Reference> meeting(m_meeting);
+        (*meeting)->attend();
     }
 
 private:
-    std::shared_ptr<Meeting> m_meeting;
+    Reference* m_meeting;
 };
 
 /// Pools by their number of threads.
@@ -140,8 +144,11 @@ private:
         const std::size_t nbAllowed = tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism) - 1;
         const auto meeting = std::make_shared<Meeting>(std::min<std::size_t>(nb, nbAllowed));
         const std::unique_ptr<Meeting, void (*)(Meeting*)> closing(meeting.get(), [](Meeting* held) { held->close(); });
-        for (unsigned int i = 0; i < nb; ++i)
-            pool(nb, false).arena.enqueue(Invitation(meeting));
+        for (unsigned int i = 0; i < nb; ++i) {
+            auto reference = std::make_unique<Invitation::Reference>(meeting);
+            pool(nb, false).arena.enqueue(Invitation(reference.get()));
+            (void)reference.release();  // the task's now
+        }
         meeting->waitForAll();
         m_nbMade = nb;
         return nb == nbThreads;
