@@ -69,7 +69,7 @@ public:
         const std::string start = createRuleEvaluatedStartString(depth);
         std::string text;
         forEachPair([&](unsigned int i, unsigned int j) {
-            PlacedImage a, b;
+            PlacedImage a = {}, b = {};
             const bool mayBeSame = isIn(m_same, i, j);
             if (place(i, a) && place(j, b) && !mayLieSo(a, b, mayBeSame))
                 text += start
