@@ -1,5 +1,7 @@
 #include "Arrays.h"
 
+#include "Interpreter.h"
+
 #include "frame/util/BaseException.h"
 
 #include <algorithm>
@@ -143,7 +145,11 @@ ConstImagePtr readArray(const py::object& object, const std::string& name, py::s
             // Lines that overlap.
         }
     }
-    array = array.attr("copy")("C");
+    // NumPy gives the interpreter lock away while it copies.
+    PyObject* const copy = heldUpAtEnd([&] { return PyObject_CallMethod(array.ptr(), "copy", "s", "C"); });
+    if (!copy)
+        throw py::error_already_set();
+    array = py::reinterpret_steal<py::array>(copy);
     return image::wrapBuffer(array.data(), type, sizes, image::ImageStrides(), keepReference(array));
 }
 

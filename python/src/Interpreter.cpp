@@ -27,13 +27,18 @@ public:
         if (!mayBeHeldUp || !g_endBegun || std::this_thread::get_id() == g_endingThread)
             return;
         --g_nbComing;
-        for (;;)
-            pause();
+        holdUp();
     }
     ~Coming() { --g_nbComing; }
 };
 
 }  // namespace
+
+void holdUp()
+{
+    for (;;)
+        pause();
+}
 
 Unlocked::Unlocked() : m_state(PyEval_SaveThread()) {}
 

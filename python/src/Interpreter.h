@@ -2,11 +2,16 @@
 
 #include <pybind11/pybind11.h>
 
+#include <cxxabi.h>
+
 namespace orvik { namespace python {
 
 // Giving the interpreter lock away and taking it. An interpreter that ends also ends each thread that comes back to it, in a
 // way that C++ code on its stack does not survive. So from the moment when it begins to end, threads that come back from
 // the library are held up until the process ends. They can only be daemons: the interpreter waits for all others before.
+
+/// For ever.
+[[noreturn]] void holdUp();
 
 /// Lets other Python threads go on while it lives.
 class Unlocked
@@ -40,6 +45,18 @@ private:
     PyGILState_STATE m_state;
     const bool m_before;
 };
+
+/// What `f`, a call of Python's without C++ objects of its own, returns. Python may let other threads go on meanwhile; when the
+/// interpreter ends then, it unwinds the stack of this one, which is held up here instead.
+template<class F>
+PyObject* heldUpAtEnd(const F& f)
+{
+    try {
+        return f();
+    } catch (const abi::__forced_unwind&) {
+        holdUp();
+    }
+}
 
 /// Whether this thread works for a run and is in Python for a while, so that it must not wait for runs.
 bool isInCallback();
