@@ -155,14 +155,6 @@ Numbers planeByPlane(const ImagePtr& image, F&& f)
     return all;
 }
 
-/// The same with one NaN for all, of results that leave the bits of NaN open.
-inline Numbers withOneNan(Numbers numbers)
-{
-    for (double& number : numbers)
-        number = std::isnan(number) ? kNan : number;
-    return numbers;
-}
-
 /// Equal bit by bit.
 inline ::testing::AssertionResult same(const Numbers& expected, const Numbers& found)
 {
@@ -175,52 +167,15 @@ inline ::testing::AssertionResult same(const Numbers& expected, const Numbers& f
     return ::testing::AssertionSuccess();
 }
 
-/// A call that was made, and what it must give.
-struct Call
-{
-    template<class Result>
-    Call(const Numbers& mustGive, const Result& result) : expected(mustGive), found(numbersOf(result))
-    {
-    }
-    Numbers expected, found;
-};
-
-/// What a function gives of `plane` and of all planes of `stack`, as calls of the forms are told below.
-struct OfPlanes
-{
-    template<class F>
-    OfPlanes(const ImagePtr& plane, const ImagePtr& stack, F&& f)
-        : ofPlane(numbersOf(f(plane))), ofStack(planeByPlane(stack, f))
-    {
-    }
-    Numbers ofPlane, ofStack;
-};
-
-/// Calls of a function at once and in the background; the same, of `plane` and of `stack`, with its multiSlice_ forms.
-#define CALLS(expected, function, ...) \
-    {expected, function(__VA_ARGS__)}, \
-    { \
-        expected, function##_async(__VA_ARGS__) \
-    }
-#define PLANE_CALLS(expected, function, ...) \
-    CALLS(expected.ofPlane, function, plane, __VA_ARGS__), {expected.ofStack, multiSlice_##function(stack, __VA_ARGS__)}, \
-    { \
-        expected.ofStack, getAsyncProcessorMultiSliceOutput(multiSlice_##function##_async(stack, __VA_ARGS__)) \
-    }
-
-/// `calls` makes all calls of a family: a vector of them. They give the same for any strips and threads.
-template<class Calls>
-void expectSameForStripsAndThreads(const Calls& calls)
+/// `f` gives that for any strips and threads.
+template<class F>
+void expectForStripsAndThreads(const Numbers& expected, const F& f)
 {
     for (const unsigned int nbThreads : {1u, 3u})
         for (const unsigned long grain : {0ul, 1ul, 7ul, 13ul, 1000ul}) {
             const WithThreads threads(nbThreads);
             const WithGrain lines(grain);
-            int i = 0;
-            for (const Call& call : std::vector<Call>(calls())) {
-                EXPECT_TRUE(same(call.expected, call.found)) << "call " << i << ", " << nbThreads << " threads, " << grain;
-                ++i;
-            }
+            EXPECT_TRUE(same(expected, numbersOf(f()))) << nbThreads << " threads, " << grain << " lines per strip";
         }
 }
 

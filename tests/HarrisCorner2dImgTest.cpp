@@ -107,22 +107,17 @@ TEST(HarrisCorner2dImg, IsTheChainOfGradientTensorAndResponseOfEveryType)
     }
 }
 
-TEST(HarrisCorner2dImg, IsTheSameByEveryCallForStripsAndThreads)
+TEST(HarrisCorner2dImg, IsTheUsualMeasureWhereNothingIsSaid)
 {
-    const GuardedImage in(*randomImage(eIBT_UInt8, {60, 70, 2, 1, 2}, 21), 3);
-    const GuardedImage out(eIBT_Real32, {60, 70, 2, 1, 2}, 1);
-    const Numbers usual = planeByPlane(in.get(), [](const ImagePtr& one) { return harrisCorner2dImg(one); });
-    const Numbers wider = planeByPlane(in.get(), [](const ImagePtr& one) { return harrisCorner2dImg(one, 1.5f); });
-    EXPECT_FALSE(same(usual, wider));
-    expectSameForStripsAndThreads([&] {
-        std::vector<Call> calls = {CALLS(usual, harrisCorner2dImg, in.get()),
-                                   CALLS(wider, harrisCorner2dImg, in.get(), 1.5f),
-                                   {usual, harrisCorner2dImg_async(in.get(), 1.0f, nullptr, nullptr, out.get())}};
-        fillRandom(*out.get(), 22);
-        harrisCorner2dImg(in.get(), 1.0f, GaussianCoverage::createNode(4.0), params(1, 0.04f), out.get());
-        calls.emplace_back(usual, out.get());
-        return calls;
-    });
+    const ImagePtr in = randomImage(eIBT_UInt8, {60, 70}, 21), usual = harrisCorner2dImg(in),
+                   wider = harrisCorner2dImg(in, 1.5f);
+    const auto into = [&](float stdDev) {
+        const ImagePtr out = randomImage(eIBT_Real32, {60, 70}, 22);
+        harrisCorner2dImg(in, stdDev, GaussianCoverage::createNode(4.0), params(1, 0.04f), out);
+        return out;
+    };
+    EXPECT_TRUE(sameSamples(*into(1.0f), *usual) && sameSamples(*into(1.5f), *wider));
+    EXPECT_FALSE(sameSamples(*usual, *wider));
 }
 
 /// Level 1 with images of the caller's.
@@ -185,14 +180,6 @@ TEST(HarrisCorner2dImg, RefusesBeforeAnyWorkAndSaysWhy)
             {"OutWk3Img (signed 16 bits (type 3))", on({wk[0], wk[1], whole[2]}, out)},
         },
         "HarrisCorner2dImgLvl1 refuses to run:");
-}
-
-TEST(HarrisCorner2dImg, NansAndInfinitiesAreTheSameForStripsAndThreads)
-{
-    const ImagePtr in = scatteredOddImage({150, 70}, 28);
-    const Numbers expected = numbersOf(harrisCorner2dImg(in));
-    EXPECT_LT(100, std::count_if(expected.begin(), expected.end(), [](double value) { return std::isnan(value); }));
-    expectSameForStripsAndThreads([&] { return std::vector<Call>{{expected, harrisCorner2dImg(in)}}; });
 }
 
 }  // namespace

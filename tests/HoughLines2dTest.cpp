@@ -130,34 +130,6 @@ TEST(HoughLines, OfNothingAreNone)
     }
 }
 
-TEST(HoughLines, AreTheSameByEveryCallForStripsAndThreads)
-{
-    const ImagePtr drawn = createImage(eIBT_Int16, {90, 77, 2});
-    draw(*drawn->getView(PlanIndex(0, 0, 0), 1), 30, 0.3);
-    draw(*drawn->getView(PlanIndex(1, 0, 0), 1), 40, 1.3);
-    const GuardedImage guarded(*drawn, 3);
-    const ImagePtr &stack = guarded.get(), plane = drawn->getView(PlanIndex(1, 0, 0), 1);
-    const auto params = Params::createNode(0.8, 0.0, kPi, 120u, 0.0f);
-    const auto extraction = Extraction::createNode(eHLTT_Absolute, 20.0, 6u);
-    // Of all planes first the lines, then the votes.
-    const auto asListed = [&](const auto& f) {
-        OfPlanes expected(plane, stack, [&](const ImagePtr& each) { return f(each).first; });
-        const OfPlanes votes(plane, stack, [&](const ImagePtr& each) { return f(each).second; });
-        append(expected.ofPlane, votes.ofPlane);
-        append(expected.ofStack, votes.ofStack);
-        return expected;
-    };
-    const OfPlanes usual = asListed([](const ImagePtr& each) { return houghLines2d(each); });
-    const OfPlanes chosen = asListed([&](const ImagePtr& each) { return houghLines2d(each, params, extraction); });
-    expectSameForStripsAndThreads([&] {
-        return std::vector<Call>{CALLS(usual.ofPlane, houghLines2d, plane),
-                                 PLANE_CALLS(usual, houghLines2d, nullptr, nullptr),
-                                 PLANE_CALLS(chosen, houghLines2d, params, extraction),
-                                 {usual.ofStack, multiSlice_houghLines2d(stack)},
-                                 {usual.ofStack, getAsyncProcessorMultiSliceOutput(multiSlice_houghLines2d_async(stack))}};
-    });
-}
-
 TEST(HoughLines, MayBeRunAgainAndIntoACallersAccumulator)
 {
     const ImagePtr plane = picture(eIBT_Int8, 84), given = randomImage(eIBT_Int32, {120, 200}, 85);

@@ -72,15 +72,6 @@ TEST_P(MaxL2Norm2Msr, KeepsTheRuleForOddValuesWhereverTheyLie)
         }
 }
 
-TEST(MaxL2Norm2MsrCalls, GiveTheSameForStripsAndThreads)
-{
-    const GuardedImage a(*randomImage(eIBT_Int16, {133, 41, 3, 2, 2}, 5), 3);
-    const GuardedImage b(*randomImage(eIBT_Int16, {133, 41, 3, 2, 2}, 6), 0);
-    const Numbers expected = {maxL2Norm2Msr(a.get(), b.get())};
-    EXPECT_NEAR(reference(*a.get(), *b.get()), expected[0], 1.2e-7 * expected[0]);
-    expectSameForStripsAndThreads([&] { return std::vector<Call>{CALLS(expected, maxL2Norm2Msr, a.get(), b.get())}; });
-}
-
 TEST(MaxL2Norm2MsrCalls, RefuseWhatDoesNotFitInWords)
 {
     const ImagePtr image = createImage(eIBT_Binary, {16, 16}), lower = createImage(eIBT_Binary, {16, 15});

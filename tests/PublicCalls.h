@@ -28,13 +28,14 @@ std::function<Numbers()> toBeRead(const Result& result)
     return [result] { return numbersOf(result); };
 }
 
-inline std::vector<PublicCall> publicCalls()
+inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned long sizeY = 17)
 {
     using namespace imaproc;
     std::vector<PublicCall> calls;
-    const ImagePtr plane = drawnImage(image::eIBT_Real32, {21, 17}, {0, 1, 5, 9}, 3);
-    const ImagePtr other = drawnImage(image::eIBT_Real32, {21, 17}, {0, 2, 3}, 5);
-    const ImagePtr planes = drawnImage(image::eIBT_UInt8, {21, 17, 2}, {0, 0, 0, 1, 7}, 4);
+    const ImagePtr plane = drawnImage(image::eIBT_Real32, {sizeX, sizeY}, {0, 1, 5, 9}, 3);
+    const ImagePtr other = drawnImage(image::eIBT_Real32, {sizeX, sizeY}, {0, 2, 3}, 5);
+    const ImagePtr planes = drawnImage(image::eIBT_UInt8, {sizeX, sizeY, 2}, {0, 0, 0, 1, 7}, 4);
+    setSample(*plane, 30, 5, 4);                            // the largest of all, in one strip
     const ImagePtr grey = planes->getView(PlanIndex(), 1);  // votes of floats depend on the order of threads
     const auto thresholds = attr::CannyThresholds::createNode(1, 2);
     const auto votes = attr::HoughLinesImgParams::createNode(1.0, 0.0, kPi, 20u, 0.5f);

@@ -114,19 +114,6 @@ inline std::vector<double> oddValues(image::eImageBufferType type)
     return values;
 }
 
-/// Floats of usual values with NaNs of several bits and infinities here and there, some beside one another.
-inline ImagePtr scatteredOddImage(const image::ImageSizes& sizes, unsigned int seed)
-{
-    const ImagePtr image = randomImage(image::eIBT_Real32, sizes, seed);
-    const unsigned int odd[] = {0x7fc00000, 0xffc00000, 0x7fc12345, 0xffe54321, 0x7f800000, 0xff800000};
-    std::mt19937 random(seed);
-    forEachSample(sizes, [&](auto x, auto... line) {
-        if (random() % 100 < 2)
-            std::memcpy(static_cast<float*>(image->accessLine(line...)) + x, &odd[random() % 6], sizeof(float));
-    });
-    return image;
-}
-
 inline void copySamples(const image::BaseImage& from, image::BaseImage& to)
 {
     const std::size_t lineSize = from.getSizeX() * image::getImageBufferBaseSize(from.getBufferType());
