@@ -86,47 +86,6 @@ std::exception_ptr failAllocation(long n, bool& failed, F&& f)
     return thrown;
 }
 
-TEST(Memory, ThatRunsOutEndsTheRunWithoutDamage)
-{
-    const WithGrain fine(2);
-    const ImagePtr image = randomImage(image::eIBT_Int16, ImageSizes(5, 6, 2));
-    const auto reach = Reach::createNode(1, 1, 1, 1, 0, 0, 0, 0);
-    const auto makeHash = [&] {
-        const auto hash = createInitialised<HashLvl1<false>>();
-        hash->set<InTinyImg>(image);
-        hash->set<InReach>(reach);
-        return hash;
-    };
-    const auto reference = makeHash();
-    executeSyncRun(reference);
-    const ImagePtr expected = reference->getStorage<OutTinyImg>();
-    const auto hook = hookOn(image);
-
-    for (const unsigned int nbThreads : {1, 3}) {
-        const WithThreads threads(nbThreads);
-        executeSyncRun(hook);
-        const auto hash = makeHash();
-        for (const boost::shared_ptr<BaseProcessor>& run :
-             {boost::shared_ptr<BaseProcessor>(hash), boost::shared_ptr<BaseProcessor>(hook)}) {
-            long n = 0;
-            for (bool failed = true; failed; ++n) {
-                const std::exception_ptr thrown = failAllocation(n, failed, [&] { executeSyncRun(run); });
-                ASSERT_EQ(failed, thrown != nullptr) << "allocation " << n << ", " << nbThreads << " threads";
-                if (thrown) {
-                    EXPECT_THROW(std::rethrow_exception(thrown), std::bad_alloc) << "allocation " << n;
-                    EXPECT_TRUE(run->hasFailed());
-                }
-                ASSERT_NO_THROW(executeSyncRun(run)) << "after allocation " << n;
-                if (run == hash)
-                    ASSERT_TRUE(sameSamples(*expected, *hash->getStorage<OutTinyImg>())) << "after allocation " << n;
-                else
-                    ASSERT_EQ(expectedLines(*image), linesOf(*hook->getStorage<OutPIMarks>())) << "after allocation " << n;
-            }
-            EXPECT_GT(n, 50) << "the run asked for memory";
-        }
-    }
-}
-
 TEST(Memory, ThatRunsOutInAPublicCallIsToldAndTheNextCallIsWhole)
 {
 #ifdef __SANITIZE_ADDRESS__

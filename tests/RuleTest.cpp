@@ -151,13 +151,13 @@ TEST(Rules, OnImagesCompareAnyNumberOfThemWithTheFirst)
     for (auto& each : images)
         (each = boost::make_shared<InTinyImg>())->init(blank(4, 8));
     const auto& [a, b, c, d, e, f] = images;
-    const RulePtr five = matchSizeAndType(a, b, c, d, e), six = matchSizeAndType(a, b, c, d, e, f);
+    const RulePtr six = matchSizeAndType(a, b, c, d, e, f);
     EXPECT_TRUE(six->testRule());
-    f->init(blank(4, 9));
-    EXPECT_TRUE(five->testRule());
-    EXPECT_FALSE(six->testRule());
-    e->init(blank(4, 8, 1, 1, image::eIBT_Int8));
-    EXPECT_FALSE(five->testRule());
+    for (const auto& each : {b, c, d, e, f}) {
+        each->init(blank(4, 9));
+        EXPECT_FALSE(six->testRule());
+        each->init(blank(4, 8));
+    }
 }
 
 TEST(Rules, OnMemorySayWhatSharesItAndNotWhereItLies)
@@ -169,16 +169,13 @@ TEST(Rules, OnMemorySayWhatSharesItAndNotWhereItLies)
     EXPECT_EQ(formal, rule->createRuleFormalString());
     EXPECT_EQ("ok: " + formal + "\n", rule->createRuleEvaluatedString(0)) << "unset";
     const ImagePtr stack = blank(4, 3, 2);
-    const std::string start =
-        "failed: memory of InTinyImg (4 x 3 x 2 x 1 x 1, unsigned 8 bits (type 2)) lies apart from that of "
-        "OutTinyImg (4 x 3 x 1 x 1 x 1, unsigned 8 bits (type 2)): OutTinyImg shares memory with "
-        "InTinyImg and begins ";
     a->init(stack);
-    for (unsigned long z : {0ul, 1ul}) {
-        b->init(stack->getView(PlanIndex(z, 0, 0), 1));
-        EXPECT_FALSE(rule->testRule());
-        EXPECT_EQ(start + (z == 0 ? "where it does\n" : "192 bytes after it\n"), rule->createRuleEvaluatedString(0));
-    }
+    b->init(stack->getView(PlanIndex(1, 0, 0), 1));
+    EXPECT_FALSE(rule->testRule());
+    EXPECT_EQ("failed: memory of InTinyImg (4 x 3 x 2 x 1 x 1, unsigned 8 bits (type 2)) lies apart from that of "
+              "OutTinyImg (4 x 3 x 1 x 1 x 1, unsigned 8 bits (type 2)): OutTinyImg shares memory with "
+              "InTinyImg and begins 192 bytes after it\n",
+              rule->createRuleEvaluatedString(0));
     // Upside down is the same memory; a plane of another channel is not, whatever lies between the two.
     const ImagePtr colours = blank(4, 3, 2, 2);
     const auto viewOf = [&](unsigned long z, unsigned long c, long direction) {

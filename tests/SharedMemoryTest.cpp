@@ -28,127 +28,105 @@ using namespace imaproc;
 
 const ImageSizes g_planes(24, 10, 3), g_plane(24, 30);
 
+/// Sets these attributes of a class.
+template<class... Attributes, class... Values>
+auto with(const Values&... values)
+{
+    return [=]([[maybe_unused]] auto& made) { (made.template set<Attributes>(values), ...); };
+}
+
+/// Reads these attributes of a class that has run.
+template<class... Attributes>
+struct Results
+{
+    template<class X>
+    Numbers operator()(const X& made) const
+    {
+        Numbers all;
+        (append(all, numbersOf(made.template getStorage<Attributes>())), ...);
+        return all;
+    }
+};
+
 ImagesOfClass canny(eImageBufferType out, eProcessingOptimizationPolicy policy)
 {
+    TypesAndSizes images(6, {eIBT_UInt8, g_planes});
+    images[3].first = eIBT_Binary;
+    images[4].first = eIBT_Label16;
+    images[5].first = out;
     return imagesOf<fd::CannyEdges2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d, OutOptWk1BinImg, OutOptWk2BinImg,
                     OutOptWk1LabelImg, OutBinImg>(
-        {{eIBT_UInt8, g_planes},
-         {eIBT_UInt8, g_planes},
-         {eIBT_UInt8, g_planes},
-         {eIBT_Binary, g_planes},
-         {eIBT_Label16, g_planes},
-         {out, g_planes}},
-        {},
-        [policy](auto& made) {
-            made.template set<InCannyThresholds>(CannyThresholds::createNode(60, 150));
-            made.template set<InOptOptimizationPolicy>(policy);
-        },
-        [](const auto& made) { return made.template getStorage<OutBinImg>(); });
+        images, {}, with<InCannyThresholds, InOptOptimizationPolicy>(CannyThresholds::createNode(60, 150), policy),
+        Results<OutBinImg>());
 }
 
 ImagesOfClass harris(eImageBufferType in)
 {
-    return imagesOf<fd::HarrisCorner2dImgLvl1, InImg, OutWk1Img, OutWk2Img, OutWk3Img, OutImg>(
-        {{in, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}},
-        {{"InImg", "OutImg"},
-         {"InImg", "OutWk3Img"},
-         {"OutWk1Img", "OutImg"},
-         {"OutWk2Img", "OutImg"},
-         {"OutWk3Img", "OutImg"}},
-        [](auto&) {}, [](const auto& made) { return made.template getStorage<OutImg>(); });
+    TypesAndSizes images(5, {eIBT_Real32, g_planes});
+    images[0].first = in;
+    return imagesOf<fd::HarrisCorner2dImgLvl1, InImg, OutWk1Img, OutWk2Img, OutWk3Img, OutImg>(images,
+                                                                                               {{"InImg", "OutImg"},
+                                                                                                {"InImg", "OutWk3Img"},
+                                                                                                {"OutWk1Img", "OutImg"},
+                                                                                                {"OutWk2Img", "OutImg"},
+                                                                                                {"OutWk3Img", "OutImg"}},
+                                                                                               with<>(), Results<OutImg>());
+}
+
+ImagesOfClass tensor()
+{
+    std::vector<std::pair<std::string, std::string>> same;
+    for (const char* in : {"InSubGxImg2d", "InSubGyImg2d"})
+        for (const char* out : {"OutGxGxImg", "OutGyGyImg", "OutGxGyImg"})
+            same.emplace_back(in, out);
+    TypesAndSizes images(5, {eIBT_Int16, g_plane});
+    images[3].first = eIBT_UInt16;
+    return imagesOf<filter::StructureTensor2dImgLvl2, InSubGxImg2d, InSubGyImg2d, OutGxGxImg, OutGyGyImg, OutGxGyImg>(
+        images, same, with<InSmoothingStdDev, InGaussianCoverage>(1.0f, GaussianCoverage::createNode(4.0)),
+        Results<OutGxGxImg, OutGyGyImg, OutGxGyImg>());
 }
 
 /// All classes of which a rule looks at more than one image.
 std::vector<ImagesOfClass> allClasses()
 {
-    const auto nothing = [](auto&) {};
-    const auto outImg = [](const auto& made) { return made.template getStorage<OutImg>(); };
-    const auto outBinImg = [](const auto& made) { return made.template getStorage<OutBinImg>(); };
     const ImagePtr voters = createImage(eIBT_UInt32, g_planes);
     const ImagePtr votes = fd::houghLines2dImg(voters), votesOfLines = fd::multiSlice_houghLines2d(voters).second;
+    const TypesAndSizes twoOfReals(2, {eIBT_Real32, g_planes}), twoOfBytes(2, {eIBT_UInt8, g_plane});
     return {
-        imagesOf<fd::MaxL2Norm2MsrLvl1, InImg1, InImg2>({{eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}}, {}, nothing,
-                                                        [](const auto& made) { return made.template getStorage<OutMax>(); }),
+        imagesOf<fd::MaxL2Norm2MsrLvl1, InImg1, InImg2>(twoOfReals, {}, with<>(), Results<OutMax>()),
         canny(eIBT_UInt8, ePOP_Labels),
         canny(eIBT_UInt8, ePOP_Iterative),
         canny(eIBT_Real32, ePOP_Iterative),
         harris(eIBT_Real32),
         harris(eIBT_Int32),
+        tensor(),
         imagesOf<fd::HarrisCorner2dLvl1, InImg, OutWk1Img, OutWk2Img, OutWk3Img>(
-            {{eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}},
-            {{"InImg", "OutWk3Img"}},
-            [](auto& made) {
-                made.template set<InLocalExtremaConfig>(createLocalExtremaConfig());
-                made.template set<InFeaturesDistX>(2);
-                made.template set<InFeaturesDistY>(1);
-            },
-            [](const auto& made) { return made.template getStorage<OutPIPixels2d>(); }),
+            TypesAndSizes(4, {eIBT_Real32, g_planes}), {{"InImg", "OutWk3Img"}},
+            with<InLocalExtremaConfig, InFeaturesDistX, InFeaturesDistY>(createLocalExtremaConfig(), 2, 1),
+            Results<OutPIPixels2d>()),
         imagesOf<fd::HoughLines2dImgLvl1, InGreyImg2d, OutImg>(
-            {{eIBT_UInt32, g_planes}, {eIBT_UInt32, votes->getGeometry().getSizes()}}, {}, nothing, outImg),
-        imagesOf<fd::HoughLines2dLvl1, InGreyImg2d, OutOptImg>(
-            {{eIBT_UInt32, g_planes}, {eIBT_UInt32, votesOfLines->getGeometry().getSizes()}}, {}, nothing,
-            [](const auto& made) {
-                return std::make_pair(made.template getStorage<OutPIHoughLines2dPpties>(),
-                                      made.template getStorage<OutOptImg>());
-            }),
+            {{eIBT_UInt32, g_planes}, {eIBT_UInt32, votes->getGeometry().getSizes()}}, {}, with<>(), Results<OutImg>()),
+        imagesOf<fd::HoughLines2dLvl1, InGreyImg2d, OutOptImg>({{eIBT_UInt32, g_planes},
+                                                                {eIBT_UInt32, votesOfLines->getGeometry().getSizes()}},
+                                                               {}, with<>(), Results<OutPIHoughLines2dPpties, OutOptImg>()),
         imagesOf<filter::GaussianGradient2dImgLvl1, InImg, OutOptGradXImg, OutOptGradYImg>(
             {{eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Int16, g_planes}}, {},
-            [](auto& made) {
-                made.template set<InStdDevX>(1.0f);
-                made.template set<InStdDevY>(0.7f);
-            },
-            [](const auto& made) {
-                return std::make_pair(made.template getStorage<OutOptGradXImg>(),
-                                      made.template getStorage<OutOptGradYImg>());
-            }),
-        imagesOf<filter::StructureTensor2dImgLvl2, InSubGxImg2d, InSubGyImg2d, OutGxGxImg, OutGyGyImg, OutGxGyImg>(
-            {{eIBT_Int16, g_plane},
-             {eIBT_Int16, g_plane},
-             {eIBT_Int16, g_plane},
-             {eIBT_UInt16, g_plane},
-             {eIBT_Int16, g_plane}},
-            {{"InSubGxImg2d", "OutGxGxImg"},
-             {"InSubGxImg2d", "OutGyGyImg"},
-             {"InSubGxImg2d", "OutGxGyImg"},
-             {"InSubGyImg2d", "OutGxGxImg"},
-             {"InSubGyImg2d", "OutGyGyImg"},
-             {"InSubGyImg2d", "OutGxGyImg"}},
-            [](auto& made) {
-                made.template set<InSmoothingStdDev>(1.0f);
-                made.template set<InGaussianCoverage>(GaussianCoverage::createNode(4.0));
-            },
-            [](const auto& made) {
-                return std::make_pair(std::make_pair(made.template getStorage<OutGxGxImg>(),
-                                                     made.template getStorage<OutGyGyImg>()),
-                                      made.template getStorage<OutGxGyImg>());
-            }),
+            with<InStdDevX, InStdDevY>(1.0f, 0.7f), Results<OutOptGradXImg, OutOptGradYImg>()),
         imagesOf<util::BasicThresholdImgLvl1, InImg, OutBinImg>(
             {{eIBT_UInt8, g_planes}, {eIBT_Binary, g_planes}}, {{"InImg", "OutBinImg"}},
-            [](auto& made) {
-                made.template set<InThresholdMin>(20);
-                made.template set<InThresholdMax>(120);
-            },
-            outBinImg),
+            with<InThresholdMin, InThresholdMax>(20, 120), Results<OutBinImg>()),
         imagesOf<advmorpho::ConnectedComponent2dImgLvl1, InBinLabImg, OutLabelImg>(
-            {{eIBT_Binary, g_planes}, {eIBT_Label8, g_planes}}, {{"InBinLabImg", "OutLabelImg"}}, nothing,
-            [](const auto& made) { return made.template getStorage<OutLabelImg>(); }),
+            {{eIBT_Binary, g_planes}, {eIBT_Label8, g_planes}}, {{"InBinLabImg", "OutLabelImg"}}, with<>(),
+            Results<OutLabelImg>()),
         imagesOf<advmorpho::IterativeExtremumPropagation2dImgLvl2, InSubImg2d, OutImg>(
-            {{eIBT_UInt8, g_plane}, {eIBT_UInt8, g_plane}}, {{"InSubImg2d", "OutImg"}},
-            [](auto& made) {
-                made.template set<InNeighborhood2d>(eN2D_Eight);
-                made.template set<InLocalExtremumType>(eLET_Maxima);
-            },
-            outImg),
+            twoOfBytes, {{"InSubImg2d", "OutImg"}}, with<InNeighborhood2d, InLocalExtremumType>(eN2D_Eight, eLET_Maxima),
+            Results<OutImg>()),
         imagesOf<advmorpho::LabelExtremumPropagation2dImgThresholdPassLvl2, InSubImg2d, OutBinImg>(
-            {{eIBT_UInt8, g_plane}, {eIBT_UInt8, g_plane}}, {{"InSubImg2d", "OutBinImg"}}, nothing, outBinImg),
+            twoOfBytes, {{"InSubImg2d", "OutBinImg"}}, with<>(), Results<OutBinImg>()),
         imagesOf<advmorpho::LabelExtremumPropagation2dImgLutBuildPassLvl2, InSubImg2d, InSubLabelImg2d, OutImg>(
             {{eIBT_UInt8, g_plane}, {eIBT_Label8, g_plane}, {eIBT_UInt8, g_plane}},
             {{"InSubImg2d", "OutImg"}, {"InSubLabelImg2d", "OutImg"}},
-            [](auto& made) {
-                made.template set<InLocalExtremumType>(eLET_Maxima);
-                made.template set<InNbLabels>(255);
-            },
-            outImg),
+            with<InLocalExtremumType, InNbLabels>(eLET_Maxima, 255), Results<OutImg>()),
     };
 }
 

@@ -23,30 +23,6 @@
 
 #include <unistd.h>
 
-namespace orvik {
-
-struct eTestMessage
-{
-    enum domain
-    {
-        eOne = 1
-    };
-};
-
-namespace details {
-template<>
-struct MsgMapRegistratorDerived<eTestMessage, void>
-{
-    static const char* managerName() { return "Test"; }
-    static void addRows(LogMessageManager& manager)
-    {
-        static int nbAdditions = 0;
-        manager.addMessage(eTestMessage::eOne, "row 1, addition " + std::to_string(++nbAdditions));
-    }
-};
-}  // namespace details
-}  // namespace orvik
-
 namespace orvik::test { namespace {
 
 namespace fd = imaproc::fd;
@@ -82,23 +58,7 @@ private:
     log4cplus::SharedAppenderPtr m_shared;
 };
 
-TEST(NumericLimits, TheLowestFloatIsNegative)
-{
-    EXPECT_EQ(-3.4028234663852886e38f, NumericLimits<float>::s_min);
-    EXPECT_EQ(1.0f / 8388608.0f, NumericLimits<float>::s_eps);
-    EXPECT_EQ(1.0 / 4503599627370496.0, NumericLimits<double>::s_eps);
-    EXPECT_EQ(std::sqrt(NumericLimits<float>::s_eps), NumericLimits<float>::s_sqrt_eps);
-    EXPECT_EQ(std::sqrt(NumericLimits<double>::s_eps), NumericLimits<double>::s_sqrt_eps);
-}
-
 // --- catalogues
-
-TEST(Messages, ARegisteredMapIsNotRegisteredAgain)
-{
-    EXPECT_TRUE(MessageMapRegistrator<eTestMessage>::process() && MessageMapRegistrator<eTestMessage>::process());
-    EXPECT_EQ("row 1, addition 1",
-              LogMessageManager::getInstance("Test").getMessage(typeid(eTestMessage::domain).name(), 1));
-}
 
 TEST(Messages, AllHaveTheirRowsWithBlanksAndSpelling)
 {
