@@ -1,7 +1,5 @@
 """What the tests of the example programs share: pictures, running a program, what a refusal looks like."""
 
-import csv
-import json
 import os
 import random
 import struct
@@ -48,14 +46,6 @@ def read_png(path):
         rows.append([tuple(line[i:i + 3]) for i in range(0, len(line), 3)] if colour else list(line))
         above = line
     return rows
-
-
-def read_csv(path, names):
-    """Rows of numbers below the names of the columns."""
-    with open(path, newline="") as file:
-        rows = list(csv.reader(file))
-    assert rows[0] == names, rows[0]
-    return [tuple(float(number) for number in row) for row in rows[1:]]
 
 
 def textured(width, height):
@@ -125,45 +115,3 @@ class ProgramTestCase(unittest.TestCase):
     def bytes_of(self, *names):
         with open(self.path(*names), "rb") as file:
             return file.read()
-
-
-class ListingProgram:
-    """What the programs that list what they find do in the same way; `what` is in the names of their files."""
-
-    what = None
-    columns = None
-
-    def list_of(self, *options, folder="."):
-        self.succeed("discs.v1.png", "-o", folder, *options)
-        return read_csv(self.path(folder, "discs.v1-%s.csv" % self.what), self.columns)
-
-    def marks(self, x, y, listed):
-        """Whether the overlay marks a pixel; None where it may."""
-        raise NotImplementedError
-
-    def test_files(self):
-        listed = self.list_of("--max", "20")
-        self.assertEqual([row[2] for row in listed], sorted((row[2] for row in listed), reverse=True))
-        report = self.succeed("discs.v1.png", "--max", "20", "--format", "json")
-        self.assertIn("%-11s %d listed, at most 20\n" % (self.what, len(listed)), report)
-        self.assertRegex(report, r"time +read [\d.]+ ms, (\w+ [\d.]+ ms, )*%s [\d.]+ ms, write [\d.]+ ms" % self.what)
-        with open(self.path("discs.v1-%s.json" % self.what)) as file:
-            self.assertEqual([dict(zip(self.columns, row)) for row in listed], json.load(file))
-        for y, (row, given) in enumerate(zip(read_png(self.path("discs.v1-%s-overlay.png" % self.what)), self.picture)):
-            for x, (shown, grey) in enumerate(zip(row, given)):
-                marked = self.marks(x, y, listed)
-                self.assertIn(shown, [(255, 0, 0)] * (marked is not False) + [(grey,) * 3] * (marked is not True), (x, y))
-        self.assertEqual([], self.list_of("--max", "0"))
-
-    def test_same_list_on_every_way(self):
-        base = self.list_of("--threads", "1", "--instruction-set", "generic")
-        for way in (("--threads", "3"), ("--instruction-set", "sse2"), ()):
-            self.assertEqual(base, self.list_of(*way, folder="other"), way)
-
-    def test_failures_leave_nothing(self):
-        self.refuse_taken_names("discs.v1-%s.csv" % self.what, "discs.v1-%s-overlay.png" % self.what)
-        self.refuse(1, ["'missing.png'"], "missing.png", "-o", "new")
-        self.refuse(2, ["--format", "xml"], "discs.v1.png", "--format", "xml")
-        for value in ("-1", "1.5", "x", "99999999999999999999"):
-            for option in ("--max", "--distance"):
-                self.refuse(2, [option, value], "discs.v1.png", option, value)

@@ -1,0 +1,157 @@
+#!/usr/bin/env python3
+"""Runs the programs that list what they find as a user does: ListingProgramsTest.py PATHS_OF EXTREMA CORNERS LINES."""
+
+import csv
+import json
+import math
+import os
+import sys
+import unittest
+
+from programs import ProgramTestCase, read_png, write_png
+
+
+def read_csv(path, names):
+    """Rows of numbers below the names of the columns."""
+    with open(path, newline="") as file:
+        rows = list(csv.reader(file))
+    assert rows[0] == names, rows[0]
+    return [tuple(float(number) for number in row) for row in rows[1:]]
+
+
+class ListingProgram:
+    """What the programs that list what they find do in the same way; `what` is in the names of their files."""
+
+    what = None
+    columns = None
+
+    def list_of(self, *options, folder="."):
+        self.succeed("discs.v1.png", "-o", folder, *options)
+        return read_csv(self.path(folder, "discs.v1-%s.csv" % self.what), self.columns)
+
+    def marks(self, x, y, listed):
+        """Whether the overlay marks a pixel; None where it may."""
+        raise NotImplementedError
+
+    def test_files(self):
+        listed = self.list_of("--max", "20")
+        self.assertEqual([row[2] for row in listed], sorted((row[2] for row in listed), reverse=True))
+        report = self.succeed("discs.v1.png", "--max", "20", "--format", "json")
+        self.assertIn("%-11s %d listed, at most 20\n" % (self.what, len(listed)), report)
+        self.assertRegex(report, r"time +read [\d.]+ ms, (\w+ [\d.]+ ms, )*%s [\d.]+ ms, write [\d.]+ ms" % self.what)
+        with open(self.path("discs.v1-%s.json" % self.what)) as file:
+            self.assertEqual([dict(zip(self.columns, row)) for row in listed], json.load(file))
+        for y, (row, given) in enumerate(zip(read_png(self.path("discs.v1-%s-overlay.png" % self.what)), self.picture)):
+            for x, (shown, grey) in enumerate(zip(row, given)):
+                marked = self.marks(x, y, listed)
+                self.assertIn(shown, [(255, 0, 0)] * (marked is not False) + [(grey,) * 3] * (marked is not True), (x, y))
+        self.assertEqual([], self.list_of("--max", "0"))
+
+    def test_same_list_on_every_way(self):
+        base = self.list_of("--threads", "1", "--instruction-set", "generic")
+        for way in (("--threads", "3"), ("--instruction-set", "sse2"), ()):
+            self.assertEqual(base, self.list_of(*way, folder="other"), way)
+
+    def test_failures_leave_nothing(self):
+        self.refuse_taken_names("discs.v1-%s.csv" % self.what, "discs.v1-%s-overlay.png" % self.what)
+        self.refuse(1, ["'missing.png'"], "missing.png", "-o", "new")
+        self.refuse(2, ["--format", "xml"], "discs.v1.png", "--format", "xml")
+        for value in ("-1", "1.5", "x", "99999999999999999999"):
+            for option in ("--max", "--distance"):
+                self.refuse(2, [option, value], "discs.v1.png", option, value)
+
+
+class PointProgram(ListingProgram):
+    columns = ["x", "y", "value"]
+
+    def marks(self, x, y, listed):
+        return any((x == cx and abs(y - cy) <= 3) or (y == cy and abs(x - cx) <= 3) for cx, cy, _ in listed)
+
+
+class ExtremaProgramTest(PointProgram, ProgramTestCase):
+    what = "extrema"
+
+    def test_lists_what_was_asked_for(self):
+        write_png(self.path("discs.v1.png"), [[10, 10, 10, 10, 10, 10], [10, 90, 10, 10, 70, 70], [10, 10, 10, 5, 10, 10]])
+        self.assertEqual([(1, 1, 90), (4, 1, 70)], self.list_of("--distance", "1", "--threshold", "50"))
+        self.assertEqual([(1, 1, 90)], self.list_of("--distance", "4"))
+        self.assertEqual([(1, 1, 90)], self.list_of("--distance", "1", "--kind", "strict-maxima"))
+        self.assertEqual([(3, 2, 5)], self.list_of("--distance", "2", "--kind", "minima", "--threshold", "8"))
+
+
+class CornersProgramTest(PointProgram, ProgramTestCase):
+    what = "corners"
+
+    def test_lists_the_corners_of_a_square(self):
+        write_png(self.path("discs.v1.png"), [[200 if 20 <= x < 60 and 20 <= y < 60 else 10 for x in range(80)]
+                                              for y in range(80)])
+        for measure in ("harris", "eigenvalue"):
+            corners = self.list_of("--measure", measure, "--max", "4")
+            # Smoothing draws the maximum inwards, by the same on all sides.
+            found = sorted((x, y) for x, y, _ in corners)
+            near = found[0][0]
+            self.assertEqual([(near, near), (near, 79 - near), (79 - near, near), (79 - near, 79 - near)], found)
+            self.assertLess(abs(near - 19.5), 2)
+        strongest = self.list_of("--max", "1")[0][2]
+        self.assertEqual([], self.list_of("--threshold", str(1.01 * strongest)))
+        self.assertLess(self.list_of("--max", "1", "--k", "0.1")[0][2], strongest)
+        self.assertLess(self.list_of("--max", "1", "--sigma", "3")[0][2], strongest)
+
+
+class LinesProgramTest(ListingProgram, ProgramTestCase):
+    what = "lines"
+    columns = ["rho", "theta", "votes"]
+    # A bright parallelogram: two horizontal sides and two slanted ones.
+    picture = [[200 if 30 <= y < 90 and 20 <= x - y / 2 < 100 else 10 for x in range(170)] for y in range(120)]
+    sides = [(29.5, math.pi / 2), (89.5, math.pi / 2)]
+    sides += [(offset * math.cos(math.atan(0.5)), math.pi - math.atan(0.5)) for offset in (-20, -100)]
+
+    def marks(self, x, y, listed):
+        distance = min(abs(x * math.cos(theta) + y * math.sin(theta) - rho) for rho, theta, _ in listed)
+        return distance < 0.35 or (None if distance <= 0.5 + 1e-6 else False)
+
+    def assert_sides(self, lines, *options):
+        self.assertEqual(len(self.sides), len(lines), (options, lines))
+        for rho, theta in self.sides:
+            self.assertTrue(any(abs(line[0] - rho) < 1.5 and abs(line[1] - theta) < math.radians(1) for line in lines),
+                            (rho, theta, options, lines))
+
+    def test_lists_the_sides_of_a_parallelogram(self):
+        lines = self.list_of()
+        self.assert_sides(lines)
+        self.assertIn("lines       4 listed, at most 50\n", self.succeed("discs.v1.png"))
+        self.assertEqual(lines[:2], self.list_of("--max", "2"))
+        self.assertEqual([line for line in lines if line[2] >= 0.9 * lines[0][2]], self.list_of("--threshold", "0.9"))
+        # Finer bins share out the votes, and a line takes up more of them.
+        fine = ("--angles", "360", "--rho-step", "0.5", "--distance", "20", "--threshold", "0.3")
+        self.assert_sides(self.list_of(*fine), *fine)
+        # Bins are counted from the centre.
+        for rho, theta, _ in self.list_of("--rho-step", "7"):
+            bins = (rho - 85 * math.cos(theta) - 60 * math.sin(theta)) / 7
+            self.assertAlmostEqual(round(bins), bins)
+
+    def test_lists_the_strongest_line_at_any_distance(self):
+        strongest = self.list_of("--max", "1")
+        self.assertEqual(strongest, self.list_of("--distance", "179"))
+        self.assertEqual(strongest, self.list_of("--angles", "12", "--distance", "11", "--max", "1"))
+        self.assertEqual({0}, {theta for _, theta, _ in self.list_of("--angles", "1", "--distance", "0")})
+        # As far as half a turn away a line would meet itself.
+        for options in (("--distance", "180"), ("--angles", "10"), ("--angles", "1", "--distance", "1")):
+            self.refuse(2, ["--distance", "--angles", options[1]], "discs.v1.png", *options)
+
+    def test_lists_nothing_where_nothing_is(self):
+        write_png(self.path("discs.v1.png"), [[200] * 40] * 30)
+        self.assertEqual([], self.list_of("--threshold", "0"))
+
+    def test_wrong_command_lines(self):
+        for option, value in (("--threshold", "2"), ("--threshold", "nan"), ("--angles", "0"), ("--angles", "1.5"), ("--rho-step", "0")):
+            self.refuse(2, [option, value], "discs.v1.png", option, value)
+        self.refuse(2, ["--low", "--high"], "discs.v1.png", "--low", "9", "--high", "3")
+        many = ("--rho-step", "0.01", "--angles", "36000", "--distance", "10000")  # 5 GB of votes
+        self.refuse(2, many, "discs.v1.png", *many)
+
+
+if __name__ == "__main__":
+    ExtremaProgramTest.program, CornersProgramTest.program, LinesProgramTest.program = map(os.path.abspath, sys.argv[1:4])
+    del sys.argv[1:4]
+    unittest.main()
