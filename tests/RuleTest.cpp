@@ -192,6 +192,17 @@ TEST(Rules, OnMemorySayWhatSharesItAndNotWhereItLies)
     EXPECT_TRUE(rule->testRule());
     b->init(viewOf(0, 1, -1));
     EXPECT_FALSE(rule->testRule());
+    // Lines of images that the frame made are written with their slack, as whole blocks.
+    const ImagePtr made = blank(4, 3), beside = blank(70, 3);
+    for (const ImagePtr& each : {made, beside}) {
+        a->init(each);
+        const auto within = [&](unsigned long column) {
+            return image::wrapBuffer(static_cast<unsigned char*>(each->accessLine(0)) + column, image::eIBT_UInt8, {4, 3},
+                                     image::ImageStrides(each->getStrides().y), each);
+        };
+        b->init(within(each->getSizeX() + 8));
+        EXPECT_FALSE(rule->testRule());
+    }
 }
 
 }  // namespace

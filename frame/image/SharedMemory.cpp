@@ -41,9 +41,16 @@ bool linesMeet(const SharedAxis* axis, const SharedAxis* end, long distance, lon
     return false;
 }
 
+long bytesOf(const BaseImage& image, unsigned long nbSamples)
+{
+    return static_cast<long>(nbSamples * getImageBufferBaseSize(image.getBufferType()));
+}
+
+/// Bytes of a line as far as kernels write it: whole blocks where the image has slack.
 long lineBytesOf(const BaseImage& image)
 {
-    return static_cast<long>(image.getSizeX() * getImageBufferBaseSize(image.getBufferType()));
+    const unsigned long block = 64, sizeX = image.getSizeX();
+    return bytesOf(image, image.hasSlack() ? (sizeX + block - 1) / block * block : sizeX);
 }
 
 }  // namespace
@@ -98,7 +105,7 @@ bool isSame(const BaseImage& a, const BaseImage& b)
 {
     const ImageSizes& sizes = a.getGeometry().getSizes();
     const ImageStrides &strideA = a.getStrides(), &strideB = b.getStrides();
-    return a.getLine(0) == b.getLine(0) && sizes == b.getGeometry().getSizes() && lineBytesOf(a) == lineBytesOf(b)
+    return a.getLine(0) == b.getLine(0) && sizes == b.getGeometry().getSizes() && bytesOf(a, 1) == bytesOf(b, 1)
            && (sizes.y == 1 || strideA.y == strideB.y) && (sizes.z == 1 || strideA.z == strideB.z)
            && (sizes.c == 1 || strideA.c == strideB.c) && (sizes.t == 1 || strideA.t == strideB.t);
 }

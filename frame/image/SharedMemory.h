@@ -4,14 +4,15 @@ namespace orvik { namespace image {
 
 class BaseImage;
 
-/// The bytes from the first sample of an image in memory to the end of the last one, whatever lies between them.
+/// The bytes from the first sample of an image in memory to the end of the last one, and of its slack, whatever lies between
+/// them.
 struct MemoryExtent
 {
     const char *first, *end;
 };
 MemoryExtent extentOf(const BaseImage& image);
 
-/// Whether two images hold some of the same bytes. Images whose lines are woven into one another are told apart where
+/// Whether two images hold some of the same bytes, or one of them has its slack there, which is written with it. Images whose lines are woven into one another are told apart where
 /// their strides are equal, and taken for sharing where not.
 bool shareMemory(const BaseImage& a, const BaseImage& b);
 
