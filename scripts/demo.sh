@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds the library and finds edges, corners, maxima and lines of some photographs; the results are in out/.
+# Builds the library and finds edges, corners, maxima, lines and circles of some photographs; the results are in out/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
 
-photographs=(coins.png camera.png astronaut.png chelsea.png page.png retina.jpg)
+photographs=(coins.png moon.png camera.png astronaut.png chelsea.png page.png retina.jpg)
 folder=build/pictures
 
 # The photographs come in the data folder of a Debian package; nothing of it is installed.
@@ -47,7 +47,7 @@ getPhotographs()
 
 installMissing "${orvikPackages[@]}"
 cmake --preset release
-cmake --build build/release --target edges corners extrema lines
+cmake --build build/release --target edges corners extrema lines circles
 havePhotographs || getPhotographs
 
 for photograph in "${photographs[@]}"; do
@@ -60,6 +60,10 @@ echo
 build/release/bin/extrema "$folder/coins.png" --distance 15 --threshold 150 -o out
 echo
 build/release/bin/lines "$folder/camera.png" --sigma 1.5 --low 15 --high 30 --threshold 0.4 -o out
+echo
+build/release/bin/circles "$folder/coins.png" --min-radius 12 --max-radius 35 --kind bright --ratio 0.25 -o out
+echo
+build/release/bin/circles "$folder/moon.png" --min-radius 4 --max-radius 30 -o out
 echo
 echo "Results in $PWD/out:"
 ls out

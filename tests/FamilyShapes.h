@@ -95,7 +95,7 @@ struct EachLeaf : BaseLeafVisitor
     const F m_f;
 };
 
-/// The leaves of a record; of a list its size and those of its records.
+/// The leaves of a record; of a list its size and those of its records, NaN for empty places.
 inline Numbers numbersOf(const BaseDataItemNode& record)
 {
     Numbers numbers;
@@ -107,7 +107,10 @@ inline Numbers numbersOf(const BaseDataItemNode& record)
     else
         numbers.push_back(static_cast<double>(list->size()));
     for (std::size_t i = 0; list && i < list->size(); ++i)
-        const_cast<BaseDataItemNode&>(list->getNode(i)).visitLeaves(leaves);
+        if (list->hasNode(i))
+            const_cast<BaseDataItemNode&>(list->getNode(i)).visitLeaves(leaves);
+        else
+            numbers.push_back(kNan);
     return numbers;
 }
 
@@ -213,7 +216,7 @@ void expectLastIteration(unsigned int last, X& repeated)
     EXPECT_EQ("Invalid iteration number (cannot be greater than " + std::to_string(last) + ")", beyond.getMessage());
 }
 
-/// An attribute that is an image, and what it holds.
+/// An attribute that is an image, and what it holds: nothing, where the type is 0.
 struct ImageRole
 {
     std::string name;
@@ -265,7 +268,7 @@ inline void expectPair(const ImagesOfClass& row, std::size_t first, std::size_t 
     std::vector<unsigned char> memory(2 * (bytesOf(a) + bytesOf(b)), 7);
     std::vector<ImagePtr> images;
     for (const ImageRole& role : row.roles)
-        images.push_back(image::createImage(role.type, role.sizes));
+        images.push_back(role.type == 0 ? nullptr : image::createImage(role.type, role.sizes));
     for (const std::size_t place : places) {
         const ImageRole& role = row.roles[place];
         const long line = static_cast<long>(pitch), plane = line * static_cast<long>(role.sizes.y);
@@ -274,11 +277,11 @@ inline void expectPair(const ImagesOfClass& row, std::size_t first, std::size_t 
     }
     for (const bool isWritten : {true, false})  // inputs last: they hold what is read
         for (std::size_t i = 0; i < images.size(); ++i)
-            if (row.roles[i].isWritten == isWritten)
+            if (images[i] && row.roles[i].isWritten == isWritten)
                 fillRandom(*images[i], 80 + static_cast<unsigned int>(i));
     std::vector<ImagePtr> apart;
     for (const ImagePtr& image : images)
-        apart.push_back(copyOf(*image));
+        apart.push_back(image ? copyOf(*image) : nullptr);
 
     const bool isSame = distance == 0
                         && std::find(row.same.begin(), row.same.end(), std::make_pair(a.name, b.name)) != row.same.end();
@@ -304,6 +307,8 @@ inline void expectEveryPairRefusedOrServed(const ImagesOfClass& row)
     for (std::size_t j = 1; j < row.roles.size(); ++j)
         for (std::size_t i = 0; i < j; ++i) {
             const ImageRole &a = row.roles[i], &b = row.roles[j];
+            if (a.type == 0 || b.type == 0)
+                continue;
             const auto lineOf = [](const ImageRole& role) { return role.sizes.x * getImageBufferBaseSize(role.type); };
             SCOPED_TRACE(row.name + ": " + a.name + " and " + b.name);
             const unsigned long pitch = std::max(lineOf(a), lineOf(b));

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the programs that list what they find as a user does: ListingProgramsTest.py PATHS_OF EXTREMA CORNERS LINES."""
+"""Runs the programs that list what they find as a user does: ListingProgramsTest.py PATHS_OF EXTREMA CORNERS LINES CIRCLES."""
 
 import csv
 import json
@@ -24,6 +24,7 @@ class ListingProgram:
 
     what = None
     columns = None
+    number = "--distance"
 
     def list_of(self, *options, folder="."):
         self.succeed("discs.v1.png", "-o", folder, *options)
@@ -35,7 +36,7 @@ class ListingProgram:
 
     def test_files(self):
         listed = self.list_of("--max", "20")
-        self.assertEqual([row[2] for row in listed], sorted((row[2] for row in listed), reverse=True))
+        self.assertEqual([row[-1] for row in listed], sorted((row[-1] for row in listed), reverse=True))
         report = self.succeed("discs.v1.png", "--max", "20", "--format", "json")
         self.assertIn("%-11s %d listed, at most 20\n" % (self.what, len(listed)), report)
         self.assertRegex(report, r"time +read [\d.]+ ms, (\w+ [\d.]+ ms, )*%s [\d.]+ ms, write [\d.]+ ms" % self.what)
@@ -57,7 +58,7 @@ class ListingProgram:
         self.refuse(1, ["'missing.png'"], "missing.png", "-o", "new")
         self.refuse(2, ["--format", "xml"], "discs.v1.png", "--format", "xml")
         for value in ("-1", "1.5", "x", "99999999999999999999"):
-            for option in ("--max", "--distance"):
+            for option in ("--max", self.number):
                 self.refuse(2, [option, value], "discs.v1.png", option, value)
 
 
@@ -151,7 +152,47 @@ class LinesProgramTest(ListingProgram, ProgramTestCase):
         self.refuse(2, many, "discs.v1.png", *many)
 
 
+def shade(x, y):
+    """A bright disc and a dark one on grey."""
+    return 220 if math.hypot(x - 40, y - 50) < 20 else 20 if math.hypot(x - 110, y - 60) < 30 else 120
+
+
+class CirclesProgramTest(ListingProgram, ProgramTestCase):
+    what = "circles"
+    columns = ["x", "y", "radius", "value"]
+    number = "--min-radius"
+    picture = [[shade(x, y) for x in range(160)] for y in range(110)]
+
+    def marks(self, x, y, listed):
+        distance = min(abs(math.hypot(x - cx, y - cy) - radius) for cx, cy, radius, _ in listed)
+        isCross = any((x == cx and abs(y - cy) <= 2) or (y == cy and abs(x - cx) <= 2) for cx, cy, _, _ in listed)
+        return isCross or distance < 0.35 or (None if distance <= 0.8 else False)
+
+    def test_lists_the_circles_that_were_asked_for(self):
+        options = ("--min-radius", "10", "--max-radius", "40", "--ratio", "0.4")
+        bright, dark = (40, 50), (110, 60)
+        centres = lambda *more: sorted((x, y) for x, y, _, _ in self.list_of(*options, *more))
+        self.assertEqual([bright, dark], centres())
+        self.assertEqual([bright], centres("--kind", "bright"))
+        self.assertEqual([dark], centres("--kind", "dark"))
+        self.assertNotEqual(self.list_of(*options), self.list_of(*options, "--points", "40"))
+        self.assertEqual([bright, dark], centres("--method", "phase", "--angle", "0.3"))
+        for x, y, radius, value in self.list_of(*options):
+            self.assertAlmostEqual(20 if (x, y) == bright else 30, radius, delta=1.5)
+        strongest = self.list_of(*options)[0]
+        self.assertEqual([strongest], self.list_of(*options, "--threshold", str(strongest[3])))
+        self.assertIn("(40, 50), radius", self.succeed("discs.v1.png", *options))
+
+    def test_wrong_command_lines(self):
+        for option, value in (("--min-radius", "0"), ("--max-radius", "1.5"), ("--angle", "nan"), ("--ratio", "2"), ("--kind", "grey")):
+            self.refuse(2, [option, value], "discs.v1.png", option, value)
+        self.refuse(2, ["--min-radius", "60", "--max-radius", "50"], "discs.v1.png", "--min-radius", "60")
+        self.refuse(2, ["--min-radius", "56", "55"], "discs.v1.png", "--min-radius", "56", "--max-radius", "99")
+        self.refuse(2, ["--method", "55"], "discs.v1.png", "--method", "phase", "--min-radius", "55", "--max-radius", "99")
+
+
 if __name__ == "__main__":
-    ExtremaProgramTest.program, CornersProgramTest.program, LinesProgramTest.program = map(os.path.abspath, sys.argv[1:4])
-    del sys.argv[1:4]
+    ExtremaProgramTest.program, CornersProgramTest.program, LinesProgramTest.program, CirclesProgramTest.program = map(
+        os.path.abspath, sys.argv[1:5])
+    del sys.argv[1:5]
     unittest.main()

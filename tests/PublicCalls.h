@@ -5,6 +5,9 @@
 
 #include "FamilyShapes.h"
 #include "ORVIKIPLFeatureDetection.h"
+#include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl1.h"
+#include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl1.h"
+#include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
 
 #include "frame/attr/Records.h"
@@ -39,6 +42,7 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     const ImagePtr grey = planes->getView(PlanIndex(), 1);  // votes of floats depend on the order of threads
     const auto thresholds = attr::CannyThresholds::createNode(1, 2);
     const auto votes = attr::HoughLinesImgParams::createNode(1.0, 0.0, kPi, 20u, 0.5f);
+    const auto radii = attr::createHoughCirclesRadiusRange(2, 6);
     const auto extraction = ConstPtr<attr::HoughLinesExtractionParams>();
 
 #define ORVIK_CALL(space, name, ...) calls.push_back({#name, [=] { return toBeRead(space::name(__VA_ARGS__)); }})
@@ -58,6 +62,12 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     ORVIK_CALLS(harrisCorner2dImg, planes, 1.0f);
     ORVIK_PLANE_CALLS(harrisCorner2d, 1.0f, 5ul, 2u);
     ORVIK_PLANE_CALLS(extractLocalExtrema2d, 2u, 1u);
+    ORVIK_CALLS(houghCircles2dImg, plane, other, radii);
+    ORVIK_CALLS(houghCirclesPhaseCoded2dImg, plane, other, radii);
+    ORVIK_PLANE_CALLS(houghCircles2d, radii);
+    ORVIK_CALLS(houghCircles2d, plane, other, radii, attr::eHCAM_PhaseCoded, attr::eCIT_Both, 0.2, 20u, nullptr, nullptr,
+                nullptr, nullptr);
+    ORVIK_CALLS(extractHoughPeaks2d, plane, other, 1.0);
     ORVIK_CALLS(houghLines2dImg, planes, votes);
     ORVIK_PLANE_CALLS(houghLines2d, votes, extraction);
 

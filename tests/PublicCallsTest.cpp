@@ -27,6 +27,7 @@ TEST(PublicCalls, OfStacksGiveWhatEachPlaneGives)
     const auto extrema = createLocalExtremaConfig(eLET_StrictMinima, 5);
     const auto votes = HoughLinesImgParams::createNode(0.7, 0.1, 3.0, 50u, 1.0f);
     const auto lines = HoughLinesExtractionParams::createNode(eHLTT_Absolute, 20.0, 6u);
+    const auto radii = createHoughCirclesRadiusRange(3, 9);
     const auto expectPlanes = [&](const auto& ofStack, const auto& ofPlane) {
         EXPECT_TRUE(same(planeByPlane(stack, ofPlane), numbersOf(ofStack)));
     };
@@ -37,6 +38,8 @@ TEST(PublicCalls, OfStacksGiveWhatEachPlaneGives)
     expectEach([](const ImagePtr& in) { return harrisCorner2dImg(in); });
     expectEach([](const ImagePtr& in) { return houghLines2dImg(in); });
     expectEach([&](const ImagePtr& in) { return houghLines2dImg(in, votes); });
+    expectEach([&](const ImagePtr& in) { return houghCircles2dImg(in, in, radii); });
+    expectEach([&](const ImagePtr& in) { return houghCirclesPhaseCoded2dImg(in, in, radii).second; });
     expectPlanes(multiSlice_extractLocalExtrema2d(stack, 2, 3),
                  [](const ImagePtr& in) { return extractLocalExtrema2d(in, 2, 3); });
     expectPlanes(multiSlice_extractLocalExtrema2d(stack, 2, 3, extrema),

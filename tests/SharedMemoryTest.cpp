@@ -3,8 +3,14 @@
 #include "FamilyShapes.h"
 
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
+#include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl1.h"
+#include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl1.h"
+#include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
+#include "Processor/HoughCircles2d/HoughCircles2dLvl1.h"
+#include "Processor/HoughCircles2dImg/HoughCircles2dImgLvl1.h"
+#include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
@@ -86,11 +92,28 @@ ImagesOfClass tensor()
         Results<OutGxGxImg, OutGyGyImg, OutGxGyImg>());
 }
 
+/// From a grey image, or from its gradient.
+ImagesOfClass circles(bool isGrey)
+{
+    const eImageBufferType none = static_cast<eImageBufferType>(0), real = eIBT_Real32;
+    const std::pair<eImageBufferType, ImageSizes> grey = {isGrey ? eIBT_UInt8 : none, g_planes};
+    const std::pair<eImageBufferType, ImageSizes> gradient = {isGrey ? none : real, g_planes};
+    const std::pair<eImageBufferType, ImageSizes> made = {isGrey ? real : none, g_planes};
+    return imagesOf<fd::HoughCircles2dLvl1, InOptGreyImg2d, InOptGxGreyImg2d, InOptGyGreyImg2d, OutOptRealImg1,
+                    OutOptRealImg2, OutOptGxGreyImg2d, OutOptGyGreyImg2d>(
+        {grey, gradient, gradient, {real, g_planes}, {real, g_planes}, made, made}, {},
+        with<InOptHoughCircles2dAlgoMethod>(eHCAM_PhaseCoded), Results<OutPIHoughCircles2dPpties>());
+}
+
 /// All classes of which a rule looks at more than one image.
 std::vector<ImagesOfClass> allClasses()
 {
     const ImagePtr voters = createImage(eIBT_UInt32, g_planes);
     const ImagePtr votes = fd::houghLines2dImg(voters), votesOfLines = fd::multiSlice_houghLines2d(voters).second;
+    const auto centers = Pixels2d::createNode();
+    centers->access<Pixels2d::Coll>().push_back(Pixel2d::createNode(7, 9, 1));
+    const auto radii = createHoughCirclesRadiusRange(2, 6);
+    const TypesAndSizes twoPlanes(2, {eIBT_Real32, g_plane});
     const TypesAndSizes twoOfReals(2, {eIBT_Real32, g_planes}), twoOfBytes(2, {eIBT_UInt8, g_plane});
     return {
         imagesOf<fd::MaxL2Norm2MsrLvl1, InImg1, InImg2>(twoOfReals, {}, with<>(), Results<OutMax>()),
@@ -104,6 +127,22 @@ std::vector<ImagesOfClass> allClasses()
             TypesAndSizes(4, {eIBT_Real32, g_planes}), {{"InImg", "OutWk3Img"}},
             with<InLocalExtremaConfig, InFeaturesDistX, InFeaturesDistY>(createLocalExtremaConfig(), 2, 1),
             Results<OutPIPixels2d>()),
+        circles(true),
+        circles(false),
+        imagesOf<fd::HoughCircles2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d, OutRealImg>(
+            {{eIBT_Int16, g_planes}, {eIBT_Int16, g_planes}, {eIBT_Real32, g_planes}}, {}, with<>(), Results<OutRealImg>()),
+        imagesOf<fd::HoughCirclesPhaseCoded2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d, OutComplexRealImg, OutComplexImImg>(
+            TypesAndSizes(4, {eIBT_Real32, g_planes}), {}, with<>(), Results<OutComplexRealImg, OutComplexImImg>()),
+        imagesOf<fd::ExtractHoughPeaks2dLvl1, InGxGreyImg2d, InGyGreyImg2d>(TypesAndSizes(2, {eIBT_Int16, g_planes}), {},
+                                                                            with<>(), Results<OutPIPixels2d>()),
+        imagesOf<fd::ExtractRadiusFromHoughImgLvl1, InSingleGreyComplexRealImg2d, InSingleGreyComplexImImg2d>(
+            twoPlanes, {}, with<InHoughCircles2dCenters, InHoughCirclesRadiusRange>(centers, radii),
+            Results<OutHoughCircles2dPpties>()),
+        imagesOf<fd::ComputeBestCirclesRadiiFromGradMagImg2dLvl1, InGxSingleGreyImg2d, InGySingleGreyImg2d>(
+            twoPlanes, {},
+            with<InHoughCircles2dCenters, InHoughCirclesRadiusRange, InMaxAngleWithGradDir, InNbMaxPtsPerCircle,
+                 OutHoughCircles2dPpties>(centers, radii, 0.2, 99u, HoughCircles2dPpties::createNode()),
+            Results<OutHoughCircles2dPpties>()),
         imagesOf<fd::HoughLines2dImgLvl1, InGreyImg2d, OutImg>(
             {{eIBT_UInt32, g_planes}, {eIBT_UInt32, votes->getGeometry().getSizes()}}, {}, with<>(), Results<OutImg>()),
         imagesOf<fd::HoughLines2dLvl1, InGreyImg2d, OutOptImg>({{eIBT_UInt32, g_planes},

@@ -51,6 +51,21 @@ enum eHoughLinesThresholdType : int
     eHLTT_Quantile = 2   ///< share of the bins, 0 to 1, that have at most as many votes
 };
 
+/// Which gradient counts on a circle or sphere. Other values read as outward.
+enum eCircleIntensityType : int
+{
+    eCIT_Outward = 0,  ///< pointing from the centre to the rim: dark objects
+    eCIT_Inward = 1,   ///< pointing from the rim to the centre: bright objects
+    eCIT_Both = 2      ///< either
+};
+
+/// How radii of circles are found. Other values read as standard.
+enum eHoughCircles2dAlgoMethod : int
+{
+    eHCAM_Standard = 0,   ///< one accumulator of all radii, then each whole radius is tried about each centre
+    eHCAM_PhaseCoded = 1  ///< an accumulator of complex numbers whose angle tells the radius
+};
+
 /// What is measured at a corner. Other values read as the minimum eigenvalue.
 enum eCornerResponseType : int
 {

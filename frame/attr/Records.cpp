@@ -53,4 +53,19 @@ boost::shared_ptr<HoughLinesExtractionParams> createHoughLinesExtractionParams()
     return HoughLinesExtractionParams::createNode(eHLTT_Ratio, 0.5, 10u);
 }
 
+boost::shared_ptr<HoughCirclesRadiusRange> createHoughCirclesRadiusRange(long min, long max)
+{
+    return HoughCirclesRadiusRange::createNode(min, max);
+}
+
+boost::shared_ptr<AccumIntensityThreshold> createAccumIntensityThreshold()
+{
+    return AccumIntensityThreshold::createNode(0.0, 0.5);
+}
+
+boost::shared_ptr<RemoveTooCloseCirclesParams> createRemoveTooCloseCirclesParams()
+{
+    return RemoveTooCloseCirclesParams::createNode(true, 1.0);
+}
+
 }}}  // namespace orvik::imaproc::attr

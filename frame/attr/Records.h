@@ -64,4 +64,38 @@ ORVIK_RECORD(HoughLine2dPpties, (double, Rho)(double, Theta)(double, Accumulator
 ORVIK_RECORD_COLL(HoughLines2dPpties, HoughLine2dPpties);
 ORVIK_PLAN_INDEXED(PlanIndexedHoughLines2dPpties, HoughLines2dPpties);
 
+/// Radii of circles or spheres, in whole pixels, both ends included. From 1 on: the only pixel of radius 0 has no direction.
+ORVIK_RECORD(HoughCirclesRadiusRange, (long, MinRadius)(long, MaxRadius));
+ORVIK_API boost::shared_ptr<HoughCirclesRadiusRange> createHoughCirclesRadiusRange(long min, long max);
+
+/// A place on the rings about a centre: its offset from the centre in pixels, its direction, its exact radius, and how many
+/// places its ring, that of the same whole radius, counts for.
+ORVIK_RECORD(HoughCirclesKernelXYElt, (long, OffsetX)(long, OffsetY)(float, UnitX)(float, UnitY)(float, Radius)
+                                      (unsigned long, NbPts));
+ORVIK_RECORD_COLL(HoughCirclesKernelXY, HoughCirclesKernelXYElt);
+
+/// The same for complex accumulators: a number whose angle rises with the radius, from 0 to a whole turn over the range, and
+/// whose modulus is one over the places that the ring counts for.
+ORVIK_RECORD(HoughCirclesPhaseCodedKernelXYElt, (long, OffsetX)(long, OffsetY)(float, UnitX)(float, UnitY)(float, Radius)
+                                                (float, PhaseRe)(float, PhaseIm));
+ORVIK_RECORD_COLL(HoughCirclesPhaseCodedKernelXY, HoughCirclesPhaseCodedKernelXYElt);
+
+/// A circle of a plane: centre and radius in pixels, from the centre of the first pixel; `Value` is that of the accumulator
+/// at the centre.
+ORVIK_RECORD(HoughCircle2dPpties, (double, X)(double, Y)(double, Radius)(double, Value));
+ORVIK_RECORD_COLL(HoughCircles2dPpties, HoughCircle2dPpties);
+ORVIK_PLAN_INDEXED(PlanIndexedHoughCircles2dPpties, HoughCircles2dPpties);
+
+/// Which peaks of an accumulator count: those from `AbsoluteThreshold` on, and from that share of the greatest value on.
+ORVIK_RECORD(AccumIntensityThreshold, (double, AbsoluteThreshold)(double, RatioOfMax));
+/// From half of the greatest value on.
+ORVIK_API boost::shared_ptr<AccumIntensityThreshold> createAccumIntensityThreshold();
+
+/// Whether features that are too close to a stronger one are left out. Two circles are too close when their centres are
+/// nearer than the larger radius plus (DistanceFactor - 1) times the smaller one: with 1 a centre lies within the larger
+/// circle, with 2 the discs overlap.
+ORVIK_RECORD(RemoveTooCloseCirclesParams, (bool, Enabled)(double, DistanceFactor));
+/// Enabled, factor 1.
+ORVIK_API boost::shared_ptr<RemoveTooCloseCirclesParams> createRemoveTooCloseCirclesParams();
+
 }}}  // namespace orvik::imaproc::attr

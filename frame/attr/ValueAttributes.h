@@ -4,6 +4,7 @@
 #include "frame/attr/Records.h"
 #include "frame/imaproc/ImageAttributes.h"
 #include "frame/processor/BaseAttribute.h"
+#include "frame/util/NumericLimits.h"
 
 namespace orvik { namespace imaproc { namespace attr {
 

@@ -47,6 +47,8 @@ struct StripMargins
     /// Lines before and after those of the image in each element.
     unsigned long getRowStart(eStripAxis axis) const { return axis == eSA_Y ? 0 : startY; }
     unsigned long getRowEnd(eStripAxis axis) const { return axis == eSA_Y ? 0 : endY; }
+    /// Whether samples on all sides of a plane are these many.
+    bool areAllAround(unsigned long size) const { return startX == size && endX == size && startY == size && endY == size; }
 };
 
 /// Copies of elements of a plane or volume, for strips that read them when their image may have been overwritten.

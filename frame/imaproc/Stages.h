@@ -196,6 +196,14 @@ PlanEntries<A, Coll> entryOfEachVolume(const boost::shared_ptr<Coll>& coll, cons
     return {coll, 1, image.getSizeC(), image.getSizeT()};
 }
 
+/// The planes of an image that a collection has lists for: all of them, or the first one, where there is a single list. So
+/// functions of one plane treat the first one of an image of several.
+template<class Image>
+boost::shared_ptr<Image> planesOf(const BasePlanIndexedColl& coll, const boost::shared_ptr<Image>& image)
+{
+    return image && coll.getNbPlans() == 1 ? image->getView(PlanIndex(), 1) : image;
+}
+
 template<class A, class Key>
 struct ResultsOf
 {
@@ -225,6 +233,52 @@ template<class A, class Key>
 ResultsOf<A, Key> resultOfEach(const boost::shared_ptr<std::map<Key, boost::shared_ptr<typename A::Entry>>>& results)
 {
     return {results};
+}
+
+template<class A, class Key>
+struct RecordsOf
+{
+    typedef typename A::Entry List;
+    boost::shared_ptr<const List> records;
+    const processor::RecordsOfStrips<List>& ofStrips;
+
+    template<class P>
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const
+    {
+        const auto split = makeTogether<processor::DynamicByRangeDataSplit<P, A, typename List::Coll, Key>>();
+        split->init(records, ofStrips.lists, ofStrips.indices);
+        splits.push_back(split);
+        return success();
+    }
+};
+
+/// For each strip those records of a list whose leaf `Key` lies in it.
+template<class A, class Key>
+RecordsOf<A, Key> recordsOfEach(const boost::shared_ptr<const typename A::Entry>& records,
+                                const processor::RecordsOfStrips<typename A::Entry>& ofStrips)
+{
+    return {records, ofStrips};
+}
+
+template<class P, class T>
+struct PassedOn
+{
+    void (P::*set)(const T&);
+    T value;
+
+    template<class Child>
+    BoolResult addSplit(std::vector<boost::shared_ptr<processor::BaseDynamicSplit>>& splits) const
+    {
+        splits.push_back(makeTogether<processor::DynamicSetterSplit<Child, T>>(set, value));
+        return success();
+    }
+};
+
+/// What is no attribute, for every child, by a function of its class.
+template<class P, class T>
+PassedOn<P, T> passedOn(void (P::*set)(const T&), const T& value)
+{
+    return {set, value};
 }
 
 template<class A>

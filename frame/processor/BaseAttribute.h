@@ -99,6 +99,8 @@ public:
     ~BaseDataItemAttribute() override;
     /// The record, or the default of an optional attribute; null when there is neither.
     virtual boost::shared_ptr<const BaseDataItemNode> accessDataItemNodePtr() const = 0;
+    /// A new empty record of the attribute's type becomes its value.
+    virtual void initEmpty() = 0;
 };
 
 class ORVIK_API BaseInputMandatoryDataItemAttribute : public BaseDataItemAttribute
@@ -132,6 +134,7 @@ public:
         m_value = value ? value : m_default;
         this->setHasValue(value != nullptr);
     }
+    void initEmpty() override { init(Entry::createNode()); }
     void assign(const StorageType& value) { init(value); }
     const StorageType& getDataItemNode() const { return m_value; }
     const StorageType& getStorage() const { return m_value; }
@@ -218,6 +221,8 @@ public:
         static constexpr const char* s_toolTip = ToolTip; \
         Name() { this->setDefault(Default); } \
     }
+/// An optional image that is only read: none while it is unset.
+#define ORVIK_OPTIONAL_IMAGE(Name, Storage, ToolTip) ORVIK_ATTRIBUTE_ROLE(Name, ORVIK_STORAGE Storage, false, true, ToolTip)
 // The storage stands in parentheses, so that commas of template arguments pass through the macros.
 #define ORVIK_STORAGE(...) __VA_ARGS__
 

@@ -46,7 +46,7 @@ typedef boost::shared_ptr<BaseOutputInitializer> InitializerPtr;
 /// By the name of the output attribute.
 typedef std::map<std::string, InitializerPtr> InitializerMap;
 
-/// Makes an empty record.
+/// Makes an empty record, or an empty collection of lists per plane.
 template<class A>
 class AllocateInitializer : public BaseOutputInitializer
 {
@@ -54,11 +54,20 @@ public:
     eOutputInitializerType getOutputInitializerType() const override { return eOIT_Allocate; }
     BoolResult initAttribute() override
     {
-        static_cast<A&>(*getOutputAttribute()).init(A::Entry::createNode());
+        static_cast<A&>(*getOutputAttribute()).initEmpty();
         return success();
     }
     std::string createInitializerFormalString() const override { return describeNewRecord(A::Entry::getRecordName()); }
     std::string createInitializerEvaluatedString() const override { return createInitializerFormalString(); }
 };
+
+/// An empty record or collection for an output.
+template<class A>
+InitializerPtr newRecord(const boost::shared_ptr<A>& out)
+{
+    const boost::shared_ptr<AllocateInitializer<A>> initializer = makeTogether<AllocateInitializer<A>>();
+    initializer->initBase(out);
+    return initializer;
+}
 
 }}  // namespace orvik::processor

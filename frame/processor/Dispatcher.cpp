@@ -171,7 +171,8 @@ unsigned long BaseDynamicProcessorDispatcher::start(unsigned int nbThreads)
     unsigned long grain = core::getStripGrain();
     if (grain == 0)
         grain = std::max({divideUp(m_nbElements, g_stripsPerThread * nbThreads), 2 * margin + 1, getMinElements(),
-                          divideUp(g_minStripSamples, samples)});
+                          divideUp(g_minStripSamples, samples),
+                          std::min(getMinMargins() * margin, divideUp(m_nbElements, nbThreads))});
     else  // else the time would grow with the square of the image where margins are as large
         grain = std::max(grain, divideUp(2 * margin, g_maxMarginLines));
     m_grain = std::min(grain, m_nbElements);

@@ -70,6 +70,7 @@ public:
 
 protected:
     virtual unsigned long getMinElements() const = 0;
+    virtual unsigned long getMinMargins() const = 0;
 
 private:
     std::vector<boost::shared_ptr<BaseDynamicSplit>> m_splits;
@@ -96,6 +97,7 @@ public:
 
 protected:
     unsigned long getMinElements() const override { return P::s_minStripLines; }
+    unsigned long getMinMargins() const override { return P::s_minStripMargins; }
 };
 
 /// The answer of a stage that has a provider, or failed to make one.

@@ -122,6 +122,9 @@ public:
 
     /// Strips of fewer lines cost more than they win; a class with an expensive first line asks for more.
     static constexpr unsigned long s_minStripLines = 1;
+    /// Strips are no thinner than that many times the margin on one side, as long as there is one for each thread; a class
+    /// whose margins cost more than lines that are read asks for more. One line more than twice it is the least.
+    static constexpr unsigned long s_minStripMargins = 2;
 
 protected:
     static constexpr unsigned int s_version = 1;

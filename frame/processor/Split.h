@@ -6,6 +6,8 @@
 
 #include <boost/function.hpp>
 
+#include <cmath>
+
 namespace orvik { namespace processor {
 
 /// Where elements lie. In one process every element lies here; the class is kept for splits that ask.
@@ -140,6 +142,29 @@ private:
     typename A::StorageType m_value;
 };
 
+/// What is no attribute, for every child: `set` is a function of class `P` that takes it.
+template<class P, class T>
+class DynamicSetterSplit : public BaseDynamicSplit
+{
+public:
+    typedef void (P::*Setter)(const T&);
+
+    DynamicSetterSplit(Setter set, const T& value) : m_set(set), m_value(value) {}
+    const std::string& getAttributeName() const override { return P::getObjectNameStr(); }
+    const std::string& getAttributeToolTip() const override { return P::getToolTipStr(); }
+    bool checkProcessorType(const BaseProcessor& child) const override { return dynamic_cast<const P*>(&child) != nullptr; }
+    eSplitDynamicType getSplitDynamicType() const override { return eSDT_NoSplit; }
+    BoolResult processAttribute(BaseProcessor& child, unsigned long, unsigned long, const core::BaseRequestOrigin&) override
+    {
+        (static_cast<P&>(child).*m_set)(m_value);
+        return success();
+    }
+
+private:
+    Setter m_set;
+    T m_value;
+};
+
 /// The location of a result that is made once per element.
 inline ElementsLocationInfo unsplitLocation()
 {
@@ -250,8 +275,8 @@ public:
         std::vector<unsigned long> indices;
         const auto& nodes = m_source->template get<Coll>().getNodes();
         for (unsigned long i = 0; i < nodes.size(); ++i) {
-            // Truncation of key + 0.5: the row that owns the feature.
-            const double row = static_cast<double>(static_cast<long>(nodes[i]->template get<Key>() + 0.5));
+            // Truncation of key + 0.5: the row that owns the feature. A key that is none lies in no range.
+            const double row = std::trunc(nodes[i]->template get<Key>() + 0.5);
             if (static_cast<double>(start) <= row && row < static_cast<double>(start + count)) {
                 list->template access<Coll>().push_back(nodes[i]);
                 indices.push_back(i);

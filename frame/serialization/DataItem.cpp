@@ -69,4 +69,10 @@ void BaseDataItemNodeColl::throwWrongNode(const char* listName)
                      std::string("A list of ") + listName + " was given a null record or one of another type");
 }
 
+void BaseDataItemNodeColl::throwEmptyPlace(const char* listName, std::size_t i)
+{
+    ORVIK_THROW_TEXT(ORVIKUtilException, g_utilLogSource,
+                     "Place " + std::to_string(i) + " of a list of " + listName + " is empty");
+}
+
 }  // namespace orvik

@@ -153,12 +153,18 @@ public:
     virtual void clear() = 0;
     /// @throws ORVIKUtilException for a null node or one of another type than the list's.
     virtual void push_back(const boost::shared_ptr<BaseDataItemNode>& node) = 0;
+    /// Whether place `i` has a record: lists that tell what became of others have empty places.
+    virtual bool hasNode(std::size_t i) const = 0;
+    /// @throws ORVIKUtilException for an empty place.
     virtual const BaseDataItemNode& getNode(std::size_t i) const = 0;
+    /// A new record of the list's kind, which is not in it.
+    virtual boost::shared_ptr<BaseDataItemNode> createNode() const = 0;
     /// Adds a new record and gives it back.
     virtual BaseDataItemNode& appendNode() = 0;
 
 protected:
     [[noreturn]] static void throwWrongNode(const char* listName);
+    [[noreturn]] static void throwEmptyPlace(const char* listName, std::size_t i);
 };
 
 template<class T>
@@ -183,7 +189,14 @@ public:
             throwWrongNode(T::getRecordName());
         m_nodes.push_back(node);
     }
-    const BaseDataItemNode& getNode(std::size_t i) const override { return *m_nodes[i]; }
+    bool hasNode(std::size_t i) const override { return m_nodes[i] != nullptr; }
+    const BaseDataItemNode& getNode(std::size_t i) const override
+    {
+        if (!m_nodes[i])
+            throwEmptyPlace(T::getRecordName(), i);
+        return *m_nodes[i];
+    }
+    boost::shared_ptr<BaseDataItemNode> createNode() const override { return T::createNode(); }
     BaseDataItemNode& appendNode() override
     {
         m_nodes.push_back(T::createNode());

@@ -6,6 +6,9 @@
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
+#include "Processor/HoughCircles2d/HoughCircles2dLvl1.h"
+#include "Processor/HoughCircles2dImg/HoughCircles2dImgLvl1.h"
+#include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
 

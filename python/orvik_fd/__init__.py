@@ -1,4 +1,4 @@
-"""Feature detection in images: edges, corners, local extrema and lines.
+"""Feature detection in images: edges, corners, local extrema, lines and circles.
 
 Images are NumPy arrays of shape (y, x), (z, y, x), (c, z, y, x) or (t, c, z, y, x), of int8, uint8, int16, uint16, int32,
 uint32, float32 or bool, which is the binary type; asLabel and asBinary mark integers as labels or binary. Inputs are not
@@ -14,6 +14,7 @@ features of one plane have another for all planes, multiSlice_.... Ctrl-C cancel
 """
 
 from .calls import *
+from .circles import *
 from .corners import *
 from .edges import *
 from .enumerations import *

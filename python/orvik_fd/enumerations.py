@@ -4,7 +4,9 @@ from enum import IntEnum
 from typing import Any, Dict, Optional, Type
 
 __all__ = [
+    "eCircleIntensityType",
     "eCornerResponseType",
+    "eHoughCircles2dAlgoMethod",
     "eHoughLinesThresholdType",
     "eInstructionSet",
     "eLocalExtremumType",
@@ -34,6 +36,21 @@ class eHoughLinesThresholdType(IntEnum):
     eHLTT_Absolute = 0  #: votes of a bin
     eHLTT_Ratio = 1  #: share of the votes of the bin that has most
     eHLTT_Quantile = 2  #: share of the bins, 0 to 1, that have at most as many votes
+
+
+class eCircleIntensityType(IntEnum):
+    """Which gradient counts on a circle."""
+
+    eCIT_Outward = 0  #: pointing from the centre to the rim: dark objects
+    eCIT_Inward = 1  #: pointing from the rim to the centre: bright objects
+    eCIT_Both = 2  #: either
+
+
+class eHoughCircles2dAlgoMethod(IntEnum):
+    """How radii of circles are found."""
+
+    eHCAM_Standard = 0  #: one accumulator of all radii, then each whole radius is tried about each centre
+    eHCAM_PhaseCoded = 1  #: an accumulator of complex numbers whose angle tells the radius
 
 
 class eCornerResponseType(IntEnum):

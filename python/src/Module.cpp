@@ -70,6 +70,7 @@ PYBIND11_MODULE(_core, module)
     py::class_<Run>(module, "Run", py::custom_type_setup(&letCollect))
         .def(py::init<const std::string&, const py::object&>())
         .def("set", &Run::set)
+        .def("setList", &Run::setList)
         .def("give", &Run::give)
         .def("returning",
              [](py::object self, const py::args& attributes) {

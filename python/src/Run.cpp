@@ -6,6 +6,7 @@
 
 #include "frame/imaproc/ImageAttributes.h"
 #include "frame/processor/ProcessorFactory.h"
+#include "frame/util/BaseException.h"
 
 #include <boost/weak_ptr.hpp>
 
@@ -132,10 +133,19 @@ void Run::set(const std::string& attributeName, const py::kwargs& arguments)
     const py::object array = onlyArgument(attributeName, arguments, name);
     py::ssize_t nbAxes = 0;
     const imaproc::ConstImagePtr value = readArray(array, name, nbAxes);
-    if (m_nbSamples == 0)
+    if (m_nbSamples == 0) {
         m_nbAxes = nbAxes;
+        m_nbPlanes = value->getSizeZ() * value->getSizeC() * value->getSizeT();
+    }
     m_nbSamples += value->getSizeX() * value->getSizeY() * value->getSizeZ() * value->getSizeC() * value->getSizeT();
     image->assign(value);
+}
+
+void Run::setList(const std::string& attributeName, const py::kwargs& argument)
+{
+    std::string name;
+    const py::object rows = onlyArgument(attributeName, argument, name);
+    python::setList(attribute(attributeName), rows, name);
 }
 
 void Run::give(const std::string& attributeName, const py::kwargs& argument)
@@ -159,10 +169,17 @@ void Run::prepare(bool everyPlane)
 {
     m_everyPlane = everyPlane;
     for (const std::string& name : m_results) {
-        auto* const lists = dynamic_cast<imaproc::BasePlanIndexedAttribute*>(&attribute(name));
+        BaseAttribute& result = attribute(name);
+        if (auto* const record = dynamic_cast<processor::BaseDataItemAttribute*>(&result))
+            record->initEmpty();
+        auto* const lists = dynamic_cast<imaproc::BasePlanIndexedAttribute*>(&result);
         if (!lists || everyPlane)
             continue;
-        // A list of the first plane alone: the library refuses images that have more.
+        if (m_nbPlanes > 1)
+            throw processor::ORVIKBaseProcessingException(m_className + ": one plane is expected, not "
+                                                              + std::to_string(m_nbPlanes)
+                                                              + "; the multiSlice_ form takes any number",
+                                                          "", "", 0);
         lists->initEmpty();
         lists->accessStorage()->insert(PlanIndex(), lists->accessStorage()->createEntry());
     }
@@ -319,6 +336,8 @@ py::object Run::read(const std::string& name) const
         return image->getStorage() ? py::object(toArray(image->getStorage(), m_nbAxes)) : py::none();
     if (const auto* const lists = dynamic_cast<imaproc::BasePlanIndexedAttribute*>(&source))
         return readLists(*lists->accessStorage());
+    if (const auto* const record = dynamic_cast<processor::BaseDataItemAttribute*>(&source))
+        return toStructuredArray(*boost::const_pointer_cast<BaseDataItemNode>(record->accessDataItemNodePtr()));
     if (const auto* const number = dynamic_cast<processor::BaseValueAttribute<double>*>(&source))
         return py::float_(number->getStorage());
     throw py::type_error(m_className + ": " + name + " has no form in Python");

@@ -23,6 +23,8 @@ public:
 
     /// Gives an input its value: an array by the only argument, or a parameter as setParameter has it. None gives nothing.
     void set(const std::string& attribute, const pybind11::kwargs& arguments);
+    /// Gives an input its list of records, a row of the only argument each, see the function of that name.
+    void setList(const std::string& attribute, const pybind11::kwargs& argument);
     /// Gives an array that a result is written to, by the only argument. None lets the library make one.
     void give(const std::string& attribute, const pybind11::kwargs& argument);
     /// The attributes that are the result: one, or a tuple of them.
@@ -85,7 +87,7 @@ private:
     Ptr<processor::BaseProcessor> m_processor;
     std::vector<std::string> m_results;
     pybind11::ssize_t m_nbAxes = 2;
-    unsigned long m_nbSamples = 0;
+    unsigned long m_nbSamples = 0, m_nbPlanes = 1;  // of all inputs, of the first one
     bool m_everyPlane = false;
     unsigned int m_nbForks;  // at its start
 };

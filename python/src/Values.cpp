@@ -2,6 +2,7 @@
 
 #include "Interpreter.h"
 
+#include "frame/attr/Declarations.h"
 #include "frame/util/BaseException.h"
 
 #include <cctype>
@@ -148,8 +149,50 @@ private:
     char* m_place;
 };
 
-/// What a row of a list is, found once for each kind of list. `coll` is an empty or filled list of that kind.
-py::dtype rowType(const char* listName, BaseDataItemNodeColl& coll)
+/// What a row of an empty place is filled with.
+class EmptyRowWriter : public BaseLeafVisitor
+{
+public:
+    explicit EmptyRowWriter(char* place) : m_writer(place) {}
+
+    void visit(const char* name, bool&) override { write(name, false); }
+    void visit(const char* name, int&) override { write(name, 0); }
+    void visit(const char* name, long&) override { write(name, 0L); }
+    void visit(const char* name, unsigned int&) override { write(name, 0u); }
+    void visit(const char* name, unsigned long&) override { write(name, 0UL); }
+    void visit(const char* name, float&) override { write(name, std::numeric_limits<float>::quiet_NaN()); }
+    void visit(const char* name, double&) override { write(name, std::numeric_limits<double>::quiet_NaN()); }
+
+private:
+    template<class T>
+    void write(const char* name, T value)
+    {
+        m_writer.visit(name, value);
+    }
+
+    RowWriter m_writer;
+};
+
+/// Puts the numbers of a row into leaves, in their order.
+class RowReader : public BaseLeafVisitor
+{
+public:
+    explicit RowReader(const double* row) : m_row(row) {}
+
+    void visit(const char*, bool& value) override { value = *m_row++ != 0; }
+    void visit(const char*, int& value) override { value = static_cast<int>(*m_row++); }
+    void visit(const char*, long& value) override { value = static_cast<long>(*m_row++); }
+    void visit(const char*, unsigned int& value) override { value = static_cast<unsigned int>(*m_row++); }
+    void visit(const char*, unsigned long& value) override { value = static_cast<unsigned long>(*m_row++); }
+    void visit(const char*, float& value) override { value = static_cast<float>(*m_row++); }
+    void visit(const char*, double& value) override { value = *m_row++; }
+
+private:
+    const double* m_row;
+};
+
+/// What a row of a list is, found once for each kind of list.
+py::dtype rowType(const char* listName, const BaseDataItemNodeColl& coll)
 {
     // Never destroyed: at the end of the process the interpreter is gone before statics are.
     static std::map<std::string, py::dtype>& known = *new std::map<std::string, py::dtype>;
@@ -158,11 +201,7 @@ py::dtype rowType(const char* listName, BaseDataItemNodeColl& coll)
         return found->second;
     RowLayout layout;
     LayoutReader reader(layout);
-    const bool isEmpty = coll.size() == 0;
-    BaseDataItemNode& row = isEmpty ? coll.appendNode() : const_cast<BaseDataItemNode&>(coll.getNode(0));
-    row.visitLeaves(reader);
-    if (isEmpty)
-        coll.clear();
+    coll.createNode()->visitLeaves(reader);
     return known.emplace(listName, py::dtype(layout.names, layout.formats, layout.offsets, layout.size)).first->second;
 }
 
@@ -188,15 +227,41 @@ void setParameter(processor::BaseAttribute& attribute, const py::kwargs& argumen
         throw py::type_error(attribute.getObjectName() + " does not take " + reprOf(arguments));
 }
 
+void setList(processor::BaseAttribute& attribute, const py::handle& rows, const std::string& name)
+{
+    const auto array = py::array_t<double, py::array::c_style>::ensure(rows);
+    auto& target = dynamic_cast<processor::BaseDataItemAttribute&>(attribute);
+    target.initEmpty();
+    BaseDataItemNodeColl& coll = *boost::const_pointer_cast<BaseDataItemNode>(target.accessDataItemNodePtr())->accessList();
+    RowLayout layout;
+    LayoutReader reader(layout);
+    coll.createNode()->visitLeaves(reader);
+    const py::ssize_t nbLeaves = static_cast<py::ssize_t>(py::len(layout.names));
+    if (!array || array.ndim() != 2 || array.shape(1) != nbLeaves)
+        throw py::type_error(name + ": rows of " + std::to_string(nbLeaves) + " numbers are expected");
+    for (py::ssize_t i = 0; i < array.shape(0); ++i) {
+        RowReader row(array.data(i, 0));
+        coll.appendNode().visitLeaves(row);
+    }
+}
+
 py::array toStructuredArray(BaseDataItemNode& list)
 {
     BaseDataItemNodeColl& coll = *list.accessList();
     const std::size_t size = coll.size();
     py::array rows(rowType(list.getNodeName(), coll), std::vector<py::ssize_t>{static_cast<py::ssize_t>(size)});
-    RowWriter writer(static_cast<char*>(rows.mutable_data()));
+    char* place = static_cast<char*>(rows.mutable_data());
+    const std::size_t rowSize = static_cast<std::size_t>(rows.itemsize());
     const Unlocked unlocked;
-    for (std::size_t i = 0; i < size; ++i)
-        const_cast<BaseDataItemNode&>(coll.getNode(i)).visitLeaves(writer);
+    const Ptr<BaseDataItemNode> model = coll.createNode();
+    for (std::size_t i = 0; i < size; ++i, place += rowSize) {
+        RowWriter writer(place);
+        EmptyRowWriter emptyWriter(place);
+        if (coll.hasNode(i))
+            const_cast<BaseDataItemNode&>(coll.getNode(i)).visitLeaves(writer);
+        else
+            model->visitLeaves(emptyWriter);
+    }
     return rows;
 }
 

@@ -21,7 +21,11 @@ double toDouble(const pybind11::handle& object, const std::string& name);
 /// @throws TypeError or ValueError that names the argument when its value does not fit.
 void setParameter(processor::BaseAttribute& attribute, const pybind11::kwargs& arguments);
 
-/// A list of records as a structured array with the leaves as fields.
+/// Gives a list its records, one for each row of an array of doubles that has a column for each leaf.
+/// @throws TypeError that names the argument for another array.
+void setList(processor::BaseAttribute& attribute, const pybind11::handle& rows, const std::string& name);
+
+/// A list of records as a structured array with the leaves as fields. Of empty places these are NaN, whole numbers 0.
 pybind11::array toStructuredArray(BaseDataItemNode& list);
 
 }}  // namespace orvik::python

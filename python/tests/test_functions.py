@@ -34,6 +34,26 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
     """houghLines2d: edge == edge, rhoStep=1, thetaMin=0, thetaMax=3.141592653589793, nbThetaBins=180, pixelThreshold=0
        == edge, thresholdType=1, threshold=0.5, peakDist=10 != edge, rhoStep=2 != edge, thetaMin=1 != edge, thetaMax=1
        != edge, nbThetaBins=90 != edge, pixelThreshold=1 != edge, threshold=0.9 != edge, peakDist=2""",
+    """houghCircles2dImg: gx, gy, 4, 12 == inGx=gx, inGy=gy, minRadius=4, maxRadius=12, circleIntensityType=2
+       == gx, gy, 4, 12, maxAngleWithGradDir=0.1, nbMaxPtsPerCircle=4294967295 != gx, gy, 5, 12 != gx, gy, 4, 11 != gx, gy
+       != gy, gx, 4, 12 != gx, gy, 4, 12, circleIntensityType=eCircleIntensityType.eCIT_Inward
+       != gx, gy, 4, 12, maxAngleWithGradDir=0.3 != gx, gy, 4, 12, nbMaxPtsPerCircle=9""",
+    """houghCirclesPhaseCoded2dImg: gx, gy, 4, 12 == gx, gy, 4, 12, circleIntensityType=2, maxAngleWithGradDir=0.1
+       != gx, gy, 5, 12 != gx, gy, 4, 12, nbMaxPtsPerCircle=9""",
+    """houghCircles2d: small, 4, 12 == inImg=small, minRadius=4, maxRadius=12, algoMethod=0, circleIntensityType=2
+       == small, 4, 12, maxAngleWithGradDir=0.1, nbMaxPtsPerCircle=4294967295, absoluteThreshold=0, ratioOfMax=0.5
+       == small, 4, 12, removeTooClose=True, distanceFactor=1 != small, 3, 12 != small, 4, 12, ratioOfMax=0.1
+       != small, 4, 12, algoMethod=eHoughCircles2dAlgoMethod.eHCAM_PhaseCoded != small, 4, 12, circleIntensityType=1
+       != small, 4, 12, maxAngleWithGradDir=0.4 != small, 4, 12, nbMaxPtsPerCircle=5 != small, 4, 12, absoluteThreshold=1e9
+       != small, 4, 12, removeTooClose=False != small, 4, 12, distanceFactor=9 != inGx=gx, inGy=gy, minRadius=4, maxRadius=12""",
+    """extractHoughPeaks2d: gx, gy == gx, gy, 0 == gx=gx, gy=gy, lowestMax=0 != gx, gy, 100 != gx, gx""",
+    """computeBestCirclesRadiiFromGradMagImg2d: gx, gy, [[20, 18, 0], [9, 9, 0]], 2, 9
+       == inGx=gx, inGy=gy, centers=numpy.array([[20, 18], [9, 9]]), minRadius=2, maxRadius=9, circleIntensityType=2
+       == gx, gy, numpy.array([(20, 18), (9, 9)], [("X", "f8"), ("Y", "f8")]), 2, 9, maxAngleWithGradDir=0.1
+       != gx, gy, [[20, 18], [10, 9]], 2, 9 != gx, gy, [[20, 18, 1], [9, 9, 0]], 2, 9 != gx, gy, [[20, 18], [9, 9]], 12, 15
+       != gx, gy, [[20, 18], [9, 9]], 2, 9, circleIntensityType=1, maxAngleWithGradDir=0.8""",
+    """extractRadiusFromHoughImg2d: gx, gy, [[20, 18]], 2, 9 == gx, gy, centers=[(20, 18, 0)], minRadius=2, maxRadius=9
+       != gx, gy, [[20, 18]], 3, 9 != gx, gy, [[20, 18]], 2, 8 != gy, gx, [[20, 18]], 2, 9""",
     "maxL2Norm2Msr: gx, gy == in1=gx, in2=gy == gy, gx != gx, gx != gy, gy",
 ], ids=lambda calls: calls.partition(":")[0])
 def test_argumentsReachTheLibrary(run, calls):
@@ -56,6 +76,8 @@ def test_gaussianGradient2dImgTellsAxesApart(small):
     ("cannyEdges2dImg(gx, gy, 1, outImg=out, lowThreshold=5, highThreshold=80)", ["bool", "uint8", "float32"]),
     ("cannyEdges2dImg(gx, gy, 0, out, lowThreshold=5, highThreshold=80)", ["bool", "uint8"]),
     ("harrisCorner2dImg(small, 1, out)", ["float32"]),
+    ("houghCircles2dImg(gx, gy, 4, 12, outImg=out)", ["float32"]),
+    ("houghCirclesPhaseCoded2dImg(gx, gy, 4, 12, outImImg=out)[1]", ["float32"]),
     ("gaussianGradient2dImg(small, 1.5, 1.5, 4, out)[0]", ["float32", "int16"]),
     ("gaussianGradient2dImg(small, 1.5, outY=out)[1]", ["float32", "int16"]),
 ])
@@ -108,7 +130,25 @@ def test_houghLines2d():
     assert same.tolist() == lines.tolist() and none.shape == (0,) and none.dtype == lines.dtype
 
 
-@pytest.mark.parametrize("call", ["extractLocalExtrema2d(many, 3, 3)", "harrisCorner2d(many, 7, 3)", "houghLines2d(many)"])
+def test_houghCircles2dFindsDiscsAndCentresOutsideHaveNoRadius():
+    y, x = numpy.mgrid[:120, :150]
+    picture = 200 * (numpy.hypot(x - 40, y - 50) < 18.5) + 90 * (numpy.hypot(x - 100, y - 70) < 30.5)
+    found = orvik_fd.houghCircles2d(picture.astype(numpy.uint8), 10, 40, circleIntensityType=1, ratioOfMax=0.3)
+    assert found.dtype.names == ("X", "Y", "Radius", "Value") and found["X"].tolist() == [40, 100]
+    assert found["Y"].tolist() == [50, 70] and abs(found["Radius"] - [18, 30]).max() <= 1
+    gx, gy = orvik_fd.gaussianGradient2dImg(picture.astype(numpy.float32), 1)
+    rows = orvik_fd.computeBestCirclesRadiiFromGradMagImg2d(gx, gy, [(40, 50), (-7, 50)], 10, 40)
+    assert abs(rows["Radius"][0] - 18) <= 1 and numpy.isnan(list(rows[1])).all()
+    assert len(orvik_fd.computeBestCirclesRadiiFromGradMagImg2d(gx, gy, [], 10, 40)) == 0
+    for wrong in [[1, 2, 3, 4]], [1, 2], numpy.zeros(2, [("X", "f8")]), "centres":
+        with pytest.raises((TypeError, ValueError), match="centers|could not convert"):
+            orvik_fd.computeBestCirclesRadiiFromGradMagImg2d(gx, gy, wrong, 10, 40)
+    with pytest.raises(TypeError, match="together"):
+        orvik_fd.houghCircles2d(picture.astype(numpy.uint8), 10)
+
+
+@pytest.mark.parametrize("call", ["extractLocalExtrema2d(many, 3, 3)", "harrisCorner2d(many, 7, 3)", "houghLines2d(many)",
+                                  "houghCircles2d(many, 2, 7)", "extractHoughPeaks2d(many, many)"])
 @pytest.mark.parametrize("shape", [(2,), (3, 2), (2, 3, 2)])  # z; c, z; t, c, z
 def test_multiSliceFormsGiveAListForEachPlane(run, rng, shape, call):
     many = rng.integers(0, 200, shape + (20, 24)).astype(numpy.uint8)
@@ -154,4 +194,4 @@ def test_enumerationsAreThoseOfTheLibrary():
                  for name, body in re.findall(r"enum (\w+) : [\w ]+\n\{(.*?)\};", text, re.DOTALL)}
     ofPackage = [one for one in vars(orvik_fd).values() if isinstance(one, type) and issubclass(one, enum.IntEnum)]
     assert {one.__name__: {member.name: int(member) for member in one} for one in ofPackage}.items() <= ofLibrary.items()
-    assert len(ofPackage) == 5
+    assert len(ofPackage) == 7

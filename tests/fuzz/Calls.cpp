@@ -4,6 +4,9 @@
 #include "Scenario.h"
 
 #include "ORVIKIPLFeatureDetection.h"
+#include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl1.h"
+#include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl1.h"
+#include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
 
 #include "frame/attr/Records.h"
@@ -187,6 +190,37 @@ const auto accumulator = [](Scenario& scenario) {
                           {scenario.nbRhoBins, scenario.nbThetaBins, sizes.z, sizes.c, sizes.t});
 };
 
+const auto radii = [](Scenario& scenario) {
+    const long min = scenario.number("minRadius", {1l, 2l, 5l, 0l, 30l}),
+               max = scenario.number("maxRadius", {6l, 9l, 20l, 3l});
+    return record<HoughCirclesRadiusRange>(scenario, min, max);
+};
+const auto circleType = [](Scenario& scenario) {
+    return static_cast<eCircleIntensityType>(scenario.number("circleType", {2, 0, 1}));
+};
+const auto circleMethod = [](Scenario& scenario) {
+    return static_cast<eHoughCircles2dAlgoMethod>(scenario.number("circleMethod", {0, 1}));
+};
+const auto circleAngle = [](Scenario& scenario) { return scenario.number("circleAngle", {0.1, 0.3, 1.0, 2.0, 0.0}); };
+const auto nbPoints = [](Scenario& scenario) { return scenario.number("nbPoints", {4294967295u, 7u, 40u, 0u}); };
+const auto circleThreshold = [](Scenario& scenario) {
+    const double absolute = scenario.number("absolute", {0.0, 3.0}), ratio = scenario.number("ratio", {0.5, 0.0, 0.9});
+    return record<AccumIntensityThreshold>(scenario, absolute, ratio);
+};
+const auto tooClose = [](Scenario& scenario) {
+    return record<RemoveTooCloseCirclesParams>(scenario, !scenario.oneIn(4), scenario.number("factor", {1.0, 2.0, 0.0}));
+};
+const auto scores = [](Scenario& scenario) { return scenario.image(Use::result, 4, image::eIBT_Real32, scenario.sizes()); };
+const auto centers = [](Scenario& scenario) {
+    const auto list = Pixels2d::createNode();
+    for (unsigned int i = scenario.below(5); i > 0; --i) {
+        const double x = scenario.number("x", {3.0, 0.5, 20.49, 64.0}), y = scenario.number("y", {2.0, 7.5, 30.0});
+        list->access<Pixels2d::Coll>().push_back(Pixel2d::createNode(x, y, 1.0));
+    }
+    return scenario.oneIn(32) ? nullptr : list;
+};
+const auto circleList = [](Scenario& scenario) { return scenario.oneIn(32) ? nullptr : HoughCircles2dPpties::createNode(); };
+
 // --- settings with which a result need not be that of plain code on one thread and in one strip
 
 typedef bool (*Exception)(const Scenario&, const Setting&);
@@ -248,6 +282,27 @@ const Family kFamilies[] = {
            distance, distance),
     family("extractLocalExtrema2d", none, PLANES(extractLocalExtrema2d), in, distance, distance),
     family("extractLocalExtrema2d, all", none, PLANES(extractLocalExtrema2d), in, distance, distance, extremaConfig),
+    family("houghCircles2dImg", none, FUNCTION(houghCircles2dImg), in, in, radii),
+    family("houghCircles2dImg, into", none, FUNCTION(houghCircles2dImg), in, in, radii, circleType, circleAngle, nbPoints, scores),
+    family("houghCirclesPhaseCoded2dImg", none, FUNCTION(houghCirclesPhaseCoded2dImg), in, in, radii),
+    family("houghCirclesPhaseCoded2dImg, into", none, FUNCTION(houghCirclesPhaseCoded2dImg), in, in, radii, circleType,
+           circleAngle, nbPoints, scores, scores),
+    family("houghCircles2d", none, PLANES(houghCircles2d), in, radii),
+    family("houghCircles2d, grey", none, PLANES(houghCircles2d), in, radii, circleType, nbPoints, circleThreshold, tooClose),
+    family("houghCircles2d, gradients", none, PLANES(houghCircles2d), in, in, radii),
+    family("houghCircles2d, all", none, PLANES(houghCircles2d), in, in, radii, circleMethod, circleType, circleAngle, nbPoints,
+           circleThreshold, tooClose, scores, scores),
+    family("extractHoughPeaks2d", none, PLANES(extractHoughPeaks2d), in, in, threshold),
+    family("ComputeBestCirclesRadiiFromGradMagImg2dLvl1", none,
+           processorCall<ComputeBestCirclesRadiiFromGradMagImg2dLvl1, OutHoughCircles2dPpties, InGxSingleGreyImg2d,
+                         InGySingleGreyImg2d, InOptCircleIntensityType, InHoughCirclesRadiusRange, InMaxAngleWithGradDir,
+                         InNbMaxPtsPerCircle, InHoughCircles2dCenters, OutHoughCircles2dPpties>,
+           in, in, circleType, radii, circleAngle, nbPoints, centers, circleList),
+    family("ExtractRadiusFromHoughImgLvl1", none,
+           processorCall<ExtractRadiusFromHoughImgLvl1, OutHoughCircles2dPpties, InSingleGreyComplexRealImg2d,
+                         InSingleGreyComplexImImg2d, InHoughCircles2dCenters, InHoughCirclesRadiusRange,
+                         OutHoughCircles2dPpties>,
+           in, in, centers, radii, circleList),
     family("houghLines2dImg", floatVotes, FUNCTION(houghLines2dImg), in),
     family("houghLines2dImg, bins", floatVotes, FUNCTION(houghLines2dImg), in, houghBins),
     family("HoughLines2dImgLvl1", floatVotes,

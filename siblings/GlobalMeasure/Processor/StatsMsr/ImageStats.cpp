@@ -87,4 +87,12 @@ void measureStats(const image::BaseImage& image, StatsResult& stats)
                           [&](auto zero) { measure<decltype(zero)>(image, stats); });
 }
 
+BoolResult measureStatsOfPlane(const image::BaseImage& plane, const std::string& attribute, StatsResult& stats)
+{
+    const BoolResult result = checkOnePlane(plane, attribute);
+    if (result)
+        measureStats(plane, stats);
+    return result;
+}
+
 }}}  // namespace orvik::imaproc::glbmsr

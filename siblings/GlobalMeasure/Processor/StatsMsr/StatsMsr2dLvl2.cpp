@@ -1,6 +1,5 @@
 #include "siblings/GlobalMeasure/Processor/StatsMsr/StatsMsr2dLvl2.h"
 
-#include "siblings/GlobalMeasure/ImageSamples.h"
 #include "siblings/GlobalMeasure/Processor/StatsMsr/ImageStats.h"
 
 #include "frame/attr/ImageAttributes.h"
@@ -15,11 +14,7 @@ ORVIK_DEFINE_PROCESSOR(StatsMsr2dLvl2)
 
 BoolResult StatsMsr2dLvl2::runDerived()
 {
-    const image::BaseImage& plane = *value<InSubImg2d>();
-    const BoolResult result = checkOnePlane(plane, InSubImg2d::getObjectNameStr());
-    if (result)
-        measureStats(plane, *value<OutStatsResult>());
-    return result;
+    return measureStatsOfPlane(*value<InSubImg2d>(), InSubImg2d::getObjectNameStr(), *value<OutStatsResult>());
 }
 
 }}}  // namespace orvik::imaproc::glbmsr

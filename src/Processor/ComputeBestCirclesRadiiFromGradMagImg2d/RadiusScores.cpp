@@ -1,0 +1,91 @@
+#include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/RadiusScores.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+// Gradients are looked at in blocks of as many columns.
+static const unsigned long g_block = 64;
+
+unsigned char RadiusScores::codeOf(float x, float y)
+{
+    const float absX = std::fabs(x), absY = std::fabs(y), sum = absX + absY;
+    const float quarter = sum > 0 ? absY / sum * 64.0f : 0.0f;  // NaN has no direction either
+    const float turn = x < 0 ? (y < 0 ? 128.0f + quarter : 128.0f - quarter) : (y < 0 ? 256.0f - quarter : quarter);
+    return static_cast<unsigned char>(static_cast<int>(turn));
+}
+
+RadiusScores::Row RadiusScores::row(long y)
+{
+    const std::size_t place = static_cast<std::size_t>((y + maxRadius) % (2 * maxRadius + 1)) * m_pitch;
+    float* const x = m_gradients.data() + 3 * place;
+    return {x, x + m_pitch, x + 2 * m_pitch, m_codes.data() + place};
+}
+
+long* RadiusScores::blocksOf(long y)
+{
+    return m_rows.data() + static_cast<std::size_t>((y + maxRadius) % (2 * maxRadius + 1)) * m_nbBlocks;
+}
+
+BoolResult RadiusScores::init(const HoughCirclesKernelXY& places, const HoughCirclesRadiusRange& range,
+                              unsigned long nbColumns)
+{
+    typedef HoughCirclesKernelXYElt Place;
+    minRadius = range.get<HoughCirclesRadiusRange::MinRadius>();
+    maxRadius = range.get<HoughCirclesRadiusRange::MaxRadius>();
+    if (maxRadius < 0)
+        return failure("The greatest radius, " + std::to_string(maxRadius) + ", is negative");
+    const auto& nodes = places.get<HoughCirclesKernelXY::Coll>().getNodes();
+    const std::size_t nbRadii = static_cast<std::size_t>(maxRadius) + 1, nbRows = 2 * nbRadii - 1;
+    sums.assign(nbRadii, 0.0);
+    counts.assign(nbRadii, 0);
+    m_nbBlocks = (nbColumns + nbRows) / g_block + 1;
+    m_pitch = (m_nbBlocks + 1) * g_block;
+    m_gradients.assign(3 * m_pitch * nbRows, 0.0f);
+    m_codes.assign(m_pitch * nbRows + g_block, 0);
+    m_rows.assign(m_nbBlocks * nbRows, -1 - maxRadius);
+    codes.clear();
+    runs.clear();
+    radii.clear();
+    unitX.clear();
+    unitY.clear();
+    for (const auto& node : nodes) {
+        const long dx = node->get<Place::OffsetX>(), dy = node->get<Place::OffsetY>();
+        const long radius = static_cast<long>(node->get<Place::Radius>());
+        if (std::max({std::labs(dx), std::labs(dy), radius}) > maxRadius)
+            return failure("A place of the rings, at offset (" + std::to_string(dx) + ", " + std::to_string(dy)
+                           + "), lies beyond the greatest radius, " + std::to_string(maxRadius));
+        if (runs.empty() || runs.back().dy != dy
+            || runs.back().dx + static_cast<long>(radii.size() - runs.back().begin) != dx)
+            runs.push_back({dx, dy, radii.size(), radii.size()});
+        unitX.push_back(node->get<Place::UnitX>());
+        unitY.push_back(node->get<Place::UnitY>());
+        codes.push_back(codeOf(unitX.back(), unitY.back()));
+        radii.push_back(static_cast<unsigned int>(radius));
+        ++counts[static_cast<std::size_t>(radius)];
+        runs.back().end = radii.size();
+    }
+    codes.resize(radii.size() + g_block);
+    return success();
+}
+
+double RadiusScores::best()
+{
+    double radius = static_cast<double>(minRadius), highest = 0.0;
+    for (long r = std::max(minRadius, 0l); r <= maxRadius; ++r) {
+        const std::size_t i = static_cast<std::size_t>(r);
+        const double score = counts[i] != 0 ? sums[i] / static_cast<double>(counts[i]) : sums[i];
+        if (score > highest) {
+            highest = score;
+            radius = static_cast<double>(r);
+        }
+    }
+    return radius;
+}
+
+}}}  // namespace orvik::imaproc::fd

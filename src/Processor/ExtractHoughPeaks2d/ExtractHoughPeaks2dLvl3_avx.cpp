@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_AVX
+#include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dKernel.h"

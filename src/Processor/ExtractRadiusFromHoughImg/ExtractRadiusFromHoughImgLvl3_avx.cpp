@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_AVX
+#include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgKernel.h"

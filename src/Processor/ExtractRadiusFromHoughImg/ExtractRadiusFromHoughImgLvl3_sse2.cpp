@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_SSE2
+#include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgKernel.h"

@@ -1,0 +1,47 @@
+#include "Processor/HoughCircles2dImg/HoughCircles2dImgLvl3.h"
+
+#include "Processor/HoughCircles2dImg/HoughCircles2dImgKernel.h"
+
+#include "Processor/RingRecords.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+ORVIK_DEFINE_ALGORITHM(HoughCircles2dImgLvl3)
+
+eRingForm HoughCircles2dImgLvl3::s_form = eRF_ByCost;
+
+void HoughCircles2dImgLvl3::setRings(const ConstPtr<Rings<1>>& rings)
+{
+    m_rings = rings;
+}
+
+void HoughCircles2dImgLvl3::forceForm(eRingForm form)
+{
+    s_form = form;
+}
+
+processor::StageResult HoughCircles2dImgLvl3::preProcess()
+{
+    if (!m_rings) {
+        const BoolResult made = makeRings(*value<InHoughCirclesKernelXY>(), *value<InHoughCirclesRadiusRange>(),
+                                          makeCone(value<InCircleIntensityType>(), value<InMaxAngleWithGradDir>()), m_rings);
+        if (!made)
+            return made;
+    }
+    for (const auto& strip : {value<InGxKnlYStrip2d>(), value<InGyKnlYStrip2d>()})
+        if (!strip->getMargins().areAllAround(static_cast<unsigned long>(m_rings->getMaxRadius())))
+            return failure(getObjectName() + ": the margins of the strips are not the greatest radius, "
+                           + std::to_string(m_rings->getMaxRadius()));
+    setBorder<InGxKnlYStrip2d>(image::valuedBorder2d(0.0));
+    setBorder<InGyKnlYStrip2d>(image::valuedBorder2d(0.0));
+    if (!m_buffers)
+        m_buffers = boost::make_shared<RingBuffers>();
+    return processor::eSRT_Done;
+}
+
+}}}  // namespace orvik::imaproc::fd

@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_AVX2
+#include "Processor/HoughCircles2dImg/HoughCircles2dImgKernel.h"

@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_AVX2
+#include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgKernel.h"
