@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "frame/simd/OpenSet.h"
@@ -140,9 +142,12 @@ void addVotes(const RingVoteLists::Entry* entry, const RingVoteLists::Entry* end
     const VoteVector x = allVotes(source.x), y = allVotes(source.y), magnitude = allVotes(source.magnitude),
                      least = allVotes(cosine);
     for (; entry != end; ++entry) {
-        const float* const place = places.table + entry->table;
-        float* const ahead = places.out + entry->out;
-        float* const behind = places.out - entry->out - (kVoteLanes - 1);
+        std::uint64_t both;  // read at once, and before anything is stored
+        std::memcpy(&both, entry, sizeof both);
+        const float* const place = places.table + static_cast<std::uint32_t>(both);
+        const std::ptrdiff_t out = static_cast<std::int64_t>(both) >> 32;
+        float* const ahead = places.out + out;
+        float* const behind = places.out - out - (kVoteLanes - 1);
         const VoteVector d = x * loadVotes(place) + y * loadVotes(place + places.tablePlane);
         const VoteVector share = (d > least ? d : VoteVector{}) * magnitude;
         for (unsigned int i = 0; i < NbWeights; ++i) {

@@ -68,8 +68,8 @@ struct CodeWindow
         const float widest = 0.5f;  // beyond, or where flat gradients might count, all are looked at
         if (!(cone.cosine > widest))
             return;
-        const double perRadian = 64.0, rounding = 2.0;  // at most, see RadiusScores::codeOf
-        const double codes = std::acos(static_cast<double>(cone.cosine)) * perRadian + rounding;
+        const double rounding = 1.01;  // of both codes, and of what they are made of
+        const double codes = std::acos(static_cast<double>(cone.cosine)) * RadiusScores::g_codesPerRadian + rounding;
         turn = cone.isBoth ? 127 : 255;
         reach = 2 * codes < turn ? static_cast<unsigned char>(codes) : 127;
     }
@@ -104,19 +104,24 @@ void sumShares(const Strip& strip, unsigned long line, unsigned long column, Rad
         }
         const unsigned long first = column + static_cast<unsigned long>(run.dx + scores.maxRadius);
         const unsigned long n = run.end - run.begin, lanes = Lanes<unsigned char>::count;
-        for (unsigned long i = 0; i < n; i += lanes) {
-            const Codes apart = (load(row.codes + first + i) - load(&scores.codes[run.begin + i]) + shift) & turn;
-            unsigned long candidates = bitsOf<unsigned char>(apart <= most);
-            if (n - i < lanes)
+        const float *const x = row.x + first, *const y = row.y + first, *const magnitude = row.magnitude + first;
+        for (unsigned long i = 0; i < n; i += kBlock) {
+            unsigned long candidates = 0;
+            for (unsigned long k = 0; k < kBlock; k += lanes) {
+                const Codes apart = (load(row.codes + first + i + k) - load(&scores.codes[run.begin + i + k]) + shift)
+                                    & turn;
+                candidates |= bitsOf<unsigned char>(apart <= most) << k;
+            }
+            if (n - i < kBlock)
                 candidates &= (1ul << (n - i)) - 1;
             for (; candidates != 0; candidates &= candidates - 1) {
                 const unsigned long k = i + static_cast<unsigned long>(__builtin_ctzl(candidates));
                 const std::size_t place = run.begin + k;
-                float d = row.x[first + k] * scores.unitX[place] + row.y[first + k] * scores.unitY[place];
+                float d = x[k] * scores.unitX[place] + y[k] * scores.unitY[place];
                 d = cone.isBoth ? std::fabs(d) : cone.isInward ? -d : d;
                 const float weight = (d - cone.cosine) / width;
-                if (weight > 0.0f)
-                    scores.sums[scores.radii[place]] += static_cast<double>(weight * row.magnitude[first + k]);
+                // Nothing is added where it is none, without a branch that would be guessed wrong as often as not.
+                scores.sums[scores.radii[place]] += static_cast<double>(weight > 0.0f ? weight * magnitude[k] : 0.0f);
             }
         }
     }

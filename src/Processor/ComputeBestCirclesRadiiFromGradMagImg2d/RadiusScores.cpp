@@ -14,10 +14,8 @@ static const unsigned long g_block = 64;
 
 unsigned char RadiusScores::codeOf(float x, float y)
 {
-    const float absX = std::fabs(x), absY = std::fabs(y), sum = absX + absY;
-    const float quarter = sum > 0 ? absY / sum * 64.0f : 0.0f;  // NaN has no direction either
-    const float turn = x < 0 ? (y < 0 ? 128.0f + quarter : 128.0f - quarter) : (y < 0 ? 256.0f - quarter : quarter);
-    return static_cast<unsigned char>(static_cast<int>(turn));
+    const float turn = std::atan2(y, x) * static_cast<float>(g_codesPerRadian);
+    return std::isfinite(turn) ? static_cast<unsigned char>(std::lround(turn)) : 0;  // no number has no direction
 }
 
 RadiusScores::Row RadiusScores::row(long y)
@@ -47,7 +45,7 @@ BoolResult RadiusScores::init(const HoughCirclesKernelXY& places, const HoughCir
     m_nbBlocks = (nbColumns + nbRows) / g_block + 1;
     m_pitch = (m_nbBlocks + 1) * g_block;
     m_gradients.assign(3 * m_pitch * nbRows, 0.0f);
-    m_codes.assign(m_pitch * nbRows + g_block, 0);
+    m_codes.assign(m_pitch * nbRows + 2 * g_block, 0);
     m_rows.assign(m_nbBlocks * nbRows, -1 - maxRadius);
     codes.clear();
     runs.clear();
@@ -70,7 +68,7 @@ BoolResult RadiusScores::init(const HoughCirclesKernelXY& places, const HoughCir
         ++counts[static_cast<std::size_t>(radius)];
         runs.back().end = radii.size();
     }
-    codes.resize(radii.size() + g_block);
+    codes.resize(radii.size() + 2 * g_block);
     return success();
 }
 

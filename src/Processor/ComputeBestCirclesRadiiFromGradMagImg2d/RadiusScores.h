@@ -17,7 +17,7 @@ struct RadiusScores
         long dx, dy;
         std::size_t begin, end;
     };
-    /// Where the gradients of a row lie: directions, magnitudes, and directions as 256ths of a turn, more or less.
+    /// Where the gradients of a row lie: directions, magnitudes, and directions in 256ths of a turn.
     struct Row
     {
         float *x, *y, *magnitude;
@@ -34,9 +34,9 @@ struct RadiusScores
     /// Where it is told which row the blocks of that place have.
     long* blocksOf(long y);
 
-    /// The direction (x, y) as a number: quarters of a turn are even, the numbers within them nearly so, at least 32 and at
-    /// most 64 to a radian.
+    /// The direction (x, y) in 256ths of a turn, rounded.
     static unsigned char codeOf(float x, float y);
+    static constexpr double g_codesPerRadian = 128.0 / 3.141592653589793;
 
     long minRadius = 0, maxRadius = 0;
     std::vector<Run> runs;
