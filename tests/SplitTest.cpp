@@ -179,8 +179,9 @@ void expectHashes(const ImagePtr& in, const boost::shared_ptr<const Reach>& reac
         for (const unsigned int nbThreads : {1, 4}) {
             const WithThreads threads(nbThreads);
             const ImagePtr over = in->getBufferType() == image::eIBT_UInt32 ? copyOf(*in) : nullptr;
-            if (over)
+            if (over) {
                 EXPECT_TRUE(sameSamples(*expected, *hashed<Volumes>(over, reach, over))) << grain << " in place";
+            }
         }
     }
 }

@@ -36,12 +36,12 @@ makeRingStrip(const Rings<NbWeights>& rings, RingBuffers& buffers, eRingForm for
              static_cast<long>(lines.getStripStartOffsetY()), lines.getImageSizeY()}};
 }
 
-template<class Strip, class IsCancelled>
-BoolResult accumulateLine(Strip& strip, const processor::ProcessingInfo& info, const IsCancelled& isCancelled)
+template<class Gx, class Gy, class Out, class Sample, unsigned int NbWeights, class IsCancelled>
+BoolResult accumulateLine(RingStrip<Gx, Gy, Out, Sample, NbWeights>& strip, const processor::ProcessingInfo& info,
+                          const IsCancelled& isCancelled)
 {
-    constexpr std::size_t nbOut = sizeof strip.out / sizeof *strip.out;
-    float* out[nbOut];
-    for (std::size_t i = 0; i < nbOut; ++i)
+    float* out[NbWeights];
+    for (unsigned int i = 0; i < NbWeights; ++i)
         out[i] = strip.out[i]->accessBuffer();
     const auto gradients = [&](unsigned long row) {
         return std::make_pair(strip.gx->accessBuffer(row), strip.gy->accessBuffer(row));

@@ -62,22 +62,18 @@ private:
 GradientCone makeCone(int circleIntensityType, double maxAngle)
 {
     const double cosine = std::cos(maxAngle);
-    GradientCone cone;
-    cone.cosine = static_cast<float>(cosine);
-    cone.isOpen = 1.0 - cosine != 0.0;
-    cone.isBoth = circleIntensityType == attr::eCIT_Both;
-    cone.isInward = circleIntensityType == attr::eCIT_Inward;
-    return cone;
+    return {static_cast<float>(cosine), 1.0 - cosine != 0.0, circleIntensityType == attr::eCIT_Both,
+            circleIntensityType == attr::eCIT_Inward};
 }
 
 template<unsigned int NbWeights>
 Rings<NbWeights>::Rings(std::vector<Element> elements, long maxRadius, const GradientCone& cone)
     : m_elements(std::move(elements)), m_maxRadius(maxRadius), m_cone(cone),
+      m_canVote(cone.isOpen && cone.cosine >= g_leastCosine), m_isMirrored(false), m_nbBins(8),
       m_pitch(static_cast<unsigned long>(2 * maxRadius + 1) + g_spareColumns),
       m_planeSize(static_cast<std::size_t>(2 * maxRadius + 1) * m_pitch + g_spareColumns)
 {
     m_rowBegins.assign(static_cast<std::size_t>(2 * maxRadius + 2), 0);
-    m_canVote = m_cone.isOpen && m_cone.cosine >= g_leastCosine;
     const auto isFinite = [](const Element& e) {
         bool all = std::isfinite(e.unitX) && std::isfinite(e.unitY);
         for (const float weight : e.weights)
@@ -99,7 +95,6 @@ Rings<NbWeights>::Rings(std::vector<Element> elements, long maxRadius, const Gra
     m_isMirrored = m_cone.isBoth && isSymmetric;
     // Narrow lists have few vectors that a gradient does not reach, wide ones are soon made.
     const double angle = std::acos(std::max(static_cast<double>(m_cone.cosine), -1.0));
-    m_nbBins = 8;
     while (m_nbBins < 64 && static_cast<double>(m_nbBins) * angle < 6.0)
         m_nbBins *= 2;
 }

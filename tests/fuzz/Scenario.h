@@ -197,7 +197,8 @@ private:
     /// Behind all others. Lines are padded as in images of the library's own, or wrapped with gaps.
     Given place(image::eImageBufferType type, const image::ImageSizes& sizes)
     {
-        const bool hasSlack = oneIn(4), hasGaps = oneIn(2);
+        const bool isTall = sizes.y > 300;  // with slack some of these would not fit into the memory
+        const bool hasSlack = oneIn(4) && !isTall, hasGaps = oneIn(2);
         const long sampleSize = image::getImageBufferBaseSize(type), unit = hasSlack ? 64 * sampleSize : sampleSize;
         long extent = static_cast<long>(hasSlack ? padded(sizes.x) : sizes.x) * sampleSize, origin = 0;
         const auto step = [&](unsigned long count) {

@@ -64,6 +64,14 @@ BoolResult makeRings(const Places& places, const attr::HoughCirclesRadiusRange& 
     return success();
 }
 
+/// The same for a class that has them as attributes, unless it has rings already.
+template<unsigned int NbWeights, class Places>
+BoolResult makeRingsOnce(const Places& places, const attr::HoughCirclesRadiusRange& range, int type, double maxAngle,
+                         boost::shared_ptr<const Rings<NbWeights>>& rings)
+{
+    return rings ? success() : makeRings(places, range, makeCone(type, maxAngle), rings);
+}
+
 /// The places of radii as records of any kind; `toNode` gives that of a place.
 template<class Places, class ToNode>
 boost::shared_ptr<Places> placeRecords(const attr::HoughCirclesRadiusRange& range, unsigned int nbMaxPts,

@@ -2,6 +2,8 @@
 
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dKernel.h"
 
+#include "Processor/StripMarginsCheck.h"
+
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 
@@ -15,10 +17,9 @@ processor::StageResult ComputeBestCirclesRadiiFromGradMagImg2dLvl3::preProcess()
 {
     const unsigned long reach =
         static_cast<unsigned long>(value<InHoughCirclesRadiusRange>()->get<HoughCirclesRadiusRange::MaxRadius>());
-    for (const auto& strip : {value<InGxKnlYStrip2d>(), value<InGyKnlYStrip2d>()})
-        if (!strip->getMargins().areAllAround(reach))
-            return failure(getObjectName() + ": the margins of the strips are not the greatest radius, "
-                           + std::to_string(reach));
+    const BoolResult fits = checkMargins(getObjectName(), reach, value<InGxKnlYStrip2d>(), value<InGyKnlYStrip2d>());
+    if (!fits)
+        return fits;
     setBorder<InGxKnlYStrip2d>(image::valuedBorder2d(0.0));
     setBorder<InGyKnlYStrip2d>(image::valuedBorder2d(0.0));
     auto& circles = value<OutHoughCircles2dPpties>()->access<HoughCircles2dPpties::Coll>().accessNodes();

@@ -2,6 +2,8 @@
 
 #include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dKernel.h"
 
+#include "Processor/StripMarginsCheck.h"
+
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 
@@ -13,9 +15,9 @@ ORVIK_DEFINE_ALGORITHM(ExtractHoughPeaks2dLvl3)
 
 processor::StageResult ExtractHoughPeaks2dLvl3::preProcess()
 {
-    for (const auto& strip : {value<InGxKnlYStrip2d>(), value<InGyKnlYStrip2d>()})
-        if (!strip->getMargins().areAllAround(1))
-            return failure(getObjectName() + ": the margins of the strips are not 1");
+    const BoolResult fits = checkMargins(getObjectName(), 1, value<InGxKnlYStrip2d>(), value<InGyKnlYStrip2d>());
+    if (!fits)
+        return fits;
     setBorder<InGxKnlYStrip2d>(image::valuedBorder2d(0.0));
     setBorder<InGyKnlYStrip2d>(image::valuedBorder2d(0.0));
     return processor::eSRT_Done;

@@ -19,8 +19,8 @@ processor::RetrievalResult HoughCircles2dImgLvl2::retrieveProvider(const core::B
                                                                    processor::ProviderPtr& provider)
 {
     ConstPtr<Rings<1>> rings;
-    const BoolResult made = makeRings(*value<InHoughCirclesKernelXY>(), *value<InHoughCirclesRadiusRange>(),
-                                      makeCone(value<InCircleIntensityType>(), value<InMaxAngleWithGradDir>()), rings);
+    const BoolResult made = makeRingsOnce(*value<InHoughCirclesKernelXY>(), *value<InHoughCirclesRadiusRange>(),
+                                          value<InCircleIntensityType>(), value<InMaxAngleWithGradDir>(), rings);
     if (!made)
         return made;
     const unsigned long reach = static_cast<unsigned long>(rings->getMaxRadius());

@@ -19,8 +19,8 @@ processor::RetrievalResult HoughCirclesPhaseCoded2dImgLvl2::retrieveProvider(con
                                                                              processor::ProviderPtr& provider)
 {
     ConstPtr<Rings<2>> rings;
-    const BoolResult made = makeRings(*value<InHoughCirclesPhaseCodedKernelXY>(), *value<InHoughCirclesRadiusRange>(),
-                                      makeCone(value<InCircleIntensityType>(), value<InMaxAngleWithGradDir>()), rings);
+    const BoolResult made = makeRingsOnce(*value<InHoughCirclesPhaseCodedKernelXY>(), *value<InHoughCirclesRadiusRange>(),
+                                          value<InCircleIntensityType>(), value<InMaxAngleWithGradDir>(), rings);
     if (!made)
         return made;
     const unsigned long reach = static_cast<unsigned long>(rings->getMaxRadius());

@@ -3,6 +3,7 @@
 #include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgKernel.h"
 
 #include "Processor/RingRecords.h"
+#include "Processor/StripMarginsCheck.h"
 
 #include "frame/attr/StripAttributes.h"
 #include "frame/attr/ValueAttributes.h"
@@ -27,16 +28,13 @@ void HoughCirclesPhaseCoded2dImgLvl3::forceForm(eRingForm form)
 
 processor::StageResult HoughCirclesPhaseCoded2dImgLvl3::preProcess()
 {
-    if (!m_rings) {
-        const BoolResult made = makeRings(*value<InHoughCirclesPhaseCodedKernelXY>(), *value<InHoughCirclesRadiusRange>(),
-                                          makeCone(value<InCircleIntensityType>(), value<InMaxAngleWithGradDir>()), m_rings);
-        if (!made)
-            return made;
-    }
-    for (const auto& strip : {value<InGxKnlYStrip2d>(), value<InGyKnlYStrip2d>()})
-        if (!strip->getMargins().areAllAround(static_cast<unsigned long>(m_rings->getMaxRadius())))
-            return failure(getObjectName() + ": the margins of the strips are not the greatest radius, "
-                           + std::to_string(m_rings->getMaxRadius()));
+    BoolResult fits = makeRingsOnce(*value<InHoughCirclesPhaseCodedKernelXY>(), *value<InHoughCirclesRadiusRange>(),
+                                    value<InCircleIntensityType>(), value<InMaxAngleWithGradDir>(), m_rings);
+    if (fits)
+        fits = checkMargins(getObjectName(), static_cast<unsigned long>(m_rings->getMaxRadius()), value<InGxKnlYStrip2d>(),
+                            value<InGyKnlYStrip2d>());
+    if (!fits)
+        return fits;
     setBorder<InGxKnlYStrip2d>(image::valuedBorder2d(0.0));
     setBorder<InGyKnlYStrip2d>(image::valuedBorder2d(0.0));
     if (!m_buffers)
