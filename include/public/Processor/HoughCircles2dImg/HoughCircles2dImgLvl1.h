@@ -37,12 +37,12 @@ class HoughCircles2dImgLvl1;
 /// Cost: X * Y * places * (about 0.1 ns with AVX-512), or for small angles that of the places that a gradient points to,
 /// a fifth to a tenth of it; memory for 4 * radius lines per thread, the list of places, and tables of some ten places
 /// each. The same bits for any strips, threads and instruction set.
-ORVIK_API ImagePtr houghCircles2dImg(const ConstImagePtr& inGx, const ConstImagePtr& inGy,
-                                     const ConstPtr<attr::HoughCirclesRadiusRange>& radiusRange);
 ORVIK_API void houghCircles2dImg(const ConstImagePtr& inGx, const ConstImagePtr& inGy,
                                  const ConstPtr<attr::HoughCirclesRadiusRange>& radiusRange,
                                  const attr::eCircleIntensityType& circleIntensityType, double maxAngleWithGradDir,
                                  unsigned int nbMaxPtsPerCircle, const ImagePtr& outImg);
+ORVIK_API ImagePtr houghCircles2dImg(const ConstImagePtr& inGx, const ConstImagePtr& inGy,
+                                     const ConstPtr<attr::HoughCirclesRadiusRange>& radiusRange);
 
 /// The same in the background; the scores are had by getAsyncProcessorOutput.
 ORVIK_API Ptr<HoughCircles2dImgLvl1> houghCircles2dImg_async(const ConstImagePtr& inGx, const ConstImagePtr& inGy,

@@ -22,15 +22,14 @@ class HoughCirclesPhaseCoded2dImgLvl1;
 ///
 /// @param outRealImg, outImImg  X by Y per plane, float, in units of the gradient.
 /// Other parameters, refusals and cost as for houghCircles2dImg, cost about twice. The same bits for any strips, threads and
-/// instruction set.
-/// @return the real and the imaginary part.
-ORVIK_API std::pair<ImagePtr, ImagePtr> houghCirclesPhaseCoded2dImg(
-    const ConstImagePtr& inGx, const ConstImagePtr& inGy, const ConstPtr<attr::HoughCirclesRadiusRange>& radiusRange);
+/// instruction set. The form without images returns new ones: the real and the imaginary part.
 ORVIK_API void houghCirclesPhaseCoded2dImg(const ConstImagePtr& inGx, const ConstImagePtr& inGy,
                                            const ConstPtr<attr::HoughCirclesRadiusRange>& radiusRange,
                                            const attr::eCircleIntensityType& circleIntensityType, double maxAngleWithGradDir,
                                            unsigned int nbMaxPtsPerCircle, const ImagePtr& outRealImg,
                                            const ImagePtr& outImImg);
+ORVIK_API std::pair<ImagePtr, ImagePtr> houghCirclesPhaseCoded2dImg(
+    const ConstImagePtr& inGx, const ConstImagePtr& inGy, const ConstPtr<attr::HoughCirclesRadiusRange>& radiusRange);
 
 /// The same in the background; the parts are had by getAsyncProcessorOutput.
 ORVIK_API Ptr<HoughCirclesPhaseCoded2dImgLvl1> houghCirclesPhaseCoded2dImg_async(
