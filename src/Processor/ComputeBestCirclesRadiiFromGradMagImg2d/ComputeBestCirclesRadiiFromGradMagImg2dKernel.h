@@ -50,10 +50,13 @@ RadiusScores::Row lookAtRow(const Strip& strip, long row, unsigned long line, un
             continue;
         rows[block] = row;
         const unsigned long x = block * kBlock;
-        toUnitGradients(strip.gx->accessBuffer(line) + x, strip.gy->accessBuffer(line) + x, kBlock, known.x + x, known.y + x,
-                        known.magnitude + x);
-        for (unsigned long i = x; i < x + kBlock; ++i)
-            known.codes[i] = RadiusScores::codeOf(known.x[i], known.y[i]);
+        float unitX[kBlock], unitY[kBlock], magnitudes[kBlock];
+        toUnitGradients(strip.gx->accessBuffer(line) + x, strip.gy->accessBuffer(line) + x, kBlock, unitX, unitY,
+                        magnitudes);
+        for (unsigned long i = 0; i < kBlock; ++i)
+            known.codes[x + i] = RadiusScores::codeOf(unitX[i], unitY[i]);
+        for (unsigned long i = 0; i < kBlock; ++i)
+            known.gradients[x + i] = {unitX[i], unitY[i], magnitudes[i]};
     }
     return known;
 }
@@ -68,10 +71,46 @@ struct CodeWindow
         const float widest = 0.5f;  // beyond, or where flat gradients might count, all are looked at
         if (!(cone.cosine > widest))
             return;
-        const double rounding = 1.01;  // of both codes, and of what they are made of
+        const double rounding = 2 * RadiusScores::g_codeError;
         const double codes = std::acos(static_cast<double>(cone.cosine)) * RadiusScores::g_codesPerRadian + rounding;
         turn = cone.isBoth ? 127 : 255;
         reach = 2 * codes < turn ? static_cast<unsigned char>(codes) : 127;
+    }
+};
+
+/// Places that may count, with the gradients there. They lie far apart, so they are asked for when they are found and read
+/// together, without a branch among them.
+struct Candidates
+{
+    static constexpr unsigned long size = 512;
+    const RadiusScores::Place* places[size];
+    const RadiusScores::Gradient* gradients[size];
+    unsigned long n = 0;
+
+    void add(const RadiusScores::Place* place, const RadiusScores::Gradient* gradient)
+    {
+        __builtin_prefetch(place);
+        __builtin_prefetch(gradient);
+        places[n] = place;
+        gradients[n++] = gradient;
+    }
+    /// Adds what they give to the sums of their radii, and forgets them.
+    void sumUp(const GradientCone& cone, std::vector<double>& sums)
+    {
+        float d[size], magnitudes[size];
+        for (unsigned long i = 0; i < n; ++i) {
+            d[i] = gradients[i]->unitX * places[i]->unitX + gradients[i]->unitY * places[i]->unitY;
+            magnitudes[i] = gradients[i]->magnitude;
+        }
+        const float width = 1.0f - cone.cosine;
+        for (unsigned long i = 0; i < n; ++i) {
+            const float share = cone.isBoth ? std::fabs(d[i]) : cone.isInward ? -d[i] : d[i];
+            const float weight = (share - cone.cosine) / width, product = weight * magnitudes[i];
+            d[i] = weight > 0.0f ? product : 0.0f;
+        }
+        for (unsigned long i = 0; i < n; ++i)
+            sums[places[i]->radius] += static_cast<double>(d[i]);
+        n = 0;
     }
 };
 
@@ -82,8 +121,7 @@ void sumShares(const Strip& strip, unsigned long line, unsigned long column, Rad
 {
     std::fill(scores.sums.begin(), scores.sums.end(), 0.0);
     const GradientCone& cone = strip.cone;
-    const float width = 1.0f - cone.cosine;
-    if (width == 0.0f)  // nothing passes
+    if (1.0f - cone.cosine == 0.0f)  // nothing passes
         return;
     typedef Lanes<unsigned char>::type Codes;
     const CodeWindow window(cone);
@@ -94,6 +132,7 @@ void sumShares(const Strip& strip, unsigned long line, unsigned long column, Rad
         return codes;
     };
     const Codes shift = allCodes(offset), turn = allCodes(window.turn), most = allCodes(std::min(2 * window.reach, 255));
+    Candidates found;
     long dy = -scores.maxRadius - 1;
     RadiusScores::Row row = {};
     for (const RadiusScores::Run& run : scores.runs) {
@@ -104,27 +143,24 @@ void sumShares(const Strip& strip, unsigned long line, unsigned long column, Rad
         }
         const unsigned long first = column + static_cast<unsigned long>(run.dx + scores.maxRadius);
         const unsigned long n = run.end - run.begin, lanes = Lanes<unsigned char>::count;
-        const float *const x = row.x + first, *const y = row.y + first, *const magnitude = row.magnitude + first;
         for (unsigned long i = 0; i < n; i += kBlock) {
-            unsigned long candidates = 0;
+            unsigned long bits = 0;
             for (unsigned long k = 0; k < kBlock; k += lanes) {
                 const Codes apart = (load(row.codes + first + i + k) - load(&scores.codes[run.begin + i + k]) + shift)
                                     & turn;
-                candidates |= bitsOf<unsigned char>(apart <= most) << k;
+                bits |= bitsOf<unsigned char>(apart <= most) << k;
             }
             if (n - i < kBlock)
-                candidates &= (1ul << (n - i)) - 1;
-            for (; candidates != 0; candidates &= candidates - 1) {
-                const unsigned long k = i + static_cast<unsigned long>(__builtin_ctzl(candidates));
-                const std::size_t place = run.begin + k;
-                float d = x[k] * scores.unitX[place] + y[k] * scores.unitY[place];
-                d = cone.isBoth ? std::fabs(d) : cone.isInward ? -d : d;
-                const float weight = (d - cone.cosine) / width;
-                // Nothing is added where it is none, without a branch that would be guessed wrong as often as not.
-                scores.sums[scores.radii[place]] += static_cast<double>(weight > 0.0f ? weight * magnitude[k] : 0.0f);
+                bits &= (1ul << (n - i)) - 1;
+            for (; bits != 0; bits &= bits - 1) {
+                const unsigned long k = i + static_cast<unsigned long>(__builtin_ctzl(bits));
+                found.add(&scores.places[run.begin + k], row.gradients + first + k);
             }
+            if (found.n + kBlock > Candidates::size)
+                found.sumUp(cone, scores.sums);
         }
     }
+    found.sumUp(cone, scores.sums);
 }
 
 }  // namespace

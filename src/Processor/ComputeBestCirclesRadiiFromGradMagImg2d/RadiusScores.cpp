@@ -12,17 +12,10 @@ using namespace attr;
 // Gradients are looked at in blocks of as many columns.
 static const unsigned long g_block = 64;
 
-unsigned char RadiusScores::codeOf(float x, float y)
-{
-    const float turn = std::atan2(y, x) * static_cast<float>(g_codesPerRadian);
-    return std::isfinite(turn) ? static_cast<unsigned char>(std::lround(turn)) : 0;  // no number has no direction
-}
-
 RadiusScores::Row RadiusScores::row(long y)
 {
     const std::size_t place = static_cast<std::size_t>((y + maxRadius) % (2 * maxRadius + 1)) * m_pitch;
-    float* const x = m_gradients.data() + 3 * place;
-    return {x, x + m_pitch, x + 2 * m_pitch, m_codes.data() + place};
+    return {m_gradients.data() + place, m_codes.data() + place};
 }
 
 long* RadiusScores::blocksOf(long y)
@@ -30,45 +23,41 @@ long* RadiusScores::blocksOf(long y)
     return m_rows.data() + static_cast<std::size_t>((y + maxRadius) % (2 * maxRadius + 1)) * m_nbBlocks;
 }
 
-BoolResult RadiusScores::init(const HoughCirclesKernelXY& places, const HoughCirclesRadiusRange& range,
+BoolResult RadiusScores::init(const HoughCirclesKernelXY& kernel, const HoughCirclesRadiusRange& range,
                               unsigned long nbColumns)
 {
-    typedef HoughCirclesKernelXYElt Place;
+    typedef HoughCirclesKernelXYElt Elt;
     minRadius = range.get<HoughCirclesRadiusRange::MinRadius>();
     maxRadius = range.get<HoughCirclesRadiusRange::MaxRadius>();
     if (maxRadius < 0)
         return failure("The greatest radius, " + std::to_string(maxRadius) + ", is negative");
-    const auto& nodes = places.get<HoughCirclesKernelXY::Coll>().getNodes();
+    const auto& nodes = kernel.get<HoughCirclesKernelXY::Coll>().getNodes();
     const std::size_t nbRadii = static_cast<std::size_t>(maxRadius) + 1, nbRows = 2 * nbRadii - 1;
     sums.assign(nbRadii, 0.0);
     counts.assign(nbRadii, 0);
     m_nbBlocks = (nbColumns + nbRows) / g_block + 1;
     m_pitch = (m_nbBlocks + 1) * g_block;
-    m_gradients.assign(3 * m_pitch * nbRows, 0.0f);
+    m_gradients.assign(m_pitch * nbRows, Gradient());
     m_codes.assign(m_pitch * nbRows + 2 * g_block, 0);
     m_rows.assign(m_nbBlocks * nbRows, -1 - maxRadius);
     codes.clear();
     runs.clear();
-    radii.clear();
-    unitX.clear();
-    unitY.clear();
+    places.clear();
     for (const auto& node : nodes) {
-        const long dx = node->get<Place::OffsetX>(), dy = node->get<Place::OffsetY>();
-        const long radius = static_cast<long>(node->get<Place::Radius>());
+        const long dx = node->get<Elt::OffsetX>(), dy = node->get<Elt::OffsetY>();
+        const long radius = static_cast<long>(node->get<Elt::Radius>());
         if (std::max({std::labs(dx), std::labs(dy), radius}) > maxRadius)
             return failure("A place of the rings, at offset (" + std::to_string(dx) + ", " + std::to_string(dy)
                            + "), lies beyond the greatest radius, " + std::to_string(maxRadius));
         if (runs.empty() || runs.back().dy != dy
-            || runs.back().dx + static_cast<long>(radii.size() - runs.back().begin) != dx)
-            runs.push_back({dx, dy, radii.size(), radii.size()});
-        unitX.push_back(node->get<Place::UnitX>());
-        unitY.push_back(node->get<Place::UnitY>());
-        codes.push_back(codeOf(unitX.back(), unitY.back()));
-        radii.push_back(static_cast<unsigned int>(radius));
+            || runs.back().dx + static_cast<long>(places.size() - runs.back().begin) != dx)
+            runs.push_back({dx, dy, places.size(), places.size()});
+        places.push_back({node->get<Elt::UnitX>(), node->get<Elt::UnitY>(), static_cast<unsigned int>(radius)});
+        codes.push_back(codeOf(places.back().unitX, places.back().unitY));
         ++counts[static_cast<std::size_t>(radius)];
-        runs.back().end = radii.size();
+        runs.back().end = places.size();
     }
-    codes.resize(radii.size() + 2 * g_block);
+    codes.resize(places.size() + 2 * g_block);
     return success();
 }
 

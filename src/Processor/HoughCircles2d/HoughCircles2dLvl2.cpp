@@ -30,21 +30,13 @@ bool HoughCircles2dLvl2::isPhaseCoded() const
 processor::RetrievalResult HoughCircles2dLvl2::retrieveProvider(
     const core::BasePriority& priority, unsigned int iterationNumber, processor::ProviderPtr& provider)
 {
-    const unsigned int last = 4;
-    if (iterationNumber > last)
-        return invalidIteration(last);
     const bool isCoded = isPhaseCoded();
     switch (iterationNumber) {
     case 0: return isCoded ? houghCirclePhaseCoded(priority, provider) : houghCircle(priority, provider);
     case 1: return isCoded ? maxL2Norm(priority, provider) : statsMsr(priority, provider);
     case 2: return isCoded ? houghPeaks(priority, provider) : localExtrema(priority, provider);
-    case 3:
-        return isCoded ? extractRadiusFromHough(priority, provider) : computeBestCirclesRadiiFromGradMag(priority, provider);
-    default: break;
+    default: return nextRadii(priority, provider);
     }
-    const BoolResult removed = removeTooClose(*value<InRemoveTooCloseCirclesParams>(), *value<OutHoughCircles2dPpties>(),
-                                              [&] { return getOrigin().isCancellationRequested(); });
-    return removed ? processor::RetrievalResult(processor::eRRT_NoMoreProvider) : processor::RetrievalResult(removed);
 }
 
 processor::RetrievalResult HoughCircles2dLvl2::houghCircle(const core::BasePriority& priority,
@@ -130,6 +122,55 @@ processor::RetrievalResult HoughCircles2dLvl2::houghPeaks(const core::BasePriori
                                              same<InOptLowestMax>(getThreshold()), same<OutPixels2d>(m_centers));
 }
 
+/// The centres whose radii are looked for at a time, and the circles that stay so far.
+struct HoughCircles2dLvl2::Rounds
+{
+    FeaturesThatStay<HoughCircle2dPpties> stay;
+    Ptr<Pixels2d> centers;
+    Ptr<HoughCircles2dPpties> circles;
+    std::size_t nbDecided = 0;  // of the plane's centres
+};
+
+processor::RetrievalResult HoughCircles2dLvl2::nextRadii(const core::BasePriority& priority,
+                                                         processor::ProviderPtr& provider)
+{
+    const auto& all = m_centers->get<Pixels2d::Coll>().getNodes();
+    if (!m_rounds) {
+        m_rounds = boost::make_shared<Rounds>();
+        m_rounds->stay.init(*value<InRemoveTooCloseCirclesParams>());
+    } else {
+        for (const auto& circle : m_rounds->circles->get<HoughCircles2dPpties::Coll>().getNodes()) {
+            if (getOrigin().isCancellationRequested())
+                return failure(core::getCancelledText());
+            m_rounds->stay.add(circle);
+        }
+    }
+
+    const double leastRadius =
+        static_cast<double>(value<InHoughCirclesRadiusRange>()->get<HoughCirclesRadiusRange::MinRadius>());
+    // Phases are read at once, and circles that keep less distance when they grow can't be told without their radii.
+    const bool isInRounds = !isPhaseCoded() && leastRadius >= 0 && m_rounds->stay.growsWithRadii();
+    // A round makes the rings again, so there should be few: each looks at more.
+    const std::size_t leastPerRound = 64;
+    const std::size_t most = isInRounds ? std::max(leastPerRound, m_rounds->nbDecided / 4) : all.size();
+    m_rounds->centers = Pixels2d::createNode();
+    m_rounds->circles = HoughCircles2dPpties::createNode();
+    auto& centers = m_rounds->centers->access<Pixels2d::Coll>().accessNodes();
+    for (; m_rounds->nbDecided < all.size() && centers.size() < most; ++m_rounds->nbDecided) {
+        const boost::shared_ptr<Pixel2d>& center = all[m_rounds->nbDecided];
+        const std::size_t often = 1024;
+        if (m_rounds->nbDecided % often == 0 && getOrigin().isCancellationRequested())
+            return failure(core::getCancelledText());
+        if (!isInRounds || !m_rounds->stay.isTooClose(centerOf(*center), leastRadius))
+            centers.push_back(center);
+    }
+    if (!centers.empty())
+        return isPhaseCoded() ? extractRadiusFromHough(priority, provider)
+                              : computeBestCirclesRadiiFromGradMag(priority, provider);
+    value<OutHoughCircles2dPpties>()->access<HoughCircles2dPpties::Coll>().accessNodes() = m_rounds->stay.getNodes();
+    return processor::eRRT_NoMoreProvider;
+}
+
 processor::RetrievalResult HoughCircles2dLvl2::computeBestCirclesRadiiFromGradMag(const core::BasePriority& priority,
                                                                                   processor::ProviderPtr& provider)
 {
@@ -137,8 +178,8 @@ processor::RetrievalResult HoughCircles2dLvl2::computeBestCirclesRadiiFromGradMa
         priority, provider, same<InGxSingleGreyImg2d>(value<InSubGxImg2d>()),
         same<InGySingleGreyImg2d>(value<InSubGyImg2d>()), same<InOptCircleIntensityType>(value<InCircleIntensityType>()),
         same(attribute<InHoughCirclesRadiusRange>()), same(attribute<InMaxAngleWithGradDir>()),
-        same(attribute<InNbMaxPtsPerCircle>()), same<InHoughCircles2dCenters>(m_centers),
-        same(attribute<OutHoughCircles2dPpties>()));
+        same(attribute<InNbMaxPtsPerCircle>()), same<InHoughCircles2dCenters>(m_rounds->centers),
+        same<OutHoughCircles2dPpties>(m_rounds->circles));
 }
 
 processor::RetrievalResult HoughCircles2dLvl2::extractRadiusFromHough(const core::BasePriority& priority,
@@ -146,14 +187,15 @@ processor::RetrievalResult HoughCircles2dLvl2::extractRadiusFromHough(const core
 {
     return delegate<ExtractRadiusFromHoughImgLvl1>(
         priority, provider, same<InSingleGreyComplexRealImg2d>(value<OutRealImg1>()),
-        same<InSingleGreyComplexImImg2d>(value<OutOptRealImg2>()), same<InHoughCircles2dCenters>(m_centers),
-        same(attribute<InHoughCirclesRadiusRange>()), same(attribute<OutHoughCircles2dPpties>()));
+        same<InSingleGreyComplexImImg2d>(value<OutOptRealImg2>()), same<InHoughCircles2dCenters>(m_rounds->centers),
+        same(attribute<InHoughCirclesRadiusRange>()), same<OutHoughCircles2dPpties>(m_rounds->circles));
 }
 
 void HoughCircles2dLvl2::clearIntermediateData() noexcept
 {
     m_stats.reset();
     m_centers.reset();
+    m_rounds.reset();
 }
 
 }}}  // namespace orvik::imaproc::fd
