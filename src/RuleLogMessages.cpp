@@ -21,6 +21,8 @@ void MsgMapRegistratorDerived<imaproc::fd::eLibraryRuleMessage, void>::addRows(L
     typedef imaproc::fd::eLibraryRuleMessage E;
     manager.addMessage(E::eAccumulatorHasBins, "accumulator of %s has 1 to %d bins along rho and along theta");
     manager.addMessage(E::eAccumulatorBins, "%s: %d along rho, %d along theta");
+    manager.addMessage(E::eIsNumber, "%s is a number");
+    manager.addMessage(E::eIsNumberEvaluated, "%s: %s");
 }
 
 }}  // namespace orvik::details

@@ -3,6 +3,7 @@
 #include "FamilyShapes.h"
 #include "GaussianFormula.h"
 #include "InstructionSets.h"
+#include "LinesReference.h"
 
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl2.h"
@@ -21,19 +22,6 @@ typedef boost::shared_ptr<const Params> ParamsPtr;
 ParamsPtr paramsOf(double rhoStep, double thetaMin, double thetaMax, unsigned int nbThetaBins, float threshold)
 {
     return Params::createNode(rhoStep, thetaMin, thetaMax, nbThetaBins, threshold);
-}
-
-/// Bins on either side of rho 0.
-double halfRho(const BaseImage& plane, double rhoStep)
-{
-    const double hx = std::ceil(0.5 * static_cast<double>(plane.getSizeX()));
-    const double hy = std::ceil(0.5 * static_cast<double>(plane.getSizeY()));
-    return std::trunc(1.0 + std::sqrt(hx * hx + hy * hy) / rhoStep);
-}
-
-unsigned long columnsOf(const BaseImage& plane, double rhoStep)
-{
-    return 2 * static_cast<unsigned long>(halfRho(plane, rhoStep));
 }
 
 /// Adds the votes of a plane to an accumulator, pixel by pixel. Floats beyond the limits of whole numbers count as the

@@ -2,8 +2,8 @@
 
 #include "FamilyShapes.h"
 #include "GaussianFormula.h"
+#include "LinesReference.h"
 
-#include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl2.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
@@ -34,41 +34,6 @@ void draw(BaseImage& image, double rho, double theta)
 bool isCyclic(const Params& params)
 {
     return params.get<Params::ThetaMin>() <= 0 && params.get<Params::ThetaMax>() >= kPi;
-}
-
-/// The lines from their definition, given the votes.
-Numbers expectedLines(const BaseImage& plane, const ImagePtr& accumulator, const Params& params,
-                      const Extraction& extraction)
-{
-    const double rhoStep = params.get<Params::RhoStep>(), thetaMin = params.get<Params::ThetaMin>();
-    const double nbAngles = params.get<Params::NbThetaBins>(),
-                 thetaStep = (params.get<Params::ThetaMax>() - thetaMin) / nbAngles;
-    const unsigned int dist = extraction.get<Extraction::PeakDist>();
-    double threshold = extraction.get<Extraction::Threshold>();
-    Numbers bins = planeOf(*accumulator).samples;
-    std::sort(bins.begin(), bins.end());
-    if (extraction.get<Extraction::ThresholdType>() == eHLTT_Ratio)
-        threshold *= bins.back();
-    else if (extraction.get<Extraction::ThresholdType>() == eHLTT_Quantile)
-        threshold = bins[static_cast<std::size_t>(
-            std::max(0.0, std::ceil(std::min(threshold, 1.0) * static_cast<double>(bins.size())) - 1))];
-    const double centreX = static_cast<double>(plane.getSizeX() / 2), centreY = static_cast<double>(plane.getSizeY() / 2);
-    const double halfRho = static_cast<double>(accumulator->getSizeX() / 2);
-    const auto peaks = extractLocalExtrema2d(accumulator, dist, dist, createLocalExtremaConfig(eLET_Maxima, threshold));
-    Numbers lines = {0};
-    for (std::size_t i = 0; i < peaks->size(); ++i) {
-        double x = (*peaks)[i].get<Pixel2d::X>(), y = (*peaks)[i].get<Pixel2d::Y>();
-        if (isCyclic(params) && (y < dist || y >= dist + nbAngles))
-            continue;
-        const bool mirrored = isCyclic(params) && y >= nbAngles;
-        y -= mirrored ? nbAngles : 0;
-        x = mirrored ? 2 * halfRho - 1 - x : x;
-        const double angle = y * thetaStep + thetaMin, theta = isCyclic(params) ? std::fmod(angle, kPi) : angle;
-        append(lines, {rhoStep * (x - halfRho) + centreX * std::cos(theta) + centreY * std::sin(theta), theta,
-                       (*peaks)[i].get<Pixel2d::Value>()});
-        ++lines[0];
-    }
-    return lines;
 }
 
 /// Some lines and some noise.
@@ -114,7 +79,8 @@ TEST(HoughLines, AreTheHighestBinsOfTheContinuedAccumulator)
                     const unsigned long column = y / nbAngles % 2 == 0 ? x : sizeX - 1 - x;
                     ASSERT_EQ(sampleAt(*votes, column, y % nbAngles), sampleAt(out, x, y)) << x << ", " << y;
                 });
-                EXPECT_TRUE(same(expectedLines(*plane, accumulator, *params, *extraction), numbersOf(lines)));
+                EXPECT_TRUE(same(expectedLines(*plane, accumulator, *params, *extraction, isCyclic(*params), kPi),
+                                 numbersOf(lines)));
             }
 }
 

@@ -42,6 +42,8 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     const ImagePtr grey = planes->getView(PlanIndex(), 1);  // votes of floats depend on the order of threads
     const auto thresholds = attr::CannyThresholds::createNode(1, 2);
     const auto votes = attr::HoughLinesImgParams::createNode(1.0, 0.0, kPi, 20u, 0.5f);
+    // That of the largest sample alone, for the same reason.
+    const auto gradientVotes = attr::HoughLinesGradientImgParams::createNode(1.0, -kPi, kPi, 60u, 20.0f);
     const auto radii = attr::createHoughCirclesRadiusRange(2, 6);
     const auto extraction = ConstPtr<attr::HoughLinesExtractionParams>();
 
@@ -70,6 +72,8 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     ORVIK_CALLS(extractHoughPeaks2d, plane, other, 1.0);
     ORVIK_CALLS(houghLines2dImg, planes, votes);
     ORVIK_PLANE_CALLS(houghLines2d, votes, extraction);
+    ORVIK_CALLS(houghLinesGradient2dImg, plane, other, gradientVotes, 0.1f);
+    ORVIK_CALLS(houghLinesGradient2d, plane, other, gradientVotes, extraction, 0.1f);
 
 #undef ORVIK_CALL
 #undef ORVIK_BACKGROUND_CALL

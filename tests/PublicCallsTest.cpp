@@ -53,6 +53,10 @@ TEST(PublicCalls, OfStacksGiveWhatEachPlaneGives)
     expectPlanes(multiSlice_houghLines2d(stack, votes, lines).first,
                  [&](const ImagePtr& in) { return houghLines2d(in, votes, lines).first; });
     expectPlanes(multiSlice_houghLines2d(stack).second, [](const ImagePtr& in) { return houghLines2d(in).second; });
+    const WithThreads one(1);  // sums of floats depend on the order of threads
+    expectEach([](const ImagePtr& in) { return houghLinesGradient2dImg(in, in); });
+    expectPlanes(multiSlice_houghLinesGradient2d(stack, stack).first,
+                 [](const ImagePtr& in) { return houghLinesGradient2d(in, in).first; });
 }
 
 }  // namespace

@@ -13,6 +13,8 @@
 #include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
+#include "Processor/HoughLinesGradient2d/HoughLinesGradient2dLvl1.h"
+#include "Processor/HoughLinesGradient2dImg/HoughLinesGradient2dImgLvl1.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
 
 #include "frame/processor/ProcessorFactory.h"
@@ -110,6 +112,11 @@ std::vector<ImagesOfClass> allClasses()
 {
     const ImagePtr voters = createImage(eIBT_UInt32, g_planes);
     const ImagePtr votes = fd::houghLines2dImg(voters), votesOfLines = fd::multiSlice_houghLines2d(voters).second;
+    // So few gradients that no bin has three of them: threads add floats in any order.
+    const auto fewVotes = HoughLinesGradientImgParams::createNode(1.0, -kPi, kPi, 60u, 330.0f);
+    const ImagePtr gradientVotes = fd::houghLinesGradient2dImg(voters, voters, fewVotes, 0.1f);
+    const ImagePtr votesOfGradientLines =
+        fd::multiSlice_houghLinesGradient2d(voters, voters, fewVotes, nullptr, 0.1f).second;
     const auto centers = Pixels2d::createNode();
     centers->access<Pixels2d::Coll>().push_back(Pixel2d::createNode(7, 9, 1));
     const auto radii = createHoughCirclesRadiusRange(2, 6);
@@ -148,6 +155,12 @@ std::vector<ImagesOfClass> allClasses()
         imagesOf<fd::HoughLines2dLvl1, InGreyImg2d, OutOptImg>({{eIBT_UInt32, g_planes},
                                                                 {eIBT_UInt32, votesOfLines->getGeometry().getSizes()}},
                                                                {}, with<>(), Results<OutPIHoughLines2dPpties, OutOptImg>()),
+        imagesOf<fd::HoughLinesGradient2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d, OutRealImg>(
+            {{eIBT_UInt8, g_planes}, {eIBT_UInt8, g_planes}, {eIBT_Real32, gradientVotes->getGeometry().getSizes()}}, {},
+            with<InOptHoughLinesGradientImgParams>(fewVotes), Results<OutRealImg>()),
+        imagesOf<fd::HoughLinesGradient2dLvl1, InGxGreyImg2d, InGyGreyImg2d, OutOptRealImg>(
+            {{eIBT_UInt8, g_planes}, {eIBT_UInt8, g_planes}, {eIBT_Real32, votesOfGradientLines->getGeometry().getSizes()}},
+            {}, with<InOptHoughLinesGradientImgParams>(fewVotes), Results<OutPIHoughLines2dPpties, OutOptRealImg>()),
         imagesOf<filter::GaussianGradient2dImgLvl1, InImg, OutOptGradXImg, OutOptGradYImg>(
             {{eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Int16, g_planes}}, {},
             with<InStdDevX, InStdDevY>(1.0f, 0.7f), Results<OutOptGradXImg, OutOptGradYImg>()),

@@ -48,6 +48,11 @@ boost::shared_ptr<HoughLinesImgParams> createHoughLinesImgParams()
     return HoughLinesImgParams::createNode(1.0, 0.0, M_PI, 180u, 0.0f);
 }
 
+boost::shared_ptr<HoughLinesGradientImgParams> createHoughLinesGradientImgParams()
+{
+    return HoughLinesGradientImgParams::createNode(1.0, -M_PI, M_PI, 360u, 0.0f);
+}
+
 boost::shared_ptr<HoughLinesExtractionParams> createHoughLinesExtractionParams()
 {
     return HoughLinesExtractionParams::createNode(eHLTT_Ratio, 0.5, 10u);

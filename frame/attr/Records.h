@@ -52,6 +52,12 @@ ORVIK_RECORD(HoughLinesImgParams, (double, RhoStep)(double, ThetaMin)(double, Th
 /// Bins of 1 pixel and 180 angles from 0 to pi; pixels above 0 vote.
 ORVIK_API boost::shared_ptr<HoughLinesImgParams> createHoughLinesImgParams();
 
+/// The same for votes of gradients: a pixel votes with the magnitude of its gradient when that is above `PixelThreshold`.
+ORVIK_RECORD(HoughLinesGradientImgParams, (double, RhoStep)(double, ThetaMin)(double, ThetaMax)(unsigned int, NbThetaBins)
+                                          (float, PixelThreshold));
+/// Bins of 1 pixel and 360 angles from -pi to pi; gradients above 0 vote.
+ORVIK_API boost::shared_ptr<HoughLinesGradientImgParams> createHoughLinesGradientImgParams();
+
 /// Which bins of an accumulator are lines: the highest ones within `PeakDist` bins along rho and theta, whose votes reach
 /// `Threshold`, which `ThresholdType` explains: see eHoughLinesThresholdType.
 ORVIK_RECORD(HoughLinesExtractionParams, (int, ThresholdType)(double, Threshold)(unsigned int, PeakDist));

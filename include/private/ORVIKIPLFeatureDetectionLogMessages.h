@@ -35,7 +35,9 @@ struct eLibraryRuleMessage
     enum domain
     {
         eAccumulatorHasBins,
-        eAccumulatorBins
+        eAccumulatorBins,
+        eIsNumber,
+        eIsNumberEvaluated
     };
 };
 

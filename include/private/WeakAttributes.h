@@ -2,6 +2,8 @@
 
 #include "ORVIKIPLFeatureDetectionLogMessages.h"
 
+#include "frame/util/Arena.h"
+
 #include <boost/weak_ptr.hpp>
 
 namespace orvik { namespace imaproc { namespace fd {
@@ -23,6 +25,15 @@ boost::shared_ptr<Attribute> lockAttribute(const boost::weak_ptr<Attribute>& att
     if (!locked)
         ORVIK_THROW(ORVIKIPLFeatureDetectionException, g_featureDetectionLogSource, eRuleMessage::eAttributeExpired);
     return locked;
+}
+
+/// What is given its attributes by `init`.
+template<class Made, class... Attributes>
+boost::shared_ptr<Made> makeInitialised(const Attributes&... attributes)
+{
+    const boost::shared_ptr<Made> made = makeTogether<Made>();
+    made->init(attributes...);
+    return made;
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -11,6 +11,8 @@
 #include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgLvl1.h"
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
+#include "Processor/HoughLinesGradient2d/HoughLinesGradient2dLvl1.h"
+#include "Processor/HoughLinesGradient2dImg/HoughLinesGradient2dImgLvl1.h"
 
 #include "frame/attr/Records.h"
 #include "frame/core/Scheduler.h"

@@ -9,9 +9,11 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-CustomHoughLines2dImgOutputInitializer::~CustomHoughLines2dImgOutputInitializer() = default;
+template<class Params>
+BaseHoughLinesImgOutputInitializer<Params>::~BaseHoughLinesImgOutputInitializer() = default;
 
-void CustomHoughLines2dImgOutputInitializer::init(const WeakImage& input, const WeakHoughLinesImgParams& params)
+template<class Params>
+void BaseHoughLinesImgOutputInitializer<Params>::init(const WeakImage& input, const boost::weak_ptr<const Params>& params)
 {
     checkNotNull<eOutputInitializerMessage>(input);
     checkNotNull<eOutputInitializerMessage>(params);
@@ -19,20 +21,29 @@ void CustomHoughLines2dImgOutputInitializer::init(const WeakImage& input, const 
     m_params = params;
 }
 
-boost::shared_ptr<const InOptHoughLinesImgParams> CustomHoughLines2dImgOutputInitializer::getParams() const
+template<class Params>
+boost::shared_ptr<const Params> BaseHoughLinesImgOutputInitializer<Params>::getParams() const
 {
     return lockAttribute(m_params);
 }
 
-unsigned long CustomHoughLines2dImgOutputInitializer::getSizeX() const
+template<class Params>
+unsigned long BaseHoughLinesImgOutputInitializer<Params>::getSizeX() const
 {
     return accumulatorSizeX(*getInputImage(), *getParams()->getDataItemNode());
 }
 
-unsigned long CustomHoughLines2dImgOutputInitializer::getSizeY() const
+template<class Params>
+unsigned long BaseHoughLinesImgOutputInitializer<Params>::getSizeY() const
 {
-    return getParams()->getDataItemNode()->get<HoughLinesImgParams::NbThetaBins>();
+    return nbAnglesOf(*getParams()->getDataItemNode());
 }
+
+template class BaseHoughLinesImgOutputInitializer<InOptHoughLinesImgParams>;
+template class BaseHoughLinesImgOutputInitializer<InOptHoughLinesGradientImgParams>;
+
+CustomHoughLines2dImgOutputInitializer::~CustomHoughLines2dImgOutputInitializer() = default;
+CustomHoughLinesGradient2dImgOutputInitializer::~CustomHoughLinesGradient2dImgOutputInitializer() = default;
 
 image::eImageBufferType CustomHoughLines2dImgOutputInitializer::getImageBufferType() const
 {
@@ -50,12 +61,21 @@ image::eImageBufferType CustomHoughLines2dImgOutputInitializer::getImageBufferTy
     }
 }
 
+image::eImageBufferType CustomHoughLinesGradient2dImgOutputInitializer::getImageBufferType() const
+{
+    return image::eIBT_Real32;
+}
+
 boost::shared_ptr<CustomHoughLines2dImgOutputInitializer> outputHoughLines2dImg(const WeakImage& input,
                                                                                 const WeakHoughLinesImgParams& params)
 {
-    const auto initializer = makeTogether<CustomHoughLines2dImgOutputInitializer>();
-    initializer->init(input, params);
-    return initializer;
+    return makeInitialised<CustomHoughLines2dImgOutputInitializer>(input, params);
+}
+
+boost::shared_ptr<CustomHoughLinesGradient2dImgOutputInitializer> outputHoughLinesGradient2dImg(
+    const WeakImage& input, const WeakHoughLinesGradientImgParams& params)
+{
+    return makeInitialised<CustomHoughLinesGradient2dImgOutputInitializer>(input, params);
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -9,20 +9,31 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-CustomHoughLines2dOutputInitializer::~CustomHoughLines2dOutputInitializer() = default;
+template<class Votes, class Params>
+BaseHoughLinesOutputInitializer<Votes, Params>::~BaseHoughLinesOutputInitializer() = default;
 
-void CustomHoughLines2dOutputInitializer::init(const WeakImage& input, const WeakHoughLinesImgParams& params,
-                                               const WeakHoughLinesExtractionParams& extractionParams)
+template<class Votes, class Params>
+void BaseHoughLinesOutputInitializer<Votes, Params>::init(const WeakImage& input,
+                                                          const boost::weak_ptr<const Params>& params,
+                                                          const WeakHoughLinesExtractionParams& extractionParams)
 {
-    CustomHoughLines2dImgOutputInitializer::init(input, params);
+    Votes::init(input, params);
     checkNotNull<eOutputInitializerMessage>(extractionParams);
     m_extractionParams = extractionParams;
 }
 
-unsigned long CustomHoughLines2dOutputInitializer::getSizeY() const
+template<class Votes, class Params>
+unsigned long BaseHoughLinesOutputInitializer<Votes, Params>::getSizeY() const
 {
-    return accumulatorSizeY(*getParams()->getDataItemNode(), *lockAttribute(m_extractionParams)->getDataItemNode());
+    return accumulatorSizeY(*this->getParams()->getDataItemNode(), *lockAttribute(m_extractionParams)->getDataItemNode());
 }
+
+template class BaseHoughLinesOutputInitializer<CustomHoughLines2dImgOutputInitializer, InOptHoughLinesImgParams>;
+template class BaseHoughLinesOutputInitializer<CustomHoughLinesGradient2dImgOutputInitializer,
+                                               InOptHoughLinesGradientImgParams>;
+
+CustomHoughLines2dOutputInitializer::~CustomHoughLines2dOutputInitializer() = default;
+CustomHoughLinesGradient2dOutputInitializer::~CustomHoughLinesGradient2dOutputInitializer() = default;
 
 image::eImageBufferType CustomHoughLines2dOutputInitializer::getImageBufferType() const
 {
@@ -32,9 +43,14 @@ image::eImageBufferType CustomHoughLines2dOutputInitializer::getImageBufferType(
 boost::shared_ptr<CustomHoughLines2dOutputInitializer> outputHoughLines2d(
     const WeakImage& input, const WeakHoughLinesImgParams& params, const WeakHoughLinesExtractionParams& extractionParams)
 {
-    const auto initializer = makeTogether<CustomHoughLines2dOutputInitializer>();
-    initializer->init(input, params, extractionParams);
-    return initializer;
+    return makeInitialised<CustomHoughLines2dOutputInitializer>(input, params, extractionParams);
+}
+
+boost::shared_ptr<CustomHoughLinesGradient2dOutputInitializer> outputHoughLinesGradient2d(
+    const WeakImage& input, const WeakHoughLinesGradientImgParams& params,
+    const WeakHoughLinesExtractionParams& extractionParams)
+{
+    return makeInitialised<CustomHoughLinesGradient2dOutputInitializer>(input, params, extractionParams);
 }
 
 }}}  // namespace orvik::imaproc::fd

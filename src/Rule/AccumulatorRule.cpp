@@ -41,21 +41,51 @@ private:
     boost::shared_ptr<const BaseCustomImageInfo> m_made;
 };
 
+class NumberRule : public processor::BaseValuePropertyRule
+{
+public:
+    bool testRule() const override { return getValue() == getValue(); }
+    std::string createRuleFormalString() const override
+    {
+        return messageText(getORVIKIPLFeatureDetectionLogMessageManager(), eLibraryRuleMessage::eIsNumber,
+                           getAttribute1()->getObjectName());
+    }
+    std::string createRuleEvaluatedString(unsigned int depth) const override
+    {
+        return createRuleEvaluatedStartString(depth)
+               + messageText(getORVIKIPLFeatureDetectionLogMessageManager(), eLibraryRuleMessage::eIsNumberEvaluated,
+                             createRuleFormalString(), std::to_string(getValue()))
+               + "\n";
+    }
+
+private:
+    float getValue() const
+    {
+        return static_cast<const processor::BaseValueAttribute<float>&>(*getAttribute1()).getStorage();
+    }
+};
+
 }  // namespace
 
 processor::RulePtr accumulatorFits(const WeakImage& in, const WeakImage& out,
                                    const boost::shared_ptr<BaseCustomCheckedImageProperty>& columns,
                                    const boost::shared_ptr<BaseCustomCheckedImageProperty>& rows,
-                                   const boost::shared_ptr<BaseCustomCheckedImageProperty>& bufferType)
+                                   const processor::RulePtr& bufferType)
 {
-    return customImageProperty(out, columns) && customImageProperty(out, rows) && customImageProperty(out, bufferType)
-           && matchSize(eMIST_ZCT, in, out) && matchVolumeGeometryType(in, out) && matchColorGeometryType(in, out)
-           && noInSitu(in, out);
+    return customImageProperty(out, columns) && customImageProperty(out, rows) && bufferType && matchSize(eMIST_ZCT, in, out)
+           && matchVolumeGeometryType(in, out) && matchColorGeometryType(in, out) && noInSitu(in, out);
 }
 
 processor::RulePtr accumulatorHasBins(const WeakImage& input, const boost::shared_ptr<const BaseCustomImageInfo>& made)
 {
     return makeTogether<AccumulatorRule>(input, made);
+}
+
+processor::RulePtr toleranceIsNumber(const boost::weak_ptr<const processor::BaseValueAttribute<float>>& tolerance)
+{
+    const auto rule = makeTogether<NumberRule>();
+    rule->initBase(tolerance);
+    return rule;
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -1,5 +1,6 @@
 #include "Rule/HoughLines2dImgRuleUtils.h"
 
+#include "Processor/HoughLines2dImg/HoughLinesGeometry.h"
 #include "WeakAttributes.h"
 
 #include "frame/attr/ImageAttributes.h"
@@ -9,66 +10,23 @@ namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
 
-namespace {
-
-void checkInitialised(bool initialised)
+void checkInitialised(bool isInitialised)
 {
-    if (!initialised)
+    if (!isInitialised)
         ORVIK_THROW(ORVIKIPLFeatureDetectionException, g_featureDetectionLogSource, eRuleMessage::eNotInitialised);
 }
 
-/// What a property was given by its init.
-template<class Made>
-const Made& initialised(const boost::shared_ptr<Made>& made)
-{
-    checkInitialised(made != nullptr);
-    return *made;
-}
-
-}  // namespace
-
+template<class Out, class Params>
+BaseHoughLinesImageSizeYGreaterOrEqual<Out, Params>::~BaseHoughLinesImageSizeYGreaterOrEqual() = default;
 HoughLines2dImgImageSizeX::~HoughLines2dImgImageSizeX() = default;
 HoughLines2dImgImageSizeY::~HoughLines2dImgImageSizeY() = default;
 HoughLines2dImageSizeY::~HoughLines2dImageSizeY() = default;
 HoughLines2dImgOutputBufferType::~HoughLines2dImgOutputBufferType() = default;
 HoughLines2dImageSizeYGreaterOrEqual::~HoughLines2dImageSizeYGreaterOrEqual() = default;
-
-void HoughLines2dImgImageSizeX::init(const WeakImage& input, const WeakHoughLinesImgParams& params)
-{
-    m_made = outputHoughLines2dImg(input, params);
-    initBase(input);
-    enableCheck(eCIP_SizeX);
-}
-
-unsigned long HoughLines2dImgImageSizeX::getSizeX() const
-{
-    return initialised(m_made).getSizeX();
-}
-
-void HoughLines2dImgImageSizeY::init(const WeakImage& input, const WeakHoughLinesImgParams& params)
-{
-    m_made = outputHoughLines2dImg(input, params);
-    initBase(input);
-    enableCheck(eCIP_SizeY);
-}
-
-unsigned long HoughLines2dImgImageSizeY::getSizeY() const
-{
-    return initialised(m_made).getSizeY();
-}
-
-void HoughLines2dImageSizeY::init(const WeakImage& input, const WeakHoughLinesImgParams& params,
-                                  const WeakHoughLinesExtractionParams& extractionParams)
-{
-    m_made = outputHoughLines2d(input, params, extractionParams);
-    initBase(input);
-    enableCheck(eCIP_SizeY);
-}
-
-unsigned long HoughLines2dImageSizeY::getSizeY() const
-{
-    return initialised(m_made).getSizeY();
-}
+HoughLinesGradient2dImgImageSizeX::~HoughLinesGradient2dImgImageSizeX() = default;
+HoughLinesGradient2dImgImageSizeY::~HoughLinesGradient2dImgImageSizeY() = default;
+HoughLinesGradient2dImageSizeY::~HoughLinesGradient2dImageSizeY() = default;
+HoughLinesGradient2dImageSizeYGreaterOrEqual::~HoughLinesGradient2dImageSizeYGreaterOrEqual() = default;
 
 void HoughLines2dImgOutputBufferType::init(const WeakImage& input, bool unsignedAsWell)
 {
@@ -107,33 +65,38 @@ std::vector<image::eImageBufferType> HoughLines2dImgOutputBufferType::getAllowed
     return {image::eIBT_Int32, image::eIBT_UInt32, image::eIBT_Real32};
 }
 
-void HoughLines2dImageSizeYGreaterOrEqual::init(const boost::weak_ptr<const OutImg>& out,
-                                                const WeakHoughLinesImgParams& params)
+template<class Out, class Params>
+void BaseHoughLinesImageSizeYGreaterOrEqual<Out, Params>::init(const boost::weak_ptr<const Out>& out,
+                                                               const boost::weak_ptr<const Params>& params)
 {
     checkNotNull<eRuleMessage>(out);
     checkNotNull<eRuleMessage>(params);
     initBase(out, params);
 }
 
-unsigned long HoughLines2dImageSizeYGreaterOrEqual::getSizeY() const
+template<class Out, class Params>
+unsigned long BaseHoughLinesImageSizeYGreaterOrEqual<Out, Params>::getSizeY() const
 {
     const boost::shared_ptr<const processor::BaseAttribute> out = getAttribute1();
-    return out->hasValue() ? static_cast<const OutImg&>(*out).getStorage()->getSizeY() : 0;
+    return out->hasValue() ? static_cast<const Out&>(*out).getStorage()->getSizeY() : 0;
 }
 
-unsigned int HoughLines2dImageSizeYGreaterOrEqual::getNbThetaBins() const
+template<class Out, class Params>
+unsigned int BaseHoughLinesImageSizeYGreaterOrEqual<Out, Params>::getNbThetaBins() const
 {
     const boost::shared_ptr<const processor::BaseAttribute> params = getAttribute2();
-    return static_cast<const InOptHoughLinesImgParams&>(*params).getDataItemNode()->get<HoughLinesImgParams::NbThetaBins>();
+    return static_cast<unsigned int>(nbAnglesOf(*static_cast<const Params&>(*params).getDataItemNode()));
 }
 
-bool HoughLines2dImageSizeYGreaterOrEqual::testRule() const
+template<class Out, class Params>
+bool BaseHoughLinesImageSizeYGreaterOrEqual<Out, Params>::testRule() const
 {
     checkInitialised(isInitialised());
     return !getAttribute1()->hasValue() || getSizeY() >= getNbThetaBins();
 }
 
-std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleFormalString() const
+template<class Out, class Params>
+std::string BaseHoughLinesImageSizeYGreaterOrEqual<Out, Params>::createRuleFormalString() const
 {
     checkInitialised(isInitialised());
     return (LogMessageFormater(getORVIKIPLFeatureDetectionLogMessageManager())[eRuleMessage::eSizeYGreaterOrEqual]
@@ -141,7 +104,8 @@ std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleFormalString() const
         .string();
 }
 
-std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleEvaluatedString(unsigned int depth) const
+template<class Out, class Params>
+std::string BaseHoughLinesImageSizeYGreaterOrEqual<Out, Params>::createRuleEvaluatedString(unsigned int depth) const
 {
     checkInitialised(isInitialised());
     LogMessageFormater text(getORVIKIPLFeatureDetectionLogMessageManager());
@@ -150,44 +114,62 @@ std::string HoughLines2dImageSizeYGreaterOrEqual::createRuleEvaluatedString(unsi
     return createRuleEvaluatedStartString(depth) + text.string() + "\n";
 }
 
+template class BaseHoughLinesImageSizeYGreaterOrEqual<OutImg, InOptHoughLinesImgParams>;
+template class BaseHoughLinesImageSizeYGreaterOrEqual<OutRealImg, InOptHoughLinesGradientImgParams>;
+
 boost::shared_ptr<HoughLines2dImgImageSizeX> houghLines2dCheckOutImgSzXEquals(const WeakImage& input,
                                                                               const WeakHoughLinesImgParams& params)
 {
-    const auto property = makeTogether<HoughLines2dImgImageSizeX>();
-    property->init(input, params);
-    return property;
+    return makeInitialised<HoughLines2dImgImageSizeX>(input, params);
 }
 
 boost::shared_ptr<HoughLines2dImgImageSizeY> houghLines2dCheckOutImgSzYEquals(const WeakImage& input,
                                                                               const WeakHoughLinesImgParams& params)
 {
-    const auto property = makeTogether<HoughLines2dImgImageSizeY>();
-    property->init(input, params);
-    return property;
+    return makeInitialised<HoughLines2dImgImageSizeY>(input, params);
 }
 
 boost::shared_ptr<HoughLines2dImageSizeY> houghLines2dCheckOutImgSzYEquals(
     const WeakImage& input, const WeakHoughLinesImgParams& params, const WeakHoughLinesExtractionParams& extractionParams)
 {
-    const auto property = makeTogether<HoughLines2dImageSizeY>();
-    property->init(input, params, extractionParams);
-    return property;
+    return makeInitialised<HoughLines2dImageSizeY>(input, params, extractionParams);
 }
 
 processor::RulePtr houghLines2dCheckOutImgSzYGreaterOrEqual(const boost::weak_ptr<const OutImg>& out,
                                                             const WeakHoughLinesImgParams& params)
 {
-    const auto rule = makeTogether<HoughLines2dImageSizeYGreaterOrEqual>();
-    rule->init(out, params);
-    return rule;
+    return makeInitialised<HoughLines2dImageSizeYGreaterOrEqual>(out, params);
+}
+
+boost::shared_ptr<HoughLinesGradient2dImgImageSizeX> houghLines2dCheckOutImgSzXEquals(
+    const WeakImage& input, const WeakHoughLinesGradientImgParams& params)
+{
+    return makeInitialised<HoughLinesGradient2dImgImageSizeX>(input, params);
+}
+
+boost::shared_ptr<HoughLinesGradient2dImgImageSizeY> houghLines2dCheckOutImgSzYEquals(
+    const WeakImage& input, const WeakHoughLinesGradientImgParams& params)
+{
+    return makeInitialised<HoughLinesGradient2dImgImageSizeY>(input, params);
+}
+
+boost::shared_ptr<HoughLinesGradient2dImageSizeY> houghLines2dCheckOutImgSzYEquals(
+    const WeakImage& input, const WeakHoughLinesGradientImgParams& params,
+    const WeakHoughLinesExtractionParams& extractionParams)
+{
+    return makeInitialised<HoughLinesGradient2dImageSizeY>(input, params, extractionParams);
+}
+
+processor::RulePtr houghLines2dCheckOutImgSzYGreaterOrEqual(const boost::weak_ptr<const OutRealImg>& out,
+                                                            const WeakHoughLinesGradientImgParams& params)
+{
+    return makeInitialised<HoughLinesGradient2dImageSizeYGreaterOrEqual>(out, params);
 }
 
 boost::shared_ptr<HoughLines2dImgOutputBufferType> houghLines2dCheckOutImgBufferType(const WeakImage& input,
                                                                                      bool unsignedAsWell)
 {
-    const auto property = makeTogether<HoughLines2dImgOutputBufferType>();
-    property->init(input, unsignedAsWell);
-    return property;
+    return makeInitialised<HoughLines2dImgOutputBufferType>(input, unsignedAsWell);
 }
 
 }}}  // namespace orvik::imaproc::fd

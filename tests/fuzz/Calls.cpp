@@ -162,7 +162,10 @@ const auto extremaConfig = [](Scenario& scenario) {
     return record<LocalExtremaConfig>(scenario, type, value, most(scenario));
 };
 
-const auto houghBins = [](Scenario& scenario) {
+/// Of lines from pixels or from gradients.
+template<class Params>
+boost::shared_ptr<Params> houghBins(Scenario& scenario)
+{
     const double step = scenario.number("rhoStep", {1.0, 0.5, 2.5, 10.0});
     const double thetaMin = scenario.number("thetaMin", {0.0, -kPi, kPi / 4});
     const double thetaMax = scenario.number("thetaMax", {kPi, 7.0, 0.5});
@@ -176,8 +179,11 @@ const auto houghBins = [](Scenario& scenario) {
         nbAngles = static_cast<unsigned int>(1 + mostBins / nbColumns);
     scenario.nbRhoBins = nbColumns <= mostBins ? static_cast<unsigned long>(nbColumns) : 1;
     scenario.nbThetaBins = 1 <= nbAngles && nbAngles <= 255 ? nbAngles : 1;
-    return record<HoughLinesImgParams>(scenario, step, thetaMin, thetaMax, nbAngles, least);
-};
+    return record<Params>(scenario, step, thetaMin, thetaMax, nbAngles, least);
+}
+const auto greyBins = houghBins<HoughLinesImgParams>;
+const auto gradientBins = houghBins<HoughLinesGradientImgParams>;
+const auto tolerance = [](Scenario& scenario) { return scenario.number("tolerance", {0.1f, 0.5f, 3.2f, 0.0f, -0.1f}); };
 const auto houghLines = [](Scenario& scenario) {
     const int type = scenario.number("thresholdType", {1, 0, 2});
     const double value = threshold(scenario);
@@ -223,32 +229,38 @@ const auto circleList = [](Scenario& scenario) { return scenario.oneIn(32) ? nul
 
 // --- settings with which a result need not be that of plain code on one thread and in one strip
 
-typedef bool (*Exception)(const Scenario&, const Setting&);
+struct Exceptions
+{
+    bool (*hold)(const Scenario&, const Setting&);
+    bool ofVectors = false;  // they differ from plain code, but not from one another
+};
 
-const auto none = [](const Scenario&, const Setting&) { return false; };
+const Exceptions none = {[](const Scenario&, const Setting&) { return false; }};
 /// The widest set rounds a sum of squares once, the others twice; what a NaN takes with it depends on where strips end.
-const auto norms = [](const Scenario& scenario, const Setting& setting) {
+const Exceptions norms = {[](const Scenario& scenario, const Setting& setting) {
     return setting.set == core::eIS_Avx512 || (setting.grain != kOneStrip && scenario.hasNan());
-};
+}};
 /// Threads do not keep the order in which floats are added.
-const auto floatVotes = [](const Scenario& scenario, const Setting& setting) {
+const Exceptions floatVotes = {[](const Scenario& scenario, const Setting& setting) {
     return setting.nbThreads > 1 && (scenario.hasType(image::eIBT_Real32) || scenario.hasType(image::eIBT_Label8));
-};
+}};
+/// The same; and vectors have an arc tangent of their own.
+const Exceptions gradientVotes = {[](const Scenario&, const Setting& setting) { return setting.nbThreads > 1; }, true};
 
 // --- the functions
 
 struct Family
 {
     const char* name;
-    Exception exception;
+    Exceptions exceptions;
     std::function<Call(Scenario&)> read;
 };
 
 /// `call` makes a call of what the readers make, which are asked in this order.
 template<class MakeCall, class... Readers>
-Family family(const char* name, Exception exception, MakeCall call, const Readers&... readers)
+Family family(const char* name, const Exceptions& exceptions, MakeCall call, const Readers&... readers)
 {
-    return {name, exception, [=](Scenario& scenario) {
+    return {name, exceptions, [=](Scenario& scenario) {
                 const std::tuple<decltype(readers(scenario))...> arguments{readers(scenario)...};
                 return std::apply([&](const auto&... a) { return call(scenario, a...); }, arguments);
             }};
@@ -304,12 +316,21 @@ const Family kFamilies[] = {
                          OutHoughCircles2dPpties>,
            in, in, centers, radii, circleList),
     family("houghLines2dImg", floatVotes, FUNCTION(houghLines2dImg), in),
-    family("houghLines2dImg, bins", floatVotes, FUNCTION(houghLines2dImg), in, houghBins),
+    family("houghLines2dImg, bins", floatVotes, FUNCTION(houghLines2dImg), in, greyBins),
     family("HoughLines2dImgLvl1", floatVotes,
            processorCall<HoughLines2dImgLvl1, OutImg, InGreyImg2d, InOptHoughLinesImgParams, OutImg>,
-           in, houghBins, accumulator),
+           in, greyBins, accumulator),
     family("houghLines2d", floatVotes, PLANES(houghLines2d), in),
-    family("houghLines2d, all", floatVotes, PLANES(houghLines2d), in, houghBins, houghLines),
+    family("houghLines2d, all", floatVotes, PLANES(houghLines2d), in, greyBins, houghLines),
+    family("houghLinesGradient2dImg", gradientVotes, FUNCTION(houghLinesGradient2dImg), in, in),
+    family("houghLinesGradient2dImg, bins", gradientVotes, FUNCTION(houghLinesGradient2dImg), in, in, gradientBins, tolerance),
+    family("HoughLinesGradient2dImgLvl1", gradientVotes,
+           processorCall<HoughLinesGradient2dImgLvl1, OutRealImg, InGxGreyImg2d, InGyGreyImg2d,
+                         InOptHoughLinesGradientImgParams, InOptHoughLinesOrientationTolerance, OutRealImg>,
+           in, in, gradientBins, tolerance, accumulator),
+    family("houghLinesGradient2d", gradientVotes, PLANES(houghLinesGradient2d), in, in),
+    family("houghLinesGradient2d, all", gradientVotes, PLANES(houghLinesGradient2d), in, in, gradientBins, houghLines,
+           tolerance),
 };
 // clang-format on
 
@@ -374,6 +395,8 @@ public:
     {
         const Setting plain = {core::eIS_Generic, 1, kOneStrip};
         m_plain = run(m_scenario, plain, m_call.atOnce);
+        const Setting vectors = {core::eIS_Sse2, 1, kOneStrip};
+        m_vectors = kFamilies[m_family].exceptions.ofVectors ? run(m_scenario, vectors, m_call.atOnce) : m_plain;
         if (m_scenario.sharesMemory() && m_plain.isServed)
             judgeSharing(plain);
         for (const core::eInstructionSet set :
@@ -441,10 +464,11 @@ private:
 
     void expectPlain(const Setting& setting, const Outcome& found) const
     {
-        if (found.isServed != m_plain.isServed || found.refusal != m_plain.refusal)
-            fail(setting, "'" + found.refusal + "' instead of '" + m_plain.refusal + "'");
-        const auto same = test::same(m_plain.numbers, found.numbers);
-        if (!same && !kFamilies[m_family].exception(m_scenario, setting))
+        const Outcome& plain = setting.set == core::eIS_Generic ? m_plain : m_vectors;
+        if (found.isServed != plain.isServed || found.refusal != plain.refusal)
+            fail(setting, "'" + found.refusal + "' instead of '" + plain.refusal + "'");
+        const auto same = test::same(plain.numbers, found.numbers);
+        if (!same && !kFamilies[m_family].exceptions.hold(m_scenario, setting))
             fail(setting, std::string("not the result of plain code: ") + same.message());
     }
 
@@ -515,7 +539,7 @@ private:
     Scenario m_scenario;
     unsigned int m_family;
     Call m_call;
-    Outcome m_plain;
+    Outcome m_plain, m_vectors;
 };
 
 }}  // namespace orvik::fuzz

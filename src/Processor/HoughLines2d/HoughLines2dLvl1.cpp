@@ -1,6 +1,7 @@
 #include "Processor/HoughLines2d/HoughLines2dLvl1.h"
 
 #include "Processor/HoughLines2d/HoughLines2dLvl2.h"
+#include "Processor/HoughLinesLists.h"
 #include "Rule/AccumulatorRule.h"
 #include "Rule/HoughLines2dImgRuleUtils.h"
 
@@ -26,7 +27,7 @@ processor::RulePtr HoughLines2dLvl1::createRule() const
     return If(processor::isSet(out),
               accumulatorFits(in, out, houghLines2dCheckOutImgSzXEquals(in, params),
                               houghLines2dCheckOutImgSzYEquals(in, params, extraction),
-                              houghLines2dCheckOutImgBufferType(in)),
+                              customImageProperty(out, houghLines2dCheckOutImgBufferType(in))),
               processor::none())
            && accumulatorHasBins(in, outputHoughLines2d(in, params, extraction));
 }
@@ -40,15 +41,10 @@ void HoughLines2dLvl1::initInitializers(processor::InitializerMap& initializers)
 processor::RetrievalResult HoughLines2dLvl1::retrieveProvider(const core::BasePriority& priority,
                                                               processor::ProviderPtr& provider)
 {
-    // No rule says so, but planes must never share a list.
-    const processor::RulePtr plans =
-        matchImagePlans(attribute<OutPIHoughLines2dPpties>(), attribute<InGreyImg2d>(), eIPMP_Planes);
-    if (!plans->testRule())
-        return failure(plans->createRuleEvaluatedString(0));
-    const BoolResult made = customOutput(attribute<OutOptImg>(),
+    const BoolResult made = prepareLines(attribute<OutPIHoughLines2dPpties>(), attribute<InGreyImg2d>(),
+                                         attribute<OutOptImg>(),
                                          outputHoughLines2d(attribute<InGreyImg2d>(), attribute<InOptHoughLinesImgParams>(),
-                                                            attribute<InOptHoughLinesExtractionParams>()))
-                                ->initOutputAttribute();
+                                                            attribute<InOptHoughLinesExtractionParams>()));
     if (!made)
         return made;
     return dispatch<HoughLines2dLvl2>(

@@ -3,6 +3,7 @@
 // Which pixels vote, and when. Compiled once per instruction set.
 
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
+#include "Processor/HoughLines2dImg/HoughLinesGeometry.h"
 #include "Processor/HoughLines2dImg/HoughLinesRowsMutexColl.h"
 #include "Processor/HoughLines2dImg/HoughLinesVotes.h"
 
@@ -85,13 +86,14 @@ void HoughLines2dImgLvl3::vote()
 {
     image::BaseImage& out = *value<attr::OutImg>();
     const WeightKind kind = kindOf<Accum>(m_weights.data(), m_nbVoters);
-    for (unsigned long i = 0; i < m_nbRows; ++i) {
-        const unsigned long t = (m_firstRow + i) % m_nbRows;
+    const HoughLinesTables& tables = *m_tables;
+    for (unsigned long i = 0; i < tables.nbRows; ++i) {
+        const unsigned long t = (tables.firstRow + i) % tables.nbRows;
         Accum* const row = static_cast<Accum*>(out.accessLine(t));
         m_rowsMutexColl->lock(t);
         for (const Segment& segment : m_segments)
             voteInRow(row, out.getSizeX(), &m_positions[segment.begin], &m_weights[segment.begin],
-                      segment.end - segment.begin, kind, m_cosines[t], m_sines[t] * segment.y, m_centre);
+                      segment.end - segment.begin, kind, tables.cosines[t], tables.sines[t] * segment.y, tables.centre);
         m_rowsMutexColl->unlock(t);
     }
     m_nbVoters = 0;

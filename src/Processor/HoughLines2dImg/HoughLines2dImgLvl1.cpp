@@ -22,7 +22,8 @@ processor::RulePtr HoughLines2dImgLvl1::createRule() const
     const boost::shared_ptr<InOptHoughLinesImgParams>& params = attribute<InOptHoughLinesImgParams>();
     const boost::shared_ptr<OutImg>& out = attribute<OutImg>();
     return accumulatorFits(in, out, houghLines2dCheckOutImgSzXEquals(in, params),
-                           houghLines2dCheckOutImgSzYEquals(in, params), houghLines2dCheckOutImgBufferType(in))
+                           houghLines2dCheckOutImgSzYEquals(in, params),
+                           customImageProperty(out, houghLines2dCheckOutImgBufferType(in)))
            && accumulatorHasBins(in, outputHoughLines2dImg(in, params));
 }
 

@@ -1,6 +1,7 @@
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl2.h"
 
-#include "Processor/HoughLines2dImg/CustomHoughLines2dOutImgSplit.h"
+#include "Processor/HoughLines2dImg/HoughLines2dImgLvl3.h"
+#include "Processor/HoughLines2dImg/HoughLinesOutImgSplit.h"
 #include "Rule/HoughLines2dImgRuleUtils.h"
 
 #include "frame/attr/StripAttributes.h"
@@ -12,6 +13,8 @@
 namespace orvik { namespace imaproc { namespace fd {
 
 using namespace attr;
+
+typedef HoughLinesOutImgSplit<HoughLines2dImgLvl3, OutImg> CustomHoughLines2dOutImgSplit;
 
 ORVIK_DEFINE_PROCESSOR(HoughLines2dImgLvl2)
 
@@ -35,7 +38,7 @@ processor::RetrievalResult HoughLines2dImgLvl2::retrieveSecondProvider(const cor
                                                                        processor::ProviderPtr& provider)
 {
     return dispatch<HoughLines2dImgLvl3>(priority, provider, strips<InYStrip2d>(value<InSubImg2d>()),
-                                         SharedAccumulator{value<OutImg>()},
+                                         SharedAccumulator<CustomHoughLines2dOutImgSplit>{value<OutImg>()},
                                          sameIfSet(attribute<InOptHoughLinesImgParams>()));
 }
 

@@ -24,27 +24,13 @@ processor::StageResult HoughLines2dImgLvl3::preProcess()
 {
     const HoughLinesImgParams& params = *value<InOptHoughLinesImgParams>();
     const image::InputImageYStrip2d& strip = *value<InYStrip2d>();
-    const image::BaseImage& out = *value<OutImg>();
-    m_nbRows = params.get<HoughLinesImgParams::NbThetaBins>();
-    if (!m_rowsMutexColl || out.getSizeY() < m_nbRows)
-        return failure(getObjectName() + ": the accumulator has no lock for each of its rows, or "
-                       + std::to_string(out.getSizeY()) + " rows for " + std::to_string(m_nbRows) + " angles");
-
-    const double rhoStep = params.get<HoughLinesImgParams::RhoStep>();
-    const double thetaMin = params.get<HoughLinesImgParams::ThetaMin>(), thetaStep = thetaStepOf(params);
+    if (!m_rowsMutexColl)
+        return failure(getObjectName() + ": the accumulator has no locks for its rows");
+    m_tables = boost::make_shared<HoughLinesTables>();
+    const BoolResult made = m_tables->init(getObjectName(), params, strip, *value<OutImg>());
+    if (!made)
+        return made;
     m_threshold = params.get<HoughLinesImgParams::PixelThreshold>();
-    // NaN for a step that is none, so that no vote finds a column.
-    const double halfRho = halfRhoOf(strip.getSizeX(), strip.getImageSizeY(), rhoStep);
-    m_centre = rhoStep > 0.0 ? halfRho : std::numeric_limits<double>::quiet_NaN();
-    m_cosines.resize(m_nbRows);
-    m_sines.resize(m_nbRows);
-    for (unsigned long t = 0; t < m_nbRows; ++t) {
-        double sine, cosine;
-        sincos(static_cast<double>(t) * thetaStep + thetaMin, &sine, &cosine);
-        m_cosines[t] = static_cast<float>(cosine / rhoStep);
-        m_sines[t] = static_cast<float>(sine / rhoStep);
-    }
-    m_firstRow = m_nbRows * strip.getStripStartOffsetY() / strip.getImageSizeY();
 
     const unsigned long slack = 64, mostVoters = 4096;  // twice 16 KB stay near while all rows are gone through
     const unsigned long nbVoters = std::min(mostVoters, strip.getNbLines() * strip.getSizeX() + slack);

@@ -8,6 +8,7 @@
 namespace orvik { namespace imaproc { namespace fd {
 
 class HoughLinesRowsMutexColl;
+struct HoughLinesTables;
 
 /// Level 3: one strip. Voters are gathered first, then all of them vote row by row, so that a row is in the cache while
 /// they do, and its lock is taken once for many of them.
@@ -43,11 +44,8 @@ private:
     void vote();
 
     boost::shared_ptr<HoughLinesRowsMutexColl> m_rowsMutexColl;
-    unsigned long m_nbRows = 0;    // angles
-    unsigned long m_firstRow = 0;  // strips begin at rows of their own, so that they do not wait for each other
+    Ptr<HoughLinesTables> m_tables;
     float m_threshold = 0;
-    double m_centre = 0;  // column of rho 0, not below 0; not an integer, since steps that make no sense make it huge
-    std::vector<float> m_cosines, m_sines;      // of each angle, in bins per pixel
     std::vector<float> m_positions, m_weights;  // of the voters: x from the centre of the plane, votes
     unsigned int m_nbVoters = 0;
     std::vector<Segment> m_segments;

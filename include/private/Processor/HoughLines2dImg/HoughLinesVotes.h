@@ -1,6 +1,6 @@
 #pragma once
 
-// The votes of gathered pixels of one line, in the row of one angle.
+// The votes of gathered pixels in the row of one angle.
 
 #include "frame/simd/Simd.h"
 
@@ -68,14 +68,35 @@ WeightKind kindOf(const float* weights, unsigned long n)
     return ones ? eOne : heaviest < 2147483648.0f ? eLight : eHeavy;
 }
 
-template<WeightKind Kind, class Accum>
-void computeVotes(const float* x, const float* weight, unsigned long n, float cosine, float offset, int centre,
+/// What voters have in their row beside the share of their column: the same for those of one line, their own for others.
+struct OneLine
+{
+    static constexpr bool isOne = true;
+    float offset;
+
+    Floats lanes(unsigned long) const { return Floats{} + offset; }
+    float of(unsigned long) const { return offset; }
+    OneLine from(unsigned long) const { return *this; }
+};
+struct ManyLines
+{
+    static constexpr bool isOne = false;
+    const float* y;
+    float sine;
+
+    Floats lanes(unsigned long i) const { return load(y + i) * sine; }
+    float of(unsigned long i) const { return y[i] * sine; }
+    ManyLines from(unsigned long i) const { return {y + i, sine}; }
+};
+
+template<WeightKind Kind, class Accum, class Lines>
+void computeVotes(const float* x, const float* weight, unsigned long n, float cosine, const Lines& lines, int centre,
                   Votes<Accum>& votes)
 {
     typedef typename Lanes<Share<Accum>>::type ShareLanes;
     const ShareLanes one = ShareLanes{} + 1;
     for (unsigned long i = 0; i < n; i += Lanes<float>::count) {
-        const Floats p = load(x + i) * cosine + offset;
+        const Floats p = load(x + i) * cosine + lines.lanes(i);
         const Floats floor = floorOf(p), frac = p - floor, rest = 1.0f - frac;
         store(votes.column + i, __builtin_convertvector(floor, Ints) + centre);
         Share<Accum>* const to = reinterpret_cast<Share<Accum>*>(votes.shares + i);
@@ -147,6 +168,18 @@ void addFewVotes(Share<Accum>* __restrict row, const Votes<Accum>& votes, unsign
         addVote(row, votes, i);
 }
 
+/// The same where each voter lies beside the one before, in a column or in one of the next: what was just stored for two bins
+/// can't be loaded again for one of them and another, so they are stored one by one.
+inline void addVotesBinByBin(float* row, const Votes<float>& votes, unsigned long n)
+{
+    for (unsigned long i = 0; i < n; ++i) {
+        float* const bins = row + votes.column[i];
+        bins[0] += votes.shares[i][0];
+        asm volatile("" ::: "memory");
+        bins[1] += votes.shares[i][1];
+    }
+}
+
 /// The same for angles at which neighbours share their column: its sums stay in registers until the next column.
 template<class Accum>
 void addVotesByColumn(Share<Accum>* __restrict row, const Votes<Accum>& votes, unsigned long n)
@@ -176,21 +209,23 @@ void addShare(Accum* row, unsigned long sizeX, double column, float share)
     }
 }
 
-/// The votes of a part of a line into the row of one angle.
-template<class Accum>
-void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, WeightKind kind,
-               float cosine, float offset, double centre)
+/// Whether all voters, which lie between the positions `low` and `high` on an axis of bins about rho 0, have both of their
+/// columns within the row, and all that they need in 32 bits. NaN lies nowhere.
+inline bool areInside(float low, float high, unsigned long sizeX, double centre)
 {
-    // Positions rise, so all columns lie between those of the first and of the last voter; NaN lies nowhere.
-    const float atFirst = x[0] * cosine + offset, atLast = x[n - 1] * cosine + offset;
-    const float low = std::min(atFirst, atLast), high = std::max(atFirst, atLast);
     const double exact = 8388608.0;  // floats below have whole numbers
-    const bool inside = centre < exact && static_cast<double>(low) >= -centre
-                        && static_cast<double>(high) < static_cast<double>(sizeX) - 1.0 - centre
-                        && static_cast<double>(high) < exact && kind != eHeavy;
-    if (!inside) {
+    return centre < exact && static_cast<double>(low) >= -centre
+           && static_cast<double>(high) < static_cast<double>(sizeX) - 1.0 - centre && static_cast<double>(high) < exact;
+}
+
+/// The votes of voters into the row of one angle.
+template<class Accum, class Lines>
+void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, WeightKind kind,
+               float cosine, const Lines& lines, double centre, bool inside)
+{
+    if (!inside || kind == eHeavy) {
         for (unsigned long i = 0; i < n; ++i) {
-            const float p = x[i] * cosine + offset, floor = std::floor(p), frac = p - floor;
+            const float p = x[i] * cosine + lines.of(i), floor = std::floor(p), frac = p - floor;
             const double column = static_cast<double>(floor) + centre;
             addShare(row, sizeX, column, (1.0f - frac) * weight[i]);
             addShare(row, sizeX, column + (frac != 0.0f ? 1.0 : 0.0), frac * weight[i]);
@@ -206,19 +241,32 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
     for (unsigned long i = 0; i < n; i += kMaxVotes) {
         const unsigned long nbVotes = std::min(kMaxVotes, n - i);
         if (!std::is_same<Accum, float>::value && kind == eOne)
-            computeVotes<eOne>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
+            computeVotes<eOne>(x + i, weight + i, nbVotes, cosine, lines.from(i), static_cast<int>(centre), votes);
         else
-            computeVotes<eLight>(x + i, weight + i, nbVotes, cosine, offset, static_cast<int>(centre), votes);
+            computeVotes<eLight>(x + i, weight + i, nbVotes, cosine, lines.from(i), static_cast<int>(centre), votes);
         const unsigned long few = 16;
-        if (nbVotes <= few)
+        if (Lines::isOne && nbVotes <= few)
             addFewVotes<Accum>(bins, votes, nbVotes);
         else if (cosine < sharedColumns && cosine > -sharedColumns)
             addVotesByColumn<Accum>(bins, votes, nbVotes);
+        else if constexpr (!Lines::isOne)
+            addVotesBinByBin(bins, votes, nbVotes);
         else if constexpr (std::is_same<Accum, float>::value)
             addVotesInOrder(bins, votes, nbVotes);
         else
             addVotesInAnyOrder(bins, votes, nbVotes);
     }
+}
+
+/// Those of a part of a line.
+template<class Accum>
+void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, WeightKind kind,
+               float cosine, float offset, double centre)
+{
+    // Positions rise, so all columns lie between those of the first and of the last voter.
+    const float atFirst = x[0] * cosine + offset, atLast = x[n - 1] * cosine + offset;
+    voteInRow(row, sizeX, x, weight, n, kind, cosine, OneLine{offset}, centre,
+              areInside(std::min(atFirst, atLast), std::max(atFirst, atLast), sizeX, centre));
 }
 
 }  // namespace
