@@ -1,23 +1,25 @@
 #pragma once
 
+#include "frame/util/Export.h"
+
 namespace orvik { namespace imaproc { namespace attr {
 
 /// How an algorithm that has two ways to the same result chooses between memory and passes.
-enum eProcessingOptimizationPolicy : unsigned int
+enum ORVIK_API eProcessingOptimizationPolicy : unsigned int
 {
     ePOP_Labels = 0,    ///< a fixed number of passes over further images
     ePOP_Iterative = 1  ///< in place
 };
 
 /// Neighbours of a pixel.
-enum eNeighborhood2d : unsigned int
+enum ORVIK_API eNeighborhood2d : unsigned int
 {
     eN2D_Four = 0,
     eN2D_Eight = 1  ///< with diagonals
 };
 
 /// Neighbours of a voxel.
-enum eNeighborhood3d : unsigned int
+enum ORVIK_API eNeighborhood3d : unsigned int
 {
     eN3D_Six = 0,
     eN3D_Eighteen = 1,
@@ -25,7 +27,7 @@ enum eNeighborhood3d : unsigned int
 };
 
 /// Which extrema are meant. Other values read as maxima.
-enum eLocalExtremumType : int
+enum ORVIK_API eLocalExtremumType : int
 {
     eLET_Maxima = 0,        ///< above all neighbours before them in scan order, not below any after them
     eLET_Minima = 1,        ///< below all neighbours before them in scan order, not above any after them

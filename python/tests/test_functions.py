@@ -191,7 +191,7 @@ def test_enumerationsAreThoseOfTheLibrary():
     headers = PACKAGE.parent / "frame"
     text = (headers / "attr" / "Enumerations.h").read_text() + (headers / "core" / "InstructionSet.h").read_text()
     ofLibrary = {name: {member: int(value) for member, value in re.findall(r"(\w+) = (\d+)", body)}
-                 for name, body in re.findall(r"enum (\w+) : [\w ]+\n\{(.*?)\};", text, re.DOTALL)}
+                 for name, body in re.findall(r"enum (?:ORVIK_API )?(\w+) : [\w ]+\n\{(.*?)\};", text, re.DOTALL)}
     ofPackage = [one for one in vars(orvik_fd).values() if isinstance(one, type) and issubclass(one, enum.IntEnum)]
     assert {one.__name__: {member.name: int(member) for member in one} for one in ofPackage}.items() <= ofLibrary.items()
     assert len(ofPackage) == 7
