@@ -74,9 +74,11 @@ public:
     /// once it would be waited for.
     void prefetchNext(unsigned long column, unsigned long nbSamples) const
     {
+        if (!m_nextLine)
+            return;
         const unsigned long cacheLine = 64;
         const char* const from = static_cast<const char*>(m_nextLine) + column * m_sampleSize;
-        for (unsigned long i = 0; m_nextLine && i < nbSamples * m_sampleSize; i += cacheLine)
+        for (unsigned long i = 0; i < nbSamples * m_sampleSize; i += cacheLine)
             __builtin_prefetch(from + i);
     }
 
