@@ -107,7 +107,8 @@ unsigned char spreadInStrip(const ByteLines& strip)
             if (ofLines < 2)
                 continue;
             const auto besideStrong = [&](unsigned long x) {
-                return std::max({reaching[x - 1], reaching[x], reaching[x + 1]}) > 1 || (hasOthers && others[x] > 1);
+                const unsigned char* const columns = reaching + x;
+                return std::max({columns[-1], columns[0], columns[1]}) > 1 || (hasOthers && others[x] > 1);
             };
             for (unsigned long x = 0; x < sizeX; x += lanes) {
                 if (x + lanes <= sizeX && !hasSeed<hasOthers>(at + x, reaching + x, others + x))
