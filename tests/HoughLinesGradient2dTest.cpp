@@ -86,7 +86,8 @@ struct DefinedVotes
     ImagePtr accumulator;
     double total = 0, uncertain = 0;
 
-    DefinedVotes(const BaseImage& gx, const BaseImage& gy, const Params& params, float tolerance, unsigned long nbMoreRows = 0)
+    DefinedVotes(const BaseImage& gx, const BaseImage& gy, const Params& params, float tolerance,
+                 unsigned long nbMoreRows = 0)
     {
         const double rhoStep = params.get<Params::RhoStep>(), thetaMin = params.get<Params::ThetaMin>();
         const unsigned long nbRows = params.get<Params::NbThetaBins>();
@@ -171,7 +172,8 @@ TEST_P(GradientLinesKernel, VotesAsDefinedForAnyWidth)
 
 TEST_P(GradientLinesKernel, VotesAsDefinedAtTheTypesLimits)
 {
-    const ImagePtr gx = drawnImage(type(), {70, 7}, oddValues(type()), 73), gy = drawnImage(type(), {70, 7}, oddValues(type()), 74);
+    const ImagePtr gx = drawnImage(type(), {70, 7}, oddValues(type()), 73),
+                   gy = drawnImage(type(), {70, 7}, oddValues(type()), 74);
     for (const double threshold : {0.0, 0.999, 1e30, -1e30, kNan, kInfinity, -kInfinity})
         expectReference(gx, gy, paramsOf(1.0, -kPi, kPi, 36, static_cast<float>(threshold)), kTolerance);
     for (const auto& [min, max] : {std::make_pair(1.0, -1.0), {kPi, -kPi}, {kNan, 1.0}, {0.0, kInfinity}, {2.0, 2.0}})
@@ -223,10 +225,12 @@ TEST(GradientLines, AreTheHighestBinsOfTheContinuedAccumulator)
     const WithThreads one(1);
     const ImagePtr gx = drawnImage(eIBT_Int16, {90, 77}, {-30, -2, 0, 0, 0, 0, 5, 40}, 81),
                    gy = drawnImage(eIBT_Int16, {90, 77}, {-30, -2, 0, 0, 0, 0, 5, 40}, 82);
-    for (const auto& [params, isCyclic] :
-         {std::make_pair(paramsOf(1.0, -kPi, kPi, 180, 10.0f), true), {paramsOf(0.6, -4.0, 3.3, 100, 0.0f), true},
-          {paramsOf(1.0, 0.0, kPi, 90, 0.0f), false}, {paramsOf(1.3, -kPi, 3.1, 60, 0.0f), false}})
-        for (const auto& [kind, threshold, dist] : {std::make_tuple(0, 9.0, 3u), {1, 0.4, 0u}, {1, 0.5, 70u}, {3, 12.0, 4u}}) {
+    for (const auto& [params, isCyclic] : {std::make_pair(paramsOf(1.0, -kPi, kPi, 180, 10.0f), true),
+                                           {paramsOf(0.6, -4.0, 3.3, 100, 0.0f), true},
+                                           {paramsOf(1.0, 0.0, kPi, 90, 0.0f), false},
+                                           {paramsOf(1.3, -kPi, 3.1, 60, 0.0f), false}})
+        for (const auto& [kind, threshold, dist] :
+             {std::make_tuple(0, 9.0, 3u), {1, 0.4, 0u}, {1, 0.5, 70u}, {3, 12.0, 4u}}) {
             const auto extraction = HoughLinesExtractionParams::createNode(kind, threshold, dist);
             const auto [lines, accumulator] = houghLinesGradient2d(gx, gy, params, extraction, 0.2f);
             const ImagePtr votes = houghLinesGradient2dImg(gx, gy, params, 0.2f);
@@ -254,11 +258,13 @@ TEST(GradientLines, RefuseWhatDoesNotFitInWords)
     };
     const auto intoRows = [&](unsigned long nbRows) {
         return [=] {
-            ran<HoughLinesGradient2dImgLvl2, InSubGxImg2d, InSubGyImg2d, OutRealImg>(
-                gx, gy, createImage(eIBT_Real32, {8, nbRows}));
+            ran<HoughLinesGradient2dImgLvl2, InSubGxImg2d, InSubGyImg2d, OutRealImg>(gx, gy,
+                                                                                     createImage(eIBT_Real32, {8, nbRows}));
         };
     };
-    const auto real = [](unsigned long x, unsigned long y, unsigned long z = 1) { return createImage(eIBT_Real32, {x, y, z}); };
+    const auto real = [](unsigned long x, unsigned long y, unsigned long z = 1) {
+        return createImage(eIBT_Real32, {x, y, z});
+    };
     expectRefusals(
         {gx, gy},
         {{"InGyGreyImg2d has no value", [&] { houghLinesGradient2dImg(gx, nullptr); }},

@@ -43,8 +43,8 @@ Numbers expectedLines(const BaseImage& plane, const ImagePtr& accumulator, const
             std::max(0.0, std::ceil(std::min(threshold, 1.0) * static_cast<double>(bins.size())) - 1))];
     const double centreX = static_cast<double>(plane.getSizeX() / 2), centreY = static_cast<double>(plane.getSizeY() / 2);
     const double halfRho = static_cast<double>(accumulator->getSizeX() / 2);
-    const auto peaks = imaproc::fd::extractLocalExtrema2d(accumulator, dist, dist,
-                                                          createLocalExtremaConfig(eLET_Maxima, threshold));
+    const auto peaks =
+        imaproc::fd::extractLocalExtrema2d(accumulator, dist, dist, createLocalExtremaConfig(eLET_Maxima, threshold));
     Numbers lines = {0};
     for (std::size_t i = 0; i < peaks->size(); ++i) {
         double x = (*peaks)[i].get<Pixel2d::X>(), y = (*peaks)[i].get<Pixel2d::Y>();

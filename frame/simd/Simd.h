@@ -170,6 +170,45 @@ inline void storePairs(T* to, V a, V b)
 #endif
 }
 
+/// Four floats that follow one another at each of these places, which count fours.
+template<class Index>
+inline Lanes<float>::type loadQuads(const float* from, const Index* places)
+{
+    const auto quad = [&](unsigned int i) { return _mm_loadu_ps(from + 4ul * places[i]); };
+#if ORVIK_SET_BYTES == 64
+    const __m512 two = _mm512_insertf32x4(_mm512_castps128_ps512(quad(0)), quad(1), 1);
+    return _mm512_insertf32x4(_mm512_insertf32x4(two, quad(2), 2), quad(3), 3);
+#elif ORVIK_SET_BYTES == 32
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(quad(0)), quad(1), 1);
+#else
+    return quad(0);
+#endif
+}
+
+/// a[0], a[2] and so on, then those of b; floats.
+inline Lanes<float>::type evenOf(Lanes<float>::type a, Lanes<float>::type b)
+{
+#if ORVIK_SET_BYTES == 64
+    return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+#elif ORVIK_SET_BYTES == 32
+    return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+#else
+    return __builtin_shufflevector(a, b, 0, 2, 4, 6);
+#endif
+}
+
+/// a[1], a[3] and so on, then those of b; floats.
+inline Lanes<float>::type oddOf(Lanes<float>::type a, Lanes<float>::type b)
+{
+#if ORVIK_SET_BYTES == 64
+    return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
+#elif ORVIK_SET_BYTES == 32
+    return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15);
+#else
+    return __builtin_shufflevector(a, b, 1, 3, 5, 7);
+#endif
+}
+
 /// a * b + c, rounded once. Only where a kernel is told to fuse; nothing else ever is.
 inline Lanes<float>::type fma(Lanes<float>::type a, Lanes<float>::type b, Lanes<float>::type c)
 {

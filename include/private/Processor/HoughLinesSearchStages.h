@@ -33,8 +33,8 @@ bool HoughLinesSearchLvl2<D, In, Params, Out, A...>::isMeasured() const
 }
 
 template<class D, class In, class Params, class Out, class... A>
-processor::RetrievalResult HoughLinesSearchLvl2<D, In, Params, Out, A...>::retrieveProvider(const core::BasePriority& priority,
-                                                              unsigned int iterationNumber, processor::ProviderPtr& provider)
+processor::RetrievalResult HoughLinesSearchLvl2<D, In, Params, Out, A...>::retrieveProvider(
+    const core::BasePriority& priority, unsigned int iterationNumber, processor::ProviderPtr& provider)
 {
     const unsigned int last = isMeasured() ? 3 : 2;
     if (iterationNumber > last)
@@ -73,7 +73,8 @@ void HoughLinesSearchLvl2<D, In, Params, Out, A...>::duplicateOutImgFirstRowsAtT
 }
 
 template<class D, class In, class Params, class Out, class... A>
-processor::RetrievalResult HoughLinesSearchLvl2<D, In, Params, Out, A...>::measure(const core::BasePriority& priority, processor::ProviderPtr& provider)
+processor::RetrievalResult HoughLinesSearchLvl2<D, In, Params, Out, A...>::measure(const core::BasePriority& priority,
+                                                                                   processor::ProviderPtr& provider)
 {
     if (extraction().template get<Extraction::ThresholdType>() == attr::eHLTT_Ratio) {
         m_stats = attr::StatsResult::createNode();
@@ -98,13 +99,14 @@ double HoughLinesSearchLvl2<D, In, Params, Out, A...>::getThreshold() const
 
 template<class D, class In, class Params, class Out, class... A>
 processor::RetrievalResult HoughLinesSearchLvl2<D, In, Params, Out, A...>::localExtrema(const core::BasePriority& priority,
-                                                          processor::ProviderPtr& provider)
+                                                                                        processor::ProviderPtr& provider)
 {
     const unsigned int peakDist = extraction().template get<Extraction::PeakDist>();
     m_peaks = attr::Pixels2d::createNode();
     return delegate<ExtractLocalExtrema2dLvl2>(
         priority, provider, same<attr::InSubImg2d>(this->template value<Out>()), same<attr::InFeaturesDistX>(peakDist),
-        same<attr::InFeaturesDistY>(peakDist), same<attr::InLocalExtremaConfig>(attr::createLocalExtremaConfig(attr::eLET_Maxima, getThreshold())),
+        same<attr::InFeaturesDistY>(peakDist),
+        same<attr::InLocalExtremaConfig>(attr::createLocalExtremaConfig(attr::eLET_Maxima, getThreshold())),
         same<attr::OutPixels2d>(m_peaks));
 }
 
@@ -123,7 +125,8 @@ void HoughLinesSearchLvl2<D, In, Params, Out, A...>::extractLines()
     const double lastColumn = static_cast<double>(this->template value<Out>()->getSizeX() - 1);
     const bool cyclic = isCyclic(params);
 
-    auto& lines = this->template value<attr::OutHoughLines2dPpties>()->template access<attr::HoughLines2dPpties::Coll>().accessNodes();
+    auto& lines =
+        this->template value<attr::OutHoughLines2dPpties>()->template access<attr::HoughLines2dPpties::Coll>().accessNodes();
     lines.clear();
     for (std::size_t i = 0; i < m_peaks->size(); ++i) {
         const attr::Pixel2d& peak = (*m_peaks)[i];

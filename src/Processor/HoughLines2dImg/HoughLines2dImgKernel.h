@@ -91,9 +91,15 @@ void HoughLines2dImgLvl3::vote()
         const unsigned long t = (tables.firstRow + i) % tables.nbRows;
         Accum* const row = static_cast<Accum*>(out.accessLine(t));
         m_rowsMutexColl->lock(t);
-        for (const Segment& segment : m_segments)
-            voteInRow(row, out.getSizeX(), &m_positions[segment.begin], &m_weights[segment.begin],
-                      segment.end - segment.begin, kind, tables.cosines[t], tables.sines[t] * segment.y, tables.centre);
+        for (const Segment& segment : m_segments) {
+            const OneLine voters = {&m_positions[segment.begin], &m_weights[segment.begin], tables.cosines[t],
+                                    tables.sines[t] * segment.y};
+            // Positions rise or fall, so all columns lie between those of the first and of the last voter.
+            const unsigned long n = segment.end - segment.begin;
+            const auto ends = std::minmax({voters.position(0), voters.position(n - 1)});
+            voteInRow(row, out.getSizeX(), voters, n, kind, tables.centre,
+                      areInside(ends.first, ends.second, out.getSizeX(), tables.centre));
+        }
         m_rowsMutexColl->unlock(t);
     }
     m_nbVoters = 0;

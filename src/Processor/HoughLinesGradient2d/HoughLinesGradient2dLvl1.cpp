@@ -65,10 +65,9 @@ ORVIK_PLANE_FUNCTIONS(houghLinesGradient2d, (const ConstImagePtr&, gx)(const Con
     processor.set<InGyGreyImg2d>(gy);
 }
 
-ORVIK_PLANE_FUNCTIONS(houghLinesGradient2d,
-                      (const ConstImagePtr&, gx)(const ConstImagePtr&, gy)(const ConstPtr<HoughLinesGradientImgParams>&,
-                                                                           imgParams)(
-                          const ConstPtr<HoughLinesExtractionParams>&, extrParams)(float, tolerance))
+ORVIK_PLANE_FUNCTIONS(houghLinesGradient2d, (const ConstImagePtr&, gx)(const ConstImagePtr&, gy)(
+                                                const ConstPtr<HoughLinesGradientImgParams>&, imgParams)(
+                                                const ConstPtr<HoughLinesExtractionParams>&, extrParams)(float, tolerance))
 {
     prepare(processor, gx, gy);
     processor.set<InOptHoughLinesGradientImgParams>(imgParams);

@@ -14,10 +14,11 @@ ORVIK_DEFINE_PROCESSOR(HoughLinesGradient2dLvl2)
 processor::RetrievalResult HoughLinesGradient2dLvl2::houghLines(const core::BasePriority& priority,
                                                                 processor::ProviderPtr& provider)
 {
-    return delegate<HoughLinesGradient2dImgLvl2>(
-        priority, provider, same(attribute<InSubGxImg2d>()), same(attribute<InSubGyImg2d>()),
-        sameIfSet(attribute<InOptHoughLinesGradientImgParams>()),
-        sameIfSet(attribute<InOptHoughLinesOrientationTolerance>()), same(attribute<OutRealImg>()));
+    return delegate<HoughLinesGradient2dImgLvl2>(priority, provider, same(attribute<InSubGxImg2d>()),
+                                                 same(attribute<InSubGyImg2d>()),
+                                                 sameIfSet(attribute<InOptHoughLinesGradientImgParams>()),
+                                                 sameIfSet(attribute<InOptHoughLinesOrientationTolerance>()),
+                                                 same(attribute<OutRealImg>()));
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -5,43 +5,41 @@ namespace orvik { namespace imaproc { namespace fd {
 void GradientVoters::init(unsigned long nbRows)
 {
     voters.resize(s_mostVoters);
+    m_rows.resize(s_mostVoters);
     begins.assign(nbRows + 1, 0);
-    m_next.assign(nbRows + 1, 0);
+    m_next.assign(2 * nbRows + 1, 0);
     clear();
 }
 
 void GradientVoters::sort()
 {
     // How many more voters a row has than the one before; wraps where it has fewer.
-    std::fill(m_next.begin(), m_next.end(), 0u);
-    const Voter* const end = voters.data() + nbVoters;
-    for (const Voter* voter = voters.data(); voter != end; ++voter) {
-        ++m_next[voter->firstRow];
-        --m_next[voter->lastRow + 1];
+    std::fill(m_next.begin(), m_next.end(), 0ul);
+    unsigned long most = 0;
+    for (unsigned long i = 0; i < nbVoters; ++i) {
+        ++m_next[m_rows[i].first];
+        --m_next[m_rows[i].last + 1];
+        most = std::max(most, m_rows[i].last - m_rows[i].first + 1ul);
     }
-    unsigned int nbInRow = 0, begin = 0;
+    unsigned long nbInRow = 0, begin = 0;
     for (std::size_t row = 0; row < begins.size(); ++row) {
         nbInRow += m_next[row];
-        begins[row] = m_next[row] = begin;
-        begin += nbInRow;
+        begins[row] = begin;
+        begin += nbInRow + 1;  // one for what is not kept
     }
-    const std::size_t slack = 64, needed = nbVotes + slack;
-    if (x.size() < needed) {
-        x.resize(needed);
-        y.resize(needed);
-        weights.resize(needed);
-    }
-    float *const toX = x.data(), *const toY = y.data(), *const toWeights = weights.data();
-    unsigned int* const next = m_next.data();
-    for (const Voter* voter = voters.data(); voter != end; ++voter) {
-        const unsigned int first = voter->firstRow, last = voter->lastRow;
-        for (unsigned int row = first; row <= last; ++row) {
-            toX[next[row]] = voter->x;
-            toY[next[row]] = voter->y;
-            toWeights[next[row]] = voter->weight;
+    std::fill(std::copy(begins.begin(), begins.end(), m_next.begin()), m_next.end(), begins.back());
+    const std::size_t slack = 16, needed = begin + slack;
+    if (sorted.size() < needed)
+        sorted.resize(needed);
+    Index* const to = sorted.data();
+    // As many rows of every voter, so that no branch is guessed wrong: those that it has not are written over.
+    for (unsigned long i = 0; i < nbVoters; ++i) {
+        unsigned long* const next = &m_next[m_rows[i].first];
+        const unsigned long nbRows = m_rows[i].last - m_rows[i].first + 1ul;
+        for (unsigned long row = 0; row < most; ++row) {
+            to[next[row]] = static_cast<Index>(i);
+            next[row] += row < nbRows;
         }
-        for (unsigned int row = first; row <= last; ++row)
-            ++next[row];
     }
 }
 

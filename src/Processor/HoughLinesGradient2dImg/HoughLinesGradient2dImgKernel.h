@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "frame/simd/OpenSet.h"
 
@@ -97,6 +98,26 @@ void directionsOf(const float* gx, const float* gy, unsigned long voters, float*
     }
 }
 
+/// Voters of many lines, for the row of an angle.
+struct ManyLines
+{
+    static constexpr bool isOne = false;
+    const GradientVoter* voters;
+    const GradientVoters::Index* ofRow;
+    float cosine, sine;
+
+    VoterLanes lanes(unsigned long i) const
+    {
+        constexpr unsigned long n = Lanes<float>::count / 4;
+        const auto some = [&](unsigned long from) { return loadQuads(&voters->x, ofRow + from); };
+        const Floats a = some(i), b = some(i + n), c = some(i + 2 * n), d = some(i + 3 * n);
+        const Floats ab = evenOf(a, b), cd = evenOf(c, d), y = evenOf(oddOf(a, b), oddOf(c, d));
+        return {evenOf(ab, cd) * cosine + y * sine, oddOf(ab, cd)};
+    }
+    float position(unsigned long i) const { return voters[ofRow[i]].x * cosine + voters[ofRow[i]].y * sine; }
+    float weight(unsigned long i) const { return voters[ofRow[i]].weight; }
+};
+
 /// What the kernel works with on one strip.
 template<class Gx, class Gy>
 struct GradientStrip
@@ -120,19 +141,19 @@ void HoughLinesGradient2dImgLvl3::vote()
     image::BaseImage& out = *value<attr::OutRealImg>();
     const unsigned long sizeX = out.getSizeX();
     const HoughLinesTables& tables = *m_tables;
-    float lowX = 0, highX = 0, lowY = 0, highY = 0, heaviest = 0;
+    typedef float Quad __attribute__((vector_size(sizeof(GradientVoter))));
+    Quad low = {}, high = {};
     for (unsigned long i = 0; i < m_voters->nbVoters; ++i) {
-        const GradientVoters::Voter& voter = m_voters->voters[i];
-        lowX = std::min(lowX, voter.x);
-        highX = std::max(highX, voter.x);
-        lowY = std::min(lowY, voter.y);
-        highY = std::max(highY, voter.y);
-        heaviest = std::max(heaviest, voter.weight);
+        Quad voter;
+        std::memcpy(&voter, &m_voters->voters[i], sizeof voter);
+        low = voter < low ? voter : low;
+        high = voter > high ? voter : high;
     }
+    const float lowX = low[0], highX = high[0], lowY = low[1], highY = high[1], heaviest = high[2];
     const WeightKind kind = kindOf<float>(&heaviest, 1);
     for (unsigned long i = 0; i < tables.nbRows; ++i) {
         const unsigned long t = (tables.firstRow + i) % tables.nbRows;
-        const unsigned int begin = m_voters->begins[t], n = m_voters->begins[t + 1] - begin;
+        const unsigned long begin = m_voters->begins[t], n = m_voters->nbInRow(t);
         if (n == 0)
             continue;
         // Positions rise or fall with x and with y, so they lie between those of the corners.
@@ -140,8 +161,8 @@ void HoughLinesGradient2dImgLvl3::vote()
         const auto ends = std::minmax({lowX * cosine + lowY * sine, lowX * cosine + highY * sine,
                                        highX * cosine + lowY * sine, highX * cosine + highY * sine});
         m_rowsMutexColl->lock(t);
-        voteInRow(static_cast<float*>(out.accessLine(t)), sizeX, &m_voters->x[begin], &m_voters->weights[begin], n, kind,
-                  cosine, ManyLines{&m_voters->y[begin], sine}, tables.centre,
+        voteInRow(static_cast<float*>(out.accessLine(t)), sizeX,
+                  ManyLines{m_voters->voters.data(), &m_voters->sorted[begin], cosine, sine}, n, kind, tables.centre,
                   areInside(ends.first, ends.second, sizeX, tables.centre));
         m_rowsMutexColl->unlock(t);
     }
@@ -182,8 +203,7 @@ BoolResult HoughLinesGradient2dImgLvl3::genericProcessFunction(const processor::
             strip->window.forRows(directions[bit], [&](unsigned int first, unsigned int last) {
                 if (m_voters->areMany())
                     vote<Set>();
-                m_voters->voters[m_voters->nbVoters++] = {static_cast<float>(bit + shift), y, magnitudes[bit], first, last};
-                m_voters->nbVotes += last - first + 1;
+                m_voters->add({static_cast<float>(bit + shift), y, magnitudes[bit], 0.0f}, {first, last});
             });
         }
     }

@@ -31,20 +31,20 @@ processor::RulePtr HoughLinesGradient2dImgLvl1::createRule() const
 
 void HoughLinesGradient2dImgLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutRealImg>(
-        initializers, customOutput(attribute<OutRealImg>(),
-                                   outputHoughLinesGradient2dImg(attribute<InGxGreyImg2d>(),
-                                                                 attribute<InOptHoughLinesGradientImgParams>())));
+    addInitializer<OutRealImg>(initializers,
+                               customOutput(attribute<OutRealImg>(),
+                                            outputHoughLinesGradient2dImg(attribute<InGxGreyImg2d>(),
+                                                                          attribute<InOptHoughLinesGradientImgParams>())));
 }
 
 processor::RetrievalResult HoughLinesGradient2dImgLvl1::retrieveProvider(const core::BasePriority& priority,
                                                                          processor::ProviderPtr& provider)
 {
-    return dispatch<HoughLinesGradient2dImgLvl2>(
-        priority, provider, eachPlane<OutRealImg>(value<OutRealImg>()),
-        eachPlane<InSubGxImg2d>(value<InGxGreyImg2d>()), eachPlane<InSubGyImg2d>(value<InGyGreyImg2d>()),
-        sameIfSet(attribute<InOptHoughLinesGradientImgParams>()),
-        sameIfSet(attribute<InOptHoughLinesOrientationTolerance>()));
+    return dispatch<HoughLinesGradient2dImgLvl2>(priority, provider, eachPlane<OutRealImg>(value<OutRealImg>()),
+                                                 eachPlane<InSubGxImg2d>(value<InGxGreyImg2d>()),
+                                                 eachPlane<InSubGyImg2d>(value<InGyGreyImg2d>()),
+                                                 sameIfSet(attribute<InOptHoughLinesGradientImgParams>()),
+                                                 sameIfSet(attribute<InOptHoughLinesOrientationTolerance>()));
 }
 
 typedef FunctionForms<HoughLinesGradient2dImgLvl1, OutRealImg> Forms;
@@ -55,9 +55,8 @@ ORVIK_FUNCTION(houghLinesGradient2dImg, (const ConstImagePtr&, gx)(const ConstIm
     processor.set<InGyGreyImg2d>(gy);
 }
 
-ORVIK_FUNCTION(houghLinesGradient2dImg,
-               (const ConstImagePtr&, gx)(const ConstImagePtr&, gy)(const ConstPtr<HoughLinesGradientImgParams>&,
-                                                                    params)(float, tolerance))
+ORVIK_FUNCTION(houghLinesGradient2dImg, (const ConstImagePtr&, gx)(const ConstImagePtr&, gy)(
+                                            const ConstPtr<HoughLinesGradientImgParams>&, params)(float, tolerance))
 {
     prepare(processor, gx, gy);
     processor.set<InOptHoughLinesGradientImgParams>(params);

@@ -18,8 +18,8 @@ processor::StageResult HoughLinesGradient2dImgLvl3::preProcess()
     if (!m_rowsMutexColl)
         return failure(getObjectName() + ": the accumulator has no locks for its rows");
     m_tables = boost::make_shared<HoughLinesTables>();
-    const BoolResult made =
-        m_tables->init(getObjectName(), *value<InOptHoughLinesGradientImgParams>(), *value<InGxYStrip2d>(), *value<OutRealImg>());
+    const BoolResult made = m_tables->init(getObjectName(), *value<InOptHoughLinesGradientImgParams>(),
+                                           *value<InGxYStrip2d>(), *value<OutRealImg>());
     if (!made)
         return made;
     m_voters = boost::make_shared<GradientVoters>();

@@ -68,46 +68,43 @@ WeightKind kindOf(const float* weights, unsigned long n)
     return ones ? eOne : heaviest < 2147483648.0f ? eLight : eHeavy;
 }
 
-/// What voters have in their row beside the share of their column: the same for those of one line, their own for others.
+/// Where voters lie in the row of an angle, from its centre, and what they weigh.
+struct VoterLanes
+{
+    Floats positions, weights;
+};
+
+/// Voters of one line of pixels. Other places that voters are had from have the same functions.
 struct OneLine
 {
     static constexpr bool isOne = true;
-    float offset;
+    const float *x, *weights;
+    float cosine, offset;  // what the line has of the position
 
-    Floats lanes(unsigned long) const { return Floats{} + offset; }
-    float of(unsigned long) const { return offset; }
-    OneLine from(unsigned long) const { return *this; }
-};
-struct ManyLines
-{
-    static constexpr bool isOne = false;
-    const float* y;
-    float sine;
-
-    Floats lanes(unsigned long i) const { return load(y + i) * sine; }
-    float of(unsigned long i) const { return y[i] * sine; }
-    ManyLines from(unsigned long i) const { return {y + i, sine}; }
+    VoterLanes lanes(unsigned long i) const { return {load(x + i) * cosine + offset, load(weights + i)}; }
+    float position(unsigned long i) const { return x[i] * cosine + offset; }
+    float weight(unsigned long i) const { return weights[i]; }
 };
 
-template<WeightKind Kind, class Accum, class Lines>
-void computeVotes(const float* x, const float* weight, unsigned long n, float cosine, const Lines& lines, int centre,
-                  Votes<Accum>& votes)
+/// Of the voters from `first` on.
+template<WeightKind Kind, class Accum, class Voters>
+void computeVotes(const Voters& voters, unsigned long first, unsigned long n, int centre, Votes<Accum>& votes)
 {
     typedef typename Lanes<Share<Accum>>::type ShareLanes;
     const ShareLanes one = ShareLanes{} + 1;
     for (unsigned long i = 0; i < n; i += Lanes<float>::count) {
-        const Floats p = load(x + i) * cosine + lines.lanes(i);
-        const Floats floor = floorOf(p), frac = p - floor, rest = 1.0f - frac;
+        const VoterLanes voter = voters.lanes(first + i);
+        const Floats floor = floorOf(voter.positions), frac = voter.positions - floor, rest = 1.0f - frac;
         store(votes.column + i, __builtin_convertvector(floor, Ints) + centre);
         Share<Accum>* const to = reinterpret_cast<Share<Accum>*>(votes.shares + i);
         if constexpr (Kind == eOne) {
             storePairs(to, rest >= 0.5f ? one : ShareLanes{}, frac >= 0.5f ? one : ShareLanes{});
         } else {
-            const Floats w = load(weight + i), first = rest * w, second = frac * w;
+            const Floats here = rest * voter.weights, next = frac * voter.weights;
             if constexpr (std::is_same<Accum, float>::value)
-                storePairs(to, first, second);
+                storePairs(to, here, next);
             else
-                storePairs(to, reinterpret_cast<ShareLanes>(nearest(first)), reinterpret_cast<ShareLanes>(nearest(second)));
+                storePairs(to, reinterpret_cast<ShareLanes>(nearest(here)), reinterpret_cast<ShareLanes>(nearest(next)));
         }
     }
 }
@@ -219,16 +216,16 @@ inline bool areInside(float low, float high, unsigned long sizeX, double centre)
 }
 
 /// The votes of voters into the row of one angle.
-template<class Accum, class Lines>
-void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, WeightKind kind,
-               float cosine, const Lines& lines, double centre, bool inside)
+template<class Accum, class Voters>
+void voteInRow(Accum* row, unsigned long sizeX, const Voters& voters, unsigned long n, WeightKind kind, double centre,
+               bool inside)
 {
     if (!inside || kind == eHeavy) {
         for (unsigned long i = 0; i < n; ++i) {
-            const float p = x[i] * cosine + lines.of(i), floor = std::floor(p), frac = p - floor;
+            const float p = voters.position(i), floor = std::floor(p), frac = p - floor, weight = voters.weight(i);
             const double column = static_cast<double>(floor) + centre;
-            addShare(row, sizeX, column, (1.0f - frac) * weight[i]);
-            addShare(row, sizeX, column + (frac != 0.0f ? 1.0 : 0.0), frac * weight[i]);
+            addShare(row, sizeX, column, (1.0f - frac) * weight);
+            addShare(row, sizeX, column + (frac != 0.0f ? 1.0 : 0.0), frac * weight);
         }
         return;
     }
@@ -241,32 +238,21 @@ void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* wei
     for (unsigned long i = 0; i < n; i += kMaxVotes) {
         const unsigned long nbVotes = std::min(kMaxVotes, n - i);
         if (!std::is_same<Accum, float>::value && kind == eOne)
-            computeVotes<eOne>(x + i, weight + i, nbVotes, cosine, lines.from(i), static_cast<int>(centre), votes);
+            computeVotes<eOne>(voters, i, nbVotes, static_cast<int>(centre), votes);
         else
-            computeVotes<eLight>(x + i, weight + i, nbVotes, cosine, lines.from(i), static_cast<int>(centre), votes);
+            computeVotes<eLight>(voters, i, nbVotes, static_cast<int>(centre), votes);
         const unsigned long few = 16;
-        if (Lines::isOne && nbVotes <= few)
+        if (Voters::isOne && nbVotes <= few)
             addFewVotes<Accum>(bins, votes, nbVotes);
-        else if (cosine < sharedColumns && cosine > -sharedColumns)
+        else if (std::fabs(voters.cosine) < sharedColumns)
             addVotesByColumn<Accum>(bins, votes, nbVotes);
-        else if constexpr (!Lines::isOne)
+        else if constexpr (!Voters::isOne)
             addVotesBinByBin(bins, votes, nbVotes);
         else if constexpr (std::is_same<Accum, float>::value)
             addVotesInOrder(bins, votes, nbVotes);
         else
             addVotesInAnyOrder(bins, votes, nbVotes);
     }
-}
-
-/// Those of a part of a line.
-template<class Accum>
-void voteInRow(Accum* row, unsigned long sizeX, const float* x, const float* weight, unsigned long n, WeightKind kind,
-               float cosine, float offset, double centre)
-{
-    // Positions rise, so all columns lie between those of the first and of the last voter.
-    const float atFirst = x[0] * cosine + offset, atLast = x[n - 1] * cosine + offset;
-    voteInRow(row, sizeX, x, weight, n, kind, cosine, OneLine{offset}, centre,
-              areInside(std::min(atFirst, atLast), std::max(atFirst, atLast), sizeX, centre));
 }
 
 }  // namespace

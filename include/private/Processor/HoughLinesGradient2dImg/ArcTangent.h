@@ -29,15 +29,15 @@ inline Lanes<float>::type angleOf(Lanes<float>::type y, Lanes<float>::type x)
     const auto isDiagonal = (absX > all(NumericLimits<float>::s_max)) & (absY > all(NumericLimits<float>::s_max));
     const Vector slope = isNone ? Vector{} : isDiagonal ? all(1.0f) : absY / absX;
 
-    const auto isSteep = slope > all(2.4142137f);   // tan(3 pi / 8)
+    const auto isSteep = slope > all(2.4142137f);  // tan(3 pi / 8)
     const auto isMiddle = slope > all(0.66f);
     const Vector reduced = isSteep ? all(-1.0f) / slope : isMiddle ? (slope - all(1.0f)) / (slope + all(1.0f)) : slope;
     const Vector base = isSteep ? all(1.5707964f) : isMiddle ? all(0.78539819f) : Vector{};
     const Vector z = reduced * reduced;
-    const Vector above =
-        (((all(-0.87506086f) * z + all(-16.157537f)) * z + all(-75.00856f)) * z + all(-122.886665f)) * z + all(-64.85022f);
-    const Vector below =
-        ((((z + all(24.858465f)) * z + all(165.02701f)) * z + all(432.88107f)) * z + all(485.3904f)) * z + all(194.55066f);
+    const Vector above = (((all(-0.87506086f) * z + all(-16.157537f)) * z + all(-75.00856f)) * z + all(-122.886665f)) * z
+                         + all(-64.85022f);
+    const Vector below = ((((z + all(24.858465f)) * z + all(165.02701f)) * z + all(432.88107f)) * z + all(485.3904f)) * z
+                         + all(194.55066f);
     const Vector acute = base + (reduced * (z * above / below) + reduced);
     const Vector angle = bitsX < Whole{} ? all(3.1415927f) - acute : acute;
     return reinterpret_cast<Vector>(reinterpret_cast<Whole>(angle) | (bitsY & sign));

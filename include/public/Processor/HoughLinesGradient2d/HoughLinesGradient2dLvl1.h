@@ -28,20 +28,30 @@ class HoughLinesGradient2dLvl1;
 /// along an axis; the text has both values. std::bad_alloc with the size that there is no memory for.
 /// Cost: that of houghLinesGradient2dImg, and some passes over the accumulator. Sums depend on the order of strips with
 /// several threads, and with them the order of lines that are as high up to rounding.
-ORVIK_API HoughLines2dResult houghLinesGradient2d(const ConstImagePtr& gx, const ConstImagePtr& gy, const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams, const ConstPtr<attr::HoughLinesExtractionParams>& extrParams, float tolerance);
+ORVIK_API HoughLines2dResult houghLinesGradient2d(const ConstImagePtr& gx, const ConstImagePtr& gy,
+                                                  const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams,
+                                                  const ConstPtr<attr::HoughLinesExtractionParams>& extrParams,
+                                                  float tolerance);
 ORVIK_API HoughLines2dResult houghLinesGradient2d(const ConstImagePtr& gx, const ConstImagePtr& gy);
 
 /// The same in the background; lines and accumulator are had by getAsyncProcessorOutput.
 ORVIK_API Ptr<HoughLinesGradient2dLvl1> houghLinesGradient2d_async(const ConstImagePtr& gx, const ConstImagePtr& gy);
-ORVIK_API Ptr<HoughLinesGradient2dLvl1> houghLinesGradient2d_async(const ConstImagePtr& gx, const ConstImagePtr& gy, const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams, const ConstPtr<attr::HoughLinesExtractionParams>& extrParams, float tolerance);
+ORVIK_API Ptr<HoughLinesGradient2dLvl1> houghLinesGradient2d_async(
+    const ConstImagePtr& gx, const ConstImagePtr& gy, const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams,
+    const ConstPtr<attr::HoughLinesExtractionParams>& extrParams, float tolerance);
 
 /// The same for gradients of any number of planes: a list for each (z, c, t).
 ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLinesGradient2d(const ConstImagePtr& gx, const ConstImagePtr& gy);
-ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLinesGradient2d(const ConstImagePtr& gx, const ConstImagePtr& gy, const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams, const ConstPtr<attr::HoughLinesExtractionParams>& extrParams, float tolerance);
+ORVIK_API MultiSliceHoughLines2dResult multiSlice_houghLinesGradient2d(
+    const ConstImagePtr& gx, const ConstImagePtr& gy, const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams,
+    const ConstPtr<attr::HoughLinesExtractionParams>& extrParams, float tolerance);
 
 /// The same in the background; lists and accumulator are had by getAsyncProcessorMultiSliceOutput.
-ORVIK_API Ptr<HoughLinesGradient2dLvl1> multiSlice_houghLinesGradient2d_async(const ConstImagePtr& gx, const ConstImagePtr& gy);
-ORVIK_API Ptr<HoughLinesGradient2dLvl1> multiSlice_houghLinesGradient2d_async(const ConstImagePtr& gx, const ConstImagePtr& gy, const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams, const ConstPtr<attr::HoughLinesExtractionParams>& extrParams, float tolerance);
+ORVIK_API Ptr<HoughLinesGradient2dLvl1> multiSlice_houghLinesGradient2d_async(const ConstImagePtr& gx,
+                                                                              const ConstImagePtr& gy);
+ORVIK_API Ptr<HoughLinesGradient2dLvl1> multiSlice_houghLinesGradient2d_async(
+    const ConstImagePtr& gx, const ConstImagePtr& gy, const ConstPtr<attr::HoughLinesGradientImgParams>& imgParams,
+    const ConstPtr<attr::HoughLinesExtractionParams>& extrParams, float tolerance);
 
 /// Wait for the end. The first gives the lines of plane (0, 0, 0). @throws what ended the run, when it failed.
 ORVIK_API HoughLines2dResult getAsyncProcessorOutput(Ptr<HoughLinesGradient2dLvl1> processor);
