@@ -16,31 +16,27 @@ namespace attr = orvik::imaproc::attr;
 
 namespace {
 
-struct Gradient
-{
-    imaproc::ImagePtr x, y;
-};
-
 // Both stages go through the processors, not through the functions gaussianGradient2dImg and cannyEdges2dImg that do
 // the same in one call: only a processor tells its progress.
 
-Gradient computeGradient(const Picture& picture, double sigma, const CommonOptions& common)
+void computeGradient(Gradient& result, const Picture& picture, double sigma, const CommonOptions& common)
 {
     const auto gradient = processor::createInitialised<imaproc::filter::GaussianGradient2dImgLvl1>();
     gradient->set<attr::InImg>(wrapPicture(picture));
     gradient->set<attr::InStdDevX>(static_cast<float>(sigma));
     gradient->set<attr::InStdDevY>(static_cast<float>(sigma));
     runToEnd(*gradient, "gradient", common);
-    return {gradient->getStorage<attr::OutOptGradXImg>(), gradient->getStorage<attr::OutOptGradYImg>()};
+    result.x = gradient->getStorage<attr::OutOptGradXImg>();
+    result.y = gradient->getStorage<attr::OutOptGradYImg>();
 }
 
-imaproc::ImagePtr detectEdges(const Gradient& gradient, const EdgeThresholds& thresholds, bool viaLabels,
-                              const CommonOptions& common)
+imaproc::ImagePtr detectEdges(const Gradient& gradient, bool viaLabels, const CommonOptions& common)
 {
     const auto canny = processor::createInitialised<imaproc::fd::CannyEdges2dImgLvl1>();
     canny->set<attr::InGxGreyImg2d>(gradient.x);
     canny->set<attr::InGyGreyImg2d>(gradient.y);
-    canny->set<attr::InCannyThresholds>(attr::CannyThresholds::createNode(thresholds.low, thresholds.high));
+    canny->set<attr::InCannyThresholds>(attr::CannyThresholds::createNode(gradient.thresholds.low,
+                                                                          gradient.thresholds.high));
     canny->set<attr::InOptOptimizationPolicy>(viaLabels ? attr::ePOP_Labels : attr::ePOP_Iterative);
     runToEnd(*canny, "edges", common);
     return canny->getStorage<attr::OutBinImg>();
@@ -67,13 +63,20 @@ void checkEdgeOptions(const EdgeOptions& options)
                                                 + CLI::detail::to_string(*options.high));
 }
 
+Gradient findGradient(const Picture& picture, const EdgeOptions& options, const CommonOptions& common, StageTimes& times)
+{
+    Gradient gradient;
+    times.measure("gradient", [&] { computeGradient(gradient, picture, options.sigma, common); });
+    gradient.thresholds =
+        times.measure("thresholds", [&] { return chooseThresholds(options.low, options.high, *gradient.x, *gradient.y); });
+    return gradient;
+}
+
 Edges findEdges(const Picture& picture, const EdgeOptions& options, bool viaLabels, const CommonOptions& common,
                 StageTimes& times)
 {
-    const Gradient gradient = times.measure("gradient", [&] { return computeGradient(picture, options.sigma, common); });
-    const EdgeThresholds thresholds =
-        times.measure("thresholds", [&] { return chooseThresholds(options.low, options.high, *gradient.x, *gradient.y); });
-    return {times.measure("edges", [&] { return detectEdges(gradient, thresholds, viaLabels, common); }), thresholds};
+    const Gradient gradient = findGradient(picture, options, common, times);
+    return {times.measure("edges", [&] { return detectEdges(gradient, viaLabels, common); }), gradient.thresholds};
 }
 
 std::string describe(const EdgeOptions& options, const EdgeThresholds& thresholds)

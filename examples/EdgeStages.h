@@ -18,14 +18,22 @@ void addEdgeOptions(CLI::App& app, EdgeOptions& options);
 /// Refuses thresholds in the wrong order, in the words of the command line.
 void checkEdgeOptions(const EdgeOptions& options);
 
+struct Gradient
+{
+    imaproc::ImagePtr x, y;
+    EdgeThresholds thresholds;
+};
+
+/// Gradient and thresholds of a picture. Each stage adds its time.
+Gradient findGradient(const Picture& picture, const EdgeOptions& options, const CommonOptions& common, StageTimes& times);
+
 struct Edges
 {
     imaproc::ImagePtr image;  ///< 1 on edges, 0 elsewhere
     EdgeThresholds thresholds;
 };
 
-/// Gradient, thresholds and edges of a picture. Each stage adds its time. `viaLabels` is one of two ways to the same
-/// edges.
+/// The same and edges. `viaLabels` is one of two ways to the same edges.
 Edges findEdges(const Picture& picture, const EdgeOptions& options, bool viaLabels, const CommonOptions& common,
                 StageTimes& times);
 

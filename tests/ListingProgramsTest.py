@@ -131,6 +131,18 @@ class LinesProgramTest(ListingProgram, ProgramTestCase):
             bins = (rho - 85 * math.cos(theta) - 60 * math.sin(theta)) / 7
             self.assertAlmostEqual(round(bins), bins)
 
+    def test_gradient_tells_where_it_is_brighter(self):
+        bright = (90, 60)
+        inward = lambda rho, theta: bright[0] * math.cos(theta) + bright[1] * math.sin(theta) > rho
+        expected = [side if inward(*side) else (-side[0], side[1] - math.pi) for side in self.sides]
+        options = ("--gradient", "--low", "5", "--tolerance", "0.2")
+        for half, angles in ((False, ()), (True, ("--theta-min", "0", "--theta-max", str(math.pi), "--angles", "180"))):
+            lines, sides = self.list_of(*options, *angles), [side for side in expected if side[1] >= 0 or not half]
+            self.assertEqual(len(sides), len(lines))
+            for rho, theta in sides:
+                self.assertTrue(any(abs(line[0] - rho) < 1.5 and abs(line[1] - theta) < 0.02 for line in lines), (rho, theta, lines))
+        self.assertNotEqual(self.list_of(*options), self.list_of("--gradient", "--low", "5", "--tolerance", "0.02"))
+
     def test_lists_the_strongest_line_at_any_distance(self):
         strongest = self.list_of("--max", "1")
         self.assertEqual(strongest, self.list_of("--distance", "179"))
@@ -148,6 +160,9 @@ class LinesProgramTest(ListingProgram, ProgramTestCase):
         for option, value in (("--threshold", "2"), ("--threshold", "nan"), ("--angles", "0"), ("--angles", "1.5"), ("--rho-step", "0")):
             self.refuse(2, [option, value], "discs.v1.png", option, value)
         self.refuse(2, ["--low", "--high"], "discs.v1.png", "--low", "9", "--high", "3")
+        self.refuse(2, ["--theta-min", "--theta-max"], "discs.v1.png", "--theta-min", "3", "--theta-max", "1")
+        self.refuse(2, ["--tolerance", "--gradient"], "discs.v1.png", "--tolerance", "0.2")
+        self.refuse(2, ["--tolerance", "4"], "discs.v1.png", "--gradient", "--tolerance", "4")
         many = ("--rho-step", "0.01", "--angles", "36000", "--distance", "10000")  # 5 GB of votes
         self.refuse(2, many, "discs.v1.png", *many)
 

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Optional, Tuple
+from typing import Any, Optional, Tuple
 
 from .calls import Progress, Run, background, everyPlane, everyPlaneBackground, foreground, newRun
 from .enumerations import eHoughLinesThresholdType, memberOf
@@ -13,7 +13,22 @@ __all__ = [
     "houghLines2dImg", "houghLines2dImg_async",
     "houghLines2d", "houghLines2d_async",
     "multiSlice_houghLines2d", "multiSlice_houghLines2d_async",
+    "houghLinesGradient2dImg", "houghLinesGradient2dImg_async",
+    "houghLinesGradient2d", "houghLinesGradient2d_async",
+    "multiSlice_houghLinesGradient2d", "multiSlice_houghLinesGradient2d_async",
 ]
+
+Lines = Tuple[Array, Array]
+LinesOfEach = Tuple[ListOfEach, Array]
+
+
+def _setExtraction(run: Run[Any, Any], thresholdType: Any, threshold: Optional[float], peakDist: Optional[int]) -> None:
+    run.set(
+        "InOptHoughLinesExtractionParams",
+        threshold=threshold,
+        peakDist=peakDist,
+        **memberOf(eHoughLinesThresholdType, thresholdType=thresholdType),
+    )
 
 
 def _houghLines2dImg(
@@ -67,7 +82,7 @@ def _houghLines2d(
     threshold: Optional[float] = None,
     peakDist: Optional[int] = None,
     progress: Optional[Progress] = None,
-) -> Run[Tuple[Array, Array], Tuple[ListOfEach, Array]]:
+) -> Run[Lines, LinesOfEach]:
     """Lists the lines of an image of edges.
 
     Votes for lines are counted as by houghLines2dImg; a line is a bin that has no higher one within peakDist bins along rho
@@ -91,17 +106,101 @@ def _houghLines2d(
     MemoryError with their size when there is no memory for them; TypeError and ValueError for arguments that no image,
     number or type can be made of.
     """
-    run: Run[Tuple[Array, Array], Tuple[ListOfEach, Array]] = newRun("fd::HoughLines2dLvl1", progress)
+    run: Run[Lines, LinesOfEach] = newRun("fd::HoughLines2dLvl1", progress)
     run.set("InGreyImg2d", inGreyImg=inGreyImg)
     run.set("InOptHoughLinesImgParams", rhoStep=rhoStep, thetaMin=thetaMin, thetaMax=thetaMax, nbThetaBins=nbThetaBins,
             pixelThreshold=pixelThreshold)
-    run.set(
-        "InOptHoughLinesExtractionParams",
-        threshold=threshold,
-        peakDist=peakDist,
-        **memberOf(eHoughLinesThresholdType, thresholdType=thresholdType),
-    )
+    _setExtraction(run, thresholdType, threshold, peakDist)
     return run.returning("OutPIHoughLines2dPpties", "OutOptImg")
+
+
+def _houghLinesGradient2dImg(
+    inGx: Array,
+    inGy: Array,
+    *,
+    rhoStep: Optional[float] = None,
+    thetaMin: Optional[float] = None,
+    thetaMax: Optional[float] = None,
+    nbThetaBins: Optional[int] = None,
+    pixelThreshold: Optional[float] = None,
+    tolerance: Optional[float] = None,
+    progress: Optional[Progress] = None,
+) -> Run[Array, Array]:
+    """Counts the votes of gradients for the lines that they are across.
+
+    As houghLines2dImg, but a pixel votes with the magnitude of its gradient, and only for the angles theta within a
+    tolerance of the gradient's own: a line has as its normal the direction in which values rise. So theta and theta + pi
+    are two lines, the two sides of a bar. The window of angles crosses from pi to -pi.
+    After O'Gorman, Clowes, "Finding picture edges through collinearity of feature points", IEEE Trans. Computers 25(4), 1976.
+
+    Arguments:
+        inGx, inGy: gradient, of equal shape, (y, x) to (t, c, z, y, x), and dtype; every plane by itself.
+        rhoStep: width of a bin in pixels, above 0. Default: 1.
+        thetaMin, thetaMax: angles in radians; thetaMax itself is outside. Default: -pi and pi.
+        nbThetaBins: number of angles. Default: 360.
+        pixelThreshold: gradients of a greater magnitude vote. Default: 0.
+        tolerance: in radians, a number. With pi or more every gradient votes for the angles from 0 to pi, deliberately not
+            for the whole turn; with a negative one for all but the window. Default: 0.1.
+        progress: called with the fraction of the current stage that is done, or a bar of tqdm.
+
+    Gives a float32 array with nbThetaBins rows for each plane, in units of the gradient. Its sums depend on the order in
+    which threads add, and a gradient at the limit of its window may have one angle more or less with another set of
+    instructions.
+
+    Raises Error for gradients of different shapes or dtypes, a tolerance that is no number, a result without bins or with
+    too many; MemoryError with its size when there is no memory for it; TypeError and ValueError for arguments that no image
+    or number can be made of.
+    """
+    run: Run[Array, Array] = newRun("fd::HoughLinesGradient2dImgLvl1", progress)
+    run.set("InGxGreyImg2d", inGx=inGx)
+    run.set("InGyGreyImg2d", inGy=inGy)
+    run.set("InOptHoughLinesGradientImgParams", rhoStep=rhoStep, thetaMin=thetaMin, thetaMax=thetaMax,
+            nbThetaBins=nbThetaBins, pixelThreshold=pixelThreshold)
+    run.set("InOptHoughLinesOrientationTolerance", tolerance=tolerance)
+    return run.returning("OutRealImg")
+
+
+def _houghLinesGradient2d(
+    inGx: Array,
+    inGy: Array,
+    *,
+    rhoStep: Optional[float] = None,
+    thetaMin: Optional[float] = None,
+    thetaMax: Optional[float] = None,
+    nbThetaBins: Optional[int] = None,
+    pixelThreshold: Optional[float] = None,
+    thresholdType: Optional[eHoughLinesThresholdType] = None,
+    threshold: Optional[float] = None,
+    peakDist: Optional[int] = None,
+    tolerance: Optional[float] = None,
+    progress: Optional[Progress] = None,
+) -> Run[Lines, LinesOfEach]:
+    """Lists the lines of a gradient.
+
+    Votes are counted as by houghLinesGradient2dImg, lines are found among them as by houghLines2d, with a turn that is
+    twice as long: a line and its opposite, of theta + pi and -rho, are two, the sides of a bar. Where the angles cover -pi
+    to pi or more, the result goes on for 2 * peakDist rows with the first ones, mirrored along rho.
+
+    Arguments:
+        inGx, inGy: gradient, one plane, of equal shape (y, x) and dtype.
+        rhoStep, thetaMin, thetaMax, nbThetaBins, pixelThreshold, tolerance: as for houghLinesGradient2dImg, with its
+            defaults.
+        thresholdType, threshold, peakDist: as for houghLines2d, with its defaults.
+        progress: called with the fraction of the current stage that is done, or a bar of tqdm.
+
+    Gives a pair as houghLines2d does: lines with Rho, Theta and AccumulatorValue, those with most votes first, and the
+    array of votes with the rows that go on. Values rise across a line in the direction of its Theta.
+
+    Raises Error for an image of several planes (use the multiSlice_ form), and for what houghLinesGradient2dImg refuses.
+    """
+    run: Run[Lines, LinesOfEach] = newRun("fd::HoughLinesGradient2dLvl1", progress)
+    run.set("InGxGreyImg2d", inGx=inGx)
+    run.set("InGyGreyImg2d", inGy=inGy)
+    run.set("InOptHoughLinesGradientImgParams", rhoStep=rhoStep, thetaMin=thetaMin, thetaMax=thetaMax,
+            nbThetaBins=nbThetaBins, pixelThreshold=pixelThreshold)
+    _setExtraction(run, thresholdType, threshold, peakDist)
+    run.set("InOptHoughLinesOrientationTolerance", tolerance=tolerance)
+    return run.returning("OutPIHoughLines2dPpties", "OutOptRealImg")
 
 
 houghLines2dImg = foreground(_houghLines2dImg)
@@ -110,3 +209,9 @@ houghLines2d = foreground(_houghLines2d)
 houghLines2d_async = background(_houghLines2d)
 multiSlice_houghLines2d = everyPlane(_houghLines2d)
 multiSlice_houghLines2d_async = everyPlaneBackground(_houghLines2d)
+houghLinesGradient2dImg = foreground(_houghLinesGradient2dImg)
+houghLinesGradient2dImg_async = background(_houghLinesGradient2dImg)
+houghLinesGradient2d = foreground(_houghLinesGradient2d)
+houghLinesGradient2d_async = background(_houghLinesGradient2d)
+multiSlice_houghLinesGradient2d = everyPlane(_houghLinesGradient2d)
+multiSlice_houghLinesGradient2d_async = everyPlaneBackground(_houghLinesGradient2d)

@@ -34,6 +34,14 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
     """houghLines2d: edge == edge, rhoStep=1, thetaMin=0, thetaMax=3.141592653589793, nbThetaBins=180, pixelThreshold=0
        == edge, thresholdType=1, threshold=0.5, peakDist=10 != edge, rhoStep=2 != edge, thetaMin=1 != edge, thetaMax=1
        != edge, nbThetaBins=90 != edge, pixelThreshold=1 != edge, threshold=0.9 != edge, peakDist=2""",
+    """houghLinesGradient2dImg: gx, gy == inGx=gx, inGy=gy, rhoStep=1, thetaMin=-numpy.pi, thetaMax=numpy.pi
+       == gx, gy, nbThetaBins=360, pixelThreshold=0, tolerance=0.1 != gy, gx != gx, gy, rhoStep=2
+       != gx, gy, thetaMin=0 != gx, gy, thetaMax=1 != gx, gy, nbThetaBins=90 != gx, gy, pixelThreshold=100
+       != gx, gy, tolerance=0.2""",
+    """houghLinesGradient2d: gx, gy == gx, gy, thresholdType=1, threshold=0.5, peakDist=10, tolerance=0.1
+       != gy, gx != gx, gy, rhoStep=2 != gx, gy, thetaMin=0 != gx, gy, thetaMax=1
+       != gx, gy, nbThetaBins=90 != gx, gy, pixelThreshold=100 != gx, gy, threshold=0.99 != gx, gy, peakDist=2
+       != gx, gy, tolerance=0.5""",
     """houghCircles2dImg: gx, gy, 4, 12 == inGx=gx, inGy=gy, minRadius=4, maxRadius=12, circleIntensityType=2
        == gx, gy, 4, 12, maxAngleWithGradDir=0.1, nbMaxPtsPerCircle=4294967295 != gx, gy, 5, 12 != gx, gy, 4, 11 != gx, gy
        != gy, gx, 4, 12 != gx, gy, 4, 12, circleIntensityType=eCircleIntensityType.eCIT_Inward
@@ -57,6 +65,7 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
     "maxL2Norm2Msr: gx, gy == in1=gx, in2=gy == gy, gx != gx, gx != gy, gy",
 ], ids=lambda calls: calls.partition(":")[0])
 def test_argumentsReachTheLibrary(run, calls):
+    orvik_fd.setNbThreads(1)  # sums of floats depend on the order of threads
     function, _, calls = calls.partition(":")
     same, *others = ([f"({arguments.strip()})" for arguments in part.split("==")] for part in calls.split("!="))
     forms = [function] if function == "gaussianGradient2dImg" else [function, function + "_async"]
@@ -130,6 +139,16 @@ def test_houghLines2d():
     assert same.tolist() == lines.tolist() and none.shape == (0,) and none.dtype == lines.dtype
 
 
+def test_houghLinesGradient2dTellsTheSidesOfABarApart():
+    bar = numpy.zeros((80, 100), numpy.float32)
+    bar[:, 30:61] = 200
+    gx, gy = orvik_fd.gaussianGradient2dImg(bar, 1)
+    (left, right), votes = orvik_fd.houghLinesGradient2d(gx, gy, pixelThreshold=1, threshold=0.9)
+    assert {round(left["Theta"]), round(right["Theta"])} == {0, -3} and votes.shape == (380, 2 * int(math.hypot(50, 40) + 1))
+    sides = sorted(line["Rho"] * math.cos(line["Theta"]) for line in (left, right))
+    assert abs(sides[0] - 29.5) <= 1 and abs(sides[1] - 60.5) <= 1
+
+
 def test_houghCircles2dFindsDiscsAndCentresOutsideHaveNoRadius():
     y, x = numpy.mgrid[:120, :150]
     picture = 200 * (numpy.hypot(x - 40, y - 50) < 18.5) + 90 * (numpy.hypot(x - 100, y - 70) < 30.5)
@@ -148,9 +167,11 @@ def test_houghCircles2dFindsDiscsAndCentresOutsideHaveNoRadius():
 
 
 @pytest.mark.parametrize("call", ["extractLocalExtrema2d(many, 3, 3)", "harrisCorner2d(many, 7, 3)", "houghLines2d(many)",
-                                  "houghCircles2d(many, 2, 7)", "extractHoughPeaks2d(many, many)"])
+                                  "houghLinesGradient2d(many, many)", "houghCircles2d(many, 2, 7)",
+                                  "extractHoughPeaks2d(many, many)"])
 @pytest.mark.parametrize("shape", [(2,), (3, 2), (2, 3, 2)])  # z; c, z; t, c, z
 def test_multiSliceFormsGiveAListForEachPlane(run, rng, shape, call):
+    orvik_fd.setNbThreads(1)  # sums of floats depend on the order of threads
     many = rng.integers(0, 200, shape + (20, 24)).astype(numpy.uint8)
     for form in "multiSlice_" + call, "multiSlice_" + call.replace("(", "_async("):
         lists, *votes = run(form, many=many)
