@@ -39,6 +39,12 @@ ARGUMENTS = {
     "harrisCorner2d": lambda draw, a, b: ((a, seldom(draw, -1, 20), 3), {"harrisK": draw.choice([None, 0.1])}),
     "houghLines2dImg": lambda draw, a, b: ((a,), {"nbThetaBins": seldom(draw, 0, 10, 90)}),
     "houghLines2d": lambda draw, a, b: ((a,), {"peakDist": seldom(draw, "x", 1, 5)}),
+    "houghLinesGradient2dImg": lambda draw, a, b: ((a, b), {"nbThetaBins": seldom(draw, 0, 10, 90)}),
+    "houghLinesGradient2d": lambda draw, a, b: ((a, b), {"tolerance": seldom(draw, float("nan"), 0.05, 0.3)}),
+    "houghCircles2dImg": lambda draw, a, b: ((a, b, seldom(draw, "x", 1, 3), 6), {}),
+    "houghCirclesPhaseCoded2dImg": lambda draw, a, b: ((a, b, 2, seldom(draw, -1, 3, 9)), {}),
+    "houghCircles2d": lambda draw, a, b: ((a, 2, seldom(draw, -1, 5, 9)), {"algoMethod": draw.choice([0, 1])}),
+    "extractHoughPeaks2d": lambda draw, a, b: ((a, b, seldom(draw, "x", 0, 9)), {}),
     "maxL2Norm2Msr": lambda draw, a, b: ((a, seldom(draw, b.astype("f8"), b)), {}),
 }
 
