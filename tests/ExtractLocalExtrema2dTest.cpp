@@ -1,42 +1,19 @@
 // Local extrema of planes: which pixels are listed, in which order, the calls.
 
-#include "FamilyShapes.h"
+#include "ExtremaReference.h"
 #include "InstructionSets.h"
 
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl2.h"
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl3.h"
-#include "Processor/ExtractLocalExtrema2d/ExtremaWindow.h"
 
 #include "frame/attr/StripAttributes.h"
 
 #include <algorithm>
-#include <array>
 
 namespace orvik::test { namespace {
 
 using namespace imaproc::fd;
-
-const unsigned long kAll = NumericLimits<unsigned long>::s_max;
-const eLocalExtremumType kKinds[] = {eLET_Maxima, eLET_Minima, eLET_StrictMaxima, eLET_StrictMinima};
-
-bool areMinima(eLocalExtremumType kind)
-{
-    return kind == eLET_Minima || kind == eLET_StrictMinima;
-}
-
-/// Passed by all values.
-double noThreshold(eLocalExtremumType kind)
-{
-    return areMinima(kind) ? 1e300 : -1e300;
-}
-
-boost::shared_ptr<const LocalExtremaConfig> configOf(eLocalExtremumType kind, double threshold, unsigned long maxNb = kAll)
-{
-    return LocalExtremaConfig::createNode(kind, threshold, maxNb);
-}
-
-typedef std::vector<std::array<double, 4>> Pixels;  // x, y, z, value
 
 Numbers listOf(const Pixels& pixels)
 {
@@ -46,55 +23,10 @@ Numbers listOf(const Pixels& pixels)
     return list;
 }
 
-/// Reads samples of an image, and around it the type's limit.
-auto borderedReader(const BaseImage& image, bool minima)
-{
-    return [&image, border = oddValues(image.getBufferType())[minima ? 1 : 0]](auto... at) {
-        const unsigned long place[] = {static_cast<unsigned long>(at)...};  // below 0 is far outside
-        const bool inside = place[0] < image.getSizeX() && place[1] < image.getSizeY() && place[2] < image.getSizeZ();
-        return inside ? sampleAt(image, place[0], place[1], place[2]) : border;
-    };
-}
-
-/// The pixels in scan order, from the definition. Of those beyond `whole` columns only the next ones in the line count.
-Pixels pixelsOf(const BaseImage& image, long distX, long distY, eLocalExtremumType kind, double threshold,
-                long whole = 1l << 40, long distZ = 0)
-{
-    const bool minima = areMinima(kind), strict = kind == eLET_StrictMaxima || kind == eLET_StrictMinima;
-    const long sizeX = static_cast<long>(image.getSizeX()), sizeY = static_cast<long>(image.getSizeY()),
-               sizeZ = static_cast<long>(image.getSizeZ());
-    const auto at = borderedReader(image, minima);
-    const auto beats = [&](double a, double b) { return minima ? a < b : a > b; };
-    Pixels pixels;
-    forEachSample({image.getSizeX(), image.getSizeY(), image.getSizeZ()}, [&](long x, long y, long z, auto...) {
-        const double v = at(x, y, z), left = at(x - 1, y, z), right = at(x + 1, y, z);
-        bool kept = beats(v, at(-1, 0, 0));
-        for (long nz = std::max(-1l, z - distZ); kept && nz <= std::min(sizeZ, z + distZ); ++nz)
-            for (long ny = std::max(-1l, y - distY); kept && ny <= std::min(sizeY, y + distY); ++ny)
-                for (long nx = std::max(-1l, x - distX); kept && nx <= std::min(sizeX, x + distX); ++nx) {
-                    const double other = at(nx, ny, nz);
-                    const bool before = std::tie(nz, ny, nx) < std::tie(z, y, x), isNumber = other == other;
-                    if (ny == y && nz == z ? nx != x && x < whole : isNumber)
-                        kept = beats(v, other) || (!before && !strict && v == other);
-                }
-        if (x >= whole)
-            kept = kept && !((left == v || beats(left, v)) && (beats(right, v) || (strict && right == v)));
-        const float narrow = static_cast<float>(v), limit = static_cast<float>(threshold);
-        if (kept && (minima ? narrow <= limit : narrow >= limit))
-            pixels.push_back({static_cast<double>(x), static_cast<double>(y), static_cast<double>(z), v});
-    });
-    return pixels;
-}
-
 Numbers expectedList(const BaseImage& plane, long distX, long distY, eLocalExtremumType kind, double threshold,
                      unsigned long maxNb = kAll)
 {
-    Pixels pixels = pixelsOf(plane, distX, distY, kind, threshold);
-    const std::size_t count = std::min<std::size_t>(pixels.size(), maxNb);
-    std::partial_sort(pixels.begin(), pixels.begin() + static_cast<long>(count), pixels.end(),
-                      [&](const auto& a, const auto& b) { return areMinima(kind) ? a[3] < b[3] : a[3] > b[3]; });
-    pixels.resize(count);
-    return listOf(pixels);
+    return listOf(mostExtreme(pixelsOf(plane, distX, distY, kind, threshold), kind, maxNb));
 }
 
 class ExtremaKernel : public KernelTest<ExtractLocalExtrema2dLvl3>
@@ -216,86 +148,6 @@ TEST(Extrema, WithinAnyDistanceBeyondTheImageAreThoseOfItsSize)
         for (const unsigned int beyond : {3000000000u, 4294967295u})
             EXPECT_EQ(expected, numbersOf(extractLocalExtrema2d(plane, distX == 3 ? distX : beyond, beyond)));
     }
-}
-
-/// The voxels of a volume, found by a window for each line of its slices; what lies in other lines of the slice is told here.
-template<class T>
-Pixels voxelsOf(const BaseImage& volume, long distX, long distY, long distZ, eLocalExtremumType kind, long whole)
-{
-    struct NothingNext
-    {
-        void prefetchNext(unsigned long, unsigned long) const {}
-    };
-    const bool minima = areMinima(kind);
-    const long sizeX = static_cast<long>(volume.getSizeX()), sizeY = static_cast<long>(volume.getSizeY()),
-               sizeZ = static_cast<long>(volume.getSizeZ());
-    const auto bordered = borderedReader(volume, minima);
-    const auto at = [&](long x, long y, long z) { return static_cast<T>(bordered(x, y, z)); };
-    const auto orientedAt = [&](long x, long y, long z) {
-        const T value = oriented(at(x, y, z), minima);
-        return NumericLimits<T>::s_min < value ? value : NumericLimits<T>::s_min;  // nor NaN
-    };
-    ExtremaKind<T> looked{minima, kind == eLET_StrictMaxima || kind == eLET_StrictMinima, true, T()};
-    EXPECT_TRUE(getLowestListed(minima, static_cast<float>(noThreshold(kind)), looked.lowestListed));
-    std::vector<ExtremaBuffers> buffers(volume.getSizeY());
-    std::vector<ExtremaWindow<T>> windows;
-    for (ExtremaBuffers& each : buffers) {
-        each.init(DataTypeOf<T>::value, volume.getSizeX(), static_cast<unsigned long>(distX),
-                  static_cast<unsigned long>(distZ));
-        windows.emplace_back(each, looked, volume.getSizeX(), static_cast<unsigned long>(whole));
-    }
-    Pixels voxels;
-    for (long z = -distZ; z < sizeZ + distZ; ++z)
-        for (long y = 0; y < sizeY; ++y) {
-            const long room = 64;  // what vectors reach beyond a line
-            std::vector<T> raw, parts[5];
-            for (std::vector<T>& part : parts)
-                part.assign(static_cast<std::size_t>(sizeX + 2 * room), NumericLimits<T>::s_min);
-            for (long x = -distX; x < sizeX + distX; ++x)
-                raw.push_back(at(x, y, z));
-            for (long x = 0; x < sizeX; ++x)
-                for (long ny = y - distY; ny <= y + distY; ++ny)
-                    for (long nx = x - distX; nx <= x + distX; ++nx) {
-                        const int part = ny < y ? 3 : ny > y ? 4 : nx < x ? 1 : nx > x ? 2 : 0;
-                        T& extremum = parts[part][static_cast<std::size_t>(room + x)];
-                        extremum = std::max(extremum, orientedAt(nx, ny, z));
-                    }
-            ExtremaWindow<T>& window = windows[static_cast<std::size_t>(y)];
-            window.enterElement({&parts[0][room], &parts[1][room], &parts[2][room], &parts[3][room], &parts[4][room]},
-                                NothingNext());
-            window.closeNearNan(raw.data());
-            const long centreZ = z - distZ;
-            if (centreZ < 0)
-                continue;
-            std::vector<T> centre(static_cast<std::size_t>(sizeX + room));
-            for (long x = 0; x < sizeX; ++x)
-                centre[static_cast<std::size_t>(x)] = at(x, y, centreZ);
-            window.forEachExtremum(centre.data(), [&](unsigned long x) {
-                voxels.push_back({static_cast<double>(x), static_cast<double>(y), static_cast<double>(centreZ),
-                                  static_cast<double>(centre[x])});
-            });
-        }
-    return voxels;
-}
-
-TEST(ExtremaWindow, OfEachLineOfASliceFindsThoseOfVolumes)
-{
-    unsigned int seed = 41;
-    for (const long width : {3l, 70l, 131l})
-        for (const eLocalExtremumType kind : kKinds)
-            for (const std::array<long, 3>& dist : {std::array<long, 3>{1, 1, 1}, {0, 2, 3}, {2, 0, 6}, {1, 1, 0}}) {
-                const auto expectFound = [&](eImageBufferType type, const std::vector<double>& values, auto zero) {
-                    const ImagePtr volume = drawnImage(type, {static_cast<unsigned long>(width), 5, 7}, values, seed++);
-                    for (const long whole : {width, width - width % 64}) {
-                        const Pixels expected = pixelsOf(*volume, dist[0], dist[1], kind, noThreshold(kind), whole, dist[2]);
-                        EXPECT_EQ(expected, (voxelsOf<decltype(zero)>(*volume, dist[0], dist[1], dist[2], kind, whole)))
-                            << width << " columns, the first " << whole << " in blocks, kind " << kind << ", distances "
-                            << dist[0] << ", " << dist[1] << ", " << dist[2];
-                    }
-                };
-                expectFound(eIBT_UInt8, {1, 2, 3, 4, 5, 6}, static_cast<unsigned char>(0));
-                expectFound(eIBT_Real32, {-2, 1, 1.5, 7, 8, 9, kNan}, 0.0f);
-            }
 }
 
 TEST(Extrema, WithinTheWholeOfATallImageTakeNoLongerInStripsForThreads)

@@ -53,6 +53,7 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
 #define ORVIK_CALLS(name, ...) \
     ORVIK_CALL(fd, name, __VA_ARGS__); \
     ORVIK_BACKGROUND_CALL(name, fd::getAsyncProcessorOutput, __VA_ARGS__)
+// Planes are a volume, too.
 #define ORVIK_PLANE_CALLS(name, ...) \
     ORVIK_CALLS(name, grey, __VA_ARGS__); \
     ORVIK_CALL(fd, multiSlice_##name, planes, __VA_ARGS__); \
@@ -64,6 +65,7 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     ORVIK_CALLS(harrisCorner2dImg, planes, 1.0f);
     ORVIK_PLANE_CALLS(harrisCorner2d, 1.0f, 5ul, 2u);
     ORVIK_PLANE_CALLS(extractLocalExtrema2d, 2u, 1u);
+    ORVIK_PLANE_CALLS(extractLocalExtrema3d, 2u, 1u, 1u);
     ORVIK_CALLS(houghCircles2dImg, plane, other, radii);
     ORVIK_CALLS(houghCirclesPhaseCoded2dImg, plane, other, radii);
     ORVIK_PLANE_CALLS(houghCircles2d, radii);

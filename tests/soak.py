@@ -35,6 +35,7 @@ ARGUMENTS = {
     "gaussianGradient2dImg": lambda draw, a, b: ((a, seldom(draw, -1, 0.5, 2)), {}),
     "cannyEdges2dImg": lambda draw, a, b: ((a, b, seldom(draw, 7, 0, 1)), {"lowThreshold": 3, "highThreshold": 9}),
     "extractLocalExtrema2d": lambda draw, a, b: ((a, seldom(draw, -1, 1, 4), 2), {"maxNbExtrema": draw.choice([None, 5])}),
+    "extractLocalExtrema3d": lambda draw, a, b: ((a, seldom(draw, -1, 1, 4), 2, draw.choice([0, 2])), {}),
     "harrisCorner2dImg": lambda draw, a, b: ((a, seldom(draw, 0, 0.5, 2), draw.choice([None, numpy.empty(a.shape, "f4")])), {}),
     "harrisCorner2d": lambda draw, a, b: ((a, seldom(draw, -1, 20), 3), {"harrisK": draw.choice([None, 0.1])}),
     "houghLines2dImg": lambda draw, a, b: ((a,), {"nbThetaBins": seldom(draw, 0, 10, 90)}),

@@ -30,7 +30,7 @@ ORVIK_RECORD(CornerDetectionParams, (eCornerResponseType, CornerResponseType)(fl
 ORVIK_API boost::shared_ptr<CornerDetectionParams> createCornerDetectionParams2d();
 
 /// Which local extrema are listed: their type, those at or beyond the threshold (compared as 32-bit floats), at most that
-/// many per plane, the most extreme ones first.
+/// many per plane or volume, the most extreme ones first.
 ORVIK_RECORD(LocalExtremaConfig, (eLocalExtremumType, LocalExtremumType)(double, Threshold)(unsigned long, MaxNbExtrema));
 /// All maxima; what is given replaces the type, the threshold or the number.
 ORVIK_API boost::shared_ptr<LocalExtremaConfig> createLocalExtremaConfig();
@@ -42,6 +42,11 @@ ORVIK_API boost::shared_ptr<LocalExtremaConfig> createLocalExtremaConfig(const e
 ORVIK_RECORD(Pixel2d, (double, X)(double, Y)(double, Value));
 ORVIK_RECORD_COLL(Pixels2d, Pixel2d);
 ORVIK_PLAN_INDEXED(PlanIndexedPixels2d, Pixels2d);
+
+/// A voxel of a volume: column, line, slice and value. Whole positions are the centres of voxels, (0, 0, 0) that of the first.
+ORVIK_RECORD(Voxel3d, (double, X)(double, Y)(double, Z)(double, Value));
+ORVIK_RECORD_COLL(Voxels3d, Voxel3d);
+ORVIK_PLAN_INDEXED(PlanIndexedVoxels3d, Voxels3d);
 
 /// Bins of an accumulator of lines, and which pixels vote. A bin is `RhoStep` pixels wide; a width below 2^-52, or that is
 /// no number, makes an accumulator of the size of width 1, whose bins no vote reaches. `NbThetaBins` angles from `ThetaMin`

@@ -121,6 +121,12 @@ protected:
         static_assert(Attribute::Strip::s_withKernel, "strips without margins read nothing outside the image");
         static_cast<KernelStripParser&>(*m_parsers[placeOf<Attribute>()]).setBorder(policy);
     }
+    /// Lines of a strip with margins are read when they are asked for; to be said in `preProcess`.
+    template<class Attribute>
+    void readOnDemand() const
+    {
+        static_cast<KernelStripParser&>(*m_parsers[placeOf<Attribute>()]).readOnDemand();
+    }
 
 private:
     static processor::AlgorithmEntry& entry()

@@ -66,7 +66,7 @@ void PlainStripParser::endRun(unsigned long firstColumn, unsigned long nbData)
 }
 
 KernelStripParser::KernelStripParser(eDataType dataType)
-    : BaseStripParser(dataType), m_lineSize(0), m_row(0), m_nextLine(nullptr)
+    : BaseStripParser(dataType), m_onDemand(false), m_lineSize(0), m_firstElement(0), m_row(0), m_nextLine(nullptr)
 {
 }
 
@@ -77,54 +77,72 @@ void KernelStripParser::start(unsigned long granularity)
     const unsigned long sizeX = m_strip->getSizeX();
     setRuns(0, sizeX, 0);
     m_lineSize = margins.startX + processor::alignedCount(sizeX, granularity) + margins.endX + 1;
-    const unsigned long nbRows = margins.getRowStart(axis) + m_strip->getNbLinesOfElement() + margins.getRowEnd(axis);
-    m_elements.init(m_dataType, nbRows * m_lineSize, margins.getStart(axis) + 1 + margins.getEnd(axis));
+    const unsigned long nbRows =
+        m_onDemand ? 1 : margins.getRowStart(axis) + m_strip->getNbLinesOfElement() + margins.getRowEnd(axis);
+    m_elements.init(m_dataType, nbRows * m_lineSize, m_onDemand ? 1 : margins.getStart(axis) + 1 + margins.getEnd(axis));
     for (unsigned long i = 0; i < m_elements.getNbFragments(); ++i)
         image::fillBorder(m_border, m_dataType, m_elements.getDataPtr(i), nbRows * m_lineSize);
+}
+
+void KernelStripParser::copyLine(long element, long line, void* to) const
+{
+    const unsigned long sizeX = m_strip->getSizeX(), startX = m_strip->getMargins().startX;
+    const bool repeats = m_border.getType() == image::eBT_Nearest;
+    void* const start = static_cast<char*>(to) + startX * m_sampleSize;
+    if (const void* const from = m_strip->getImageLine(repeats ? nearest(element, m_strip->getImageNbElements()) : element,
+                                                       repeats ? nearest(line, m_strip->getNbLinesOfElement()) : line))
+        std::memcpy(start, from, sizeX * m_sampleSize);
+    else
+        image::fillBorder(m_border, m_dataType, start, sizeX);
+    if (repeats)
+        image::repeatEdges(m_dataType, to, startX, sizeX, m_lineSize);
+}
+
+void* KernelStripParser::readLine(unsigned long element, unsigned long row) const
+{
+    void* const to = m_elements.getDataPtr(0);
+    copyLine(m_firstElement + static_cast<long>(element),
+             static_cast<long>(m_row + row) - static_cast<long>(m_strip->getMargins().getRowStart(m_strip->getAxis())), to);
+    return to;
 }
 
 void KernelStripParser::load(unsigned long fragment, long element)
 {
     const image::StripMargins& margins = m_strip->getMargins();
     const image::eStripAxis axis = m_strip->getAxis();
-    const unsigned long sizeX = m_strip->getSizeX(), nbLines = m_strip->getNbLinesOfElement();
-    const unsigned long rowStart = margins.getRowStart(axis);
+    const unsigned long nbLines = m_strip->getNbLinesOfElement(), rowStart = margins.getRowStart(axis);
     const bool repeats = m_border.getType() == image::eBT_Nearest;
     // Margin rows hold the border since `start`, unless each element repeats its own.
     const unsigned long firstRow = repeats ? 0 : rowStart;
     const unsigned long endRow = rowStart + nbLines + (repeats ? margins.getRowEnd(axis) : 0);
-    if (repeats)
-        element = nearest(element, m_strip->getImageNbElements());
-    for (unsigned long row = firstRow; row < endRow; ++row) {
-        const long line = static_cast<long>(row) - static_cast<long>(rowStart);
-        void* const start = m_elements.getDataPtr(fragment, row * m_lineSize + margins.startX);
-        if (const void* const from = m_strip->getImageLine(element, repeats ? nearest(line, nbLines) : line))
-            std::memcpy(start, from, sizeX * m_sampleSize);
-        else
-            image::fillBorder(m_border, m_dataType, start, sizeX);
-        if (repeats)
-            image::repeatEdges(m_dataType, m_elements.getDataPtr(fragment, row * m_lineSize), margins.startX, sizeX,
-                               m_lineSize);
-    }
+    for (unsigned long row = firstRow; row < endRow; ++row)
+        copyLine(element, static_cast<long>(row) - static_cast<long>(rowStart),
+                 m_elements.getDataPtr(fragment, row * m_lineSize));
 }
 
 void KernelStripParser::beginLine(unsigned long line)
 {
-    const unsigned long nbFragments = m_elements.getNbFragments(), nbLines = m_strip->getNbLinesOfElement();
-    const unsigned long element = line / nbLines;
-    const long first = static_cast<long>(m_strip->getStripStartOffset() + element)
-                       - static_cast<long>(m_strip->getMargins().getStart(m_strip->getAxis()));
+    const image::StripMargins& margins = m_strip->getMargins();
+    const image::eStripAxis axis = m_strip->getAxis();
+    const unsigned long nbElements = margins.getStart(axis) + 1 + margins.getEnd(axis);
+    const unsigned long nbLines = m_strip->getNbLinesOfElement(), element = line / nbLines;
+    m_firstElement = static_cast<long>(m_strip->getStripStartOffset() + element) - static_cast<long>(margins.getStart(axis));
     m_row = line % nbLines;
+    const long last = m_firstElement + static_cast<long>(nbElements) - 1;
+    if (m_onDemand) {
+        m_nextLine = m_strip->getImageLine(last, static_cast<long>(m_row + margins.getRowEnd(axis) + 1));
+        return;
+    }
     if (line == 0) {
-        for (unsigned long i = 0; i < nbFragments; ++i)
-            load(i, first + static_cast<long>(i));
+        for (unsigned long i = 0; i < nbElements; ++i)
+            load(i, m_firstElement + static_cast<long>(i));
     } else if (m_row == 0) {
         m_elements.rollUpFragments();
-        load(nbFragments - 1, first + static_cast<long>(nbFragments - 1));
+        load(nbElements - 1, last);
     }
     // Past the strip's last element there is none: margins that were copied end with it.
     const bool isLast = element + 1 == m_strip->getNbElements();
-    m_nextLine = isLast ? nullptr : m_strip->getImageLine(first + static_cast<long>(nbFragments), static_cast<long>(m_row));
+    m_nextLine = isLast ? nullptr : m_strip->getImageLine(last + 1, static_cast<long>(m_row));
 }
 
 template<class Mode, class Attr, class StorageAttr>

@@ -69,6 +69,9 @@ public:
     const image::BaseImageFragment& getStrip() const { return *m_strip; }
     /// 0 unless set.
     void setBorder(const image::BorderPolicy& policy) { m_border = policy; }
+    /// Before the strip is begun: lines are copied when they are asked for, each over the one before, instead of the whole
+    /// window ahead. For kernels that look at few lines of high windows; they reach any row of an element then.
+    void readOnDemand() { m_onDemand = true; }
     /// Asks memory for `nbSamples` columns of the line that takes this one's place in the element that comes next. A kernel
     /// that works its way along the line calls it on the way, so that the line is there when it is copied; asked for all at
     /// once it would be waited for.
@@ -93,17 +96,22 @@ protected:
     /// Line of element `element` of the window that lies `row` lines from the first one of the margin.
     void* bufferLine(unsigned long element, unsigned long row) const
     {
-        return m_elements.getDataPtr(element, (m_row + row) * m_lineSize);
+        return m_onDemand ? readLine(element, row) : m_elements.getDataPtr(element, (m_row + row) * m_lineSize);
     }
 
     boost::shared_ptr<image::BaseImageFragment> m_strip;
 
 private:
     void load(unsigned long fragment, long element);
+    void* readLine(unsigned long element, unsigned long row) const;
+    /// Copies a line of the image, or the border, between margins of the border.
+    void copyLine(long element, long line, void* to) const;
 
     image::BorderPolicy m_border;
     image::FragHybridBuffer m_elements;
+    bool m_onDemand;
     unsigned long m_lineSize;
+    long m_firstElement;     // of the window
     unsigned long m_row;     // line of the strip's current element, 0 in planes
     const void* m_nextLine;  // null at the end of the strip or image
 };

@@ -4,6 +4,7 @@
 
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
+#include "Processor/ExtractLocalExtrema3d/ExtractLocalExtrema3dLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
 #include "Processor/HoughCircles2d/HoughCircles2dLvl1.h"

@@ -144,13 +144,21 @@ def background(prepare: Callable[P, Run[One, Every]]) -> Callable[P, Handle[One]
 
 def everyPlane(prepare: Callable[P, Run[One, Every]]) -> Callable[P, Every]:
     """Its form for images of any number of planes."""
+    return _every(prepare, "planes, of shape (y, x) to (t, c, z, y, x): each plane by itself. Gives a dictionary from (z, c, t)")
 
+
+def everyVolume(prepare: Callable[P, Run[One, Every]]) -> Callable[P, Every]:
+    """Its form for images of any number of volumes."""
+    return _every(prepare, "volumes, of shape (z, y, x) to (t, c, z, y, x): each volume by itself. Gives a dictionary from "
+                           "(0, c, t)")
+
+
+def _every(prepare: Callable[P, Run[One, Every]], ofWhat: str) -> Callable[P, Every]:
     def call(*args: P.args, **kwargs: P.kwargs) -> Every:
         return prepare(*args, **kwargs).execute(True)  # type: ignore[no-any-return]
 
     return _dress(call, prepare, "multiSlice_{0}", lambda one, every: every,
-                  "{0} for images of any number of planes, of shape (y, x) to (t, c, z, y, x): each plane by itself. Gives "
-                  "a dictionary from (z, c, t) to lists. Otherwise as {0}:")
+                  f"{{0}} for images of any number of {ofWhat} to lists. Otherwise as {{0}}:")
 
 
 def everyPlaneBackground(prepare: Callable[P, Run[One, Every]]) -> Callable[P, Handle[Every]]:

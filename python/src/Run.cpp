@@ -135,7 +135,8 @@ void Run::set(const std::string& attributeName, const py::kwargs& arguments)
     const imaproc::ConstImagePtr value = readArray(array, name, nbAxes);
     if (m_nbSamples == 0) {
         m_nbAxes = nbAxes;
-        m_nbPlanes = value->getSizeZ() * value->getSizeC() * value->getSizeT();
+        m_nbVolumes = value->getSizeC() * value->getSizeT();
+        m_nbPlanes = value->getSizeZ() * m_nbVolumes;
     }
     m_nbSamples += value->getSizeX() * value->getSizeY() * value->getSizeZ() * value->getSizeC() * value->getSizeT();
     image->assign(value);
@@ -175,11 +176,12 @@ void Run::prepare(bool everyPlane)
         auto* const lists = dynamic_cast<imaproc::BasePlanIndexedAttribute*>(&result);
         if (!lists || everyPlane)
             continue;
-        if (m_nbPlanes > 1)
-            throw processor::ORVIKBaseProcessingException(m_className + ": one plane is expected, not "
-                                                              + std::to_string(m_nbPlanes)
-                                                              + "; the multiSlice_ form takes any number",
-                                                          "", "", 0);
+        const bool ofVolumes = name.find("3d") != std::string::npos;
+        if ((ofVolumes ? m_nbVolumes : m_nbPlanes) > 1)
+            throw processor::ORVIKBaseProcessingException(
+                m_className + ": one " + (ofVolumes ? "volume" : "plane") + " is expected, not "
+                    + std::to_string(ofVolumes ? m_nbVolumes : m_nbPlanes) + "; the multiSlice_ form takes any number",
+                "", "", 0);
         lists->initEmpty();
         lists->accessStorage()->insert(PlanIndex(), lists->accessStorage()->createEntry());
     }

@@ -87,7 +87,7 @@ private:
     Ptr<processor::BaseProcessor> m_processor;
     std::vector<std::string> m_results;
     pybind11::ssize_t m_nbAxes = 2;
-    unsigned long m_nbSamples = 0, m_nbPlanes = 1;  // of all inputs, of the first one
+    unsigned long m_nbSamples = 0, m_nbPlanes = 1, m_nbVolumes = 1;  // of all inputs, of the first one
     bool m_everyPlane = false;
     unsigned int m_nbForks;  // at its start
 };

@@ -23,6 +23,9 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
     """extractLocalExtrema2d: small, 2, 3 == small, inFeaturesDistX=2, inFeaturesDistY=3, localExtremumType=0
        == small, numpy.uint8(2), numpy.int64(3), threshold=numpy.float32(-10) != small, 3, 2 != small, 2, 3, threshold=155
        != small, 2, 3, localExtremumType=eLocalExtremumType.eLET_StrictMaxima != small, 2, 3, maxNbExtrema=0""",
+    """extractLocalExtrema3d: many, 2, 3, 1 == inImg3d=many, inFeaturesDistX=2, inFeaturesDistY=3, inFeaturesDistZ=1
+       == many, 2, 3, 1, localExtremumType=0, threshold=-10 != many, 3, 2, 1 != many, 2, 3, 0 != many, 2, 3, 1, threshold=20
+       != many, 2, 3, 1, localExtremumType=eLocalExtremumType.eLET_StrictMaxima != many, 2, 3, 1, maxNbExtrema=4""",
     """harrisCorner2dImg: small == small, 1, nbStdDev=4, cornerResponseType=eCornerResponseType.eCRT_Harris, harrisK=0.04
        != small, 1.5 != small, nbStdDev=2 != small, cornerResponseType=0 != small, harrisK=0.1""",
     """harrisCorner2d: small, 9, 3 == small, 1, 9, 3 == small, None, 9, None, 3, 3 == small, 1, 9, -1e30, featuresDist=3
@@ -64,14 +67,15 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
        != gx, gy, [[20, 18]], 3, 9 != gx, gy, [[20, 18]], 2, 8 != gy, gx, [[20, 18]], 2, 9""",
     "maxL2Norm2Msr: gx, gy == in1=gx, in2=gy == gy, gx != gx, gx != gy, gy",
 ], ids=lambda calls: calls.partition(":")[0])
-def test_argumentsReachTheLibrary(run, calls):
+def test_argumentsReachTheLibrary(run, rng, calls):
     orvik_fd.setNbThreads(1)  # sums of floats depend on the order of threads
     function, _, calls = calls.partition(":")
     same, *others = ([f"({arguments.strip()})" for arguments in part.split("==")] for part in calls.split("!="))
     forms = [function] if function == "gaussianGradient2dImg" else [function, function + "_async"]
-    expected = run(function + same[0])
-    assert not [(form, call) for form in forms for call in same if run(form + call, numpy=numpy) != expected]
-    assert not [call for (call,) in others if run(function + call) == expected]
+    names = {"numpy": numpy, "many": rng.integers(0, 20, (5, 20, 24)).astype(numpy.uint8)}
+    expected = run(function + same[0], **names)
+    assert not [(form, call) for form in forms for call in same if run(form + call, **names) != expected]
+    assert not [call for (call,) in others if run(function + call, **names) == expected]
 
 
 def test_gaussianGradient2dImgTellsAxesApart(small):
@@ -181,6 +185,19 @@ def test_multiSliceFormsGiveAListForEachPlane(run, rng, shape, call):
             assert lists[index].tolist() == run(call, many=many[place])[0]
     with pytest.raises(orvik_fd.Error, match="plane"):
         run(call, many=many)
+
+
+def test_volumesHaveOneListEach(rng):
+    many = rng.integers(0, 200, (3, 2, 5, 20, 24)).astype(numpy.int16)  # t, c, z, y, x
+    lists = orvik_fd.multiSlice_extractLocalExtrema3d(many, 2, 2, 1)
+    assert lists.keys() == {(0, c, t) for c in range(2) for t in range(3)}
+    for (_, c, t), found in lists.items():
+        assert found.dtype.names == ("X", "Y", "Z", "Value") and len(found) > 5
+        assert found.tolist() == orvik_fd.extractLocalExtrema3d(many[t, c], 2, 2, 1).tolist()
+        x, y, z = (found[name].astype(int) for name in "XYZ")
+        assert (many[t, c][z, y, x] == found["Value"]).all() and many[t, c].max() == found["Value"][0]
+    with pytest.raises(orvik_fd.Error, match="one volume is expected, not 6"):
+        orvik_fd.extractLocalExtrema3d(many, 2, 2, 1)
 
 
 def test_theExampleOfTheReadmeFindsTheSquare():

@@ -29,16 +29,6 @@ struct Strip
 template<class L, class T>
 Strip(const L*, bool, ExtremaWindow<T>, unsigned long, attr::Pixels2d::Coll::Nodes&) -> Strip<L, T>;
 
-template<class T>
-ExtremaKind<T> makeKind(const attr::LocalExtremaConfig& config)
-{
-    const attr::eLocalExtremumType type = config.get<attr::LocalExtremaConfig::LocalExtremumType>();
-    const float threshold = static_cast<float>(config.get<attr::LocalExtremaConfig::Threshold>());
-    ExtremaKind<T> kind{attr::isMinima(type), attr::isStrict(type), false, T()};
-    kind.isListed = getLowestListed(kind.minima, threshold, kind.lowestListed);
-    return kind;
-}
-
 }  // namespace
 
 template<class Sample, core::eInstructionSet Set>
@@ -47,9 +37,8 @@ BoolResult ExtractLocalExtrema2dLvl3::genericProcessFunction(const processor::Pr
     auto* const strip = onceAStrip(info, [&] {
         const ExtremaKind<Sample> kind = makeKind<Sample>(*value<attr::InLocalExtremaConfig>());
         const unsigned long n = info.nbAlignedData;
-        const unsigned long wholeBlocks = Set == core::eIS_Generic ? n : n - n % (4 * Lanes<Sample>::count);
         return Strip{parser<attr::InKnlYStrip2d, Sample>(), kind.isListed,
-                     ExtremaWindow<Sample>(*m_buffers, kind, n, wholeBlocks),
+                     ExtremaWindow<Sample>(m_buffers->scratch, m_buffers->window, kind, n, inWholeBlocks<Sample, Set>(n)),
                      value<attr::InKnlYStrip2d>()->getStripStartOffsetY(),
                      value<attr::OutPixels2d>()->template access<attr::Pixels2d::Coll>().accessNodes()};
     });
@@ -58,7 +47,7 @@ BoolResult ExtractLocalExtrema2dLvl3::genericProcessFunction(const processor::Pr
     if (!strip->isListed)
         return success();
     const auto& lines = *strip->lines;
-    const unsigned long distX = m_buffers->halfWidth, distY = m_buffers->halfHeight;
+    const unsigned long distX = m_buffers->scratch.halfWidth, distY = m_buffers->window.halfHeight;
     if (info.lineIndex == 0)
         for (unsigned long line = 0; line < 2 * distY; ++line)
             strip->window.enter(lines.accessBuffer(line), lines);

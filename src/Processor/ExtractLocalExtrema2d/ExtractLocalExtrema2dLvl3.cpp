@@ -22,8 +22,10 @@ processor::StageResult ExtractLocalExtrema2dLvl3::preProcess()
     const bool lowest = isMinima(value<InLocalExtremaConfig>()->get<LocalExtremaConfig::LocalExtremumType>());
     setBorder<InKnlYStrip2d>(lowest ? image::valuedMaxBorder2d() : image::valuedMinBorder2d());
     if (!m_buffers)
-        m_buffers = boost::make_shared<ExtremaBuffers>();
-    m_buffers->init(image::toDataType(strip.getBufferType()), strip.getSizeX(), margins.startX, margins.startY);
+        m_buffers = boost::make_shared<PlaneExtremaBuffers>();
+    const eDataType type = image::toDataType(strip.getBufferType());
+    m_buffers->scratch.init(type, strip.getSizeX(), margins.startX);
+    m_buffers->window.init(type, strip.getSizeX(), margins.startY);
     return processor::eSRT_Done;
 }
 

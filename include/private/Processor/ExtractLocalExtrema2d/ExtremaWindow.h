@@ -8,6 +8,8 @@
 #include "Processor/ExtractLocalExtrema2d/ExtremaBuffers.h"
 #include "Processor/ExtractLocalExtrema2d/ExtremaLines.h"
 
+#include "frame/attr/Records.h"
+#include "frame/core/InstructionSet.h"
 #include "frame/simd/Simd.h"
 
 #include <algorithm>
@@ -31,6 +33,23 @@ struct ExtremaKind
     bool isListed;   // whether any value passes the threshold
     T lowestListed;  // the lowest oriented one that does
 };
+
+template<class T>
+ExtremaKind<T> makeKind(const attr::LocalExtremaConfig& config)
+{
+    const attr::eLocalExtremumType type = config.get<attr::LocalExtremaConfig::LocalExtremumType>();
+    const float threshold = static_cast<float>(config.get<attr::LocalExtremaConfig::Threshold>());
+    ExtremaKind<T> kind{attr::isMinima(type), attr::isStrict(type), false, T()};
+    kind.isListed = getLowestListed(kind.minima, threshold, kind.lowestListed);
+    return kind;
+}
+
+/// Samples of a run of `n` that are in whole blocks of four vectors; plain code has no blocks.
+template<class T, core::eInstructionSet Set>
+unsigned long inWholeBlocks(unsigned long n)
+{
+    return Set == core::eIS_Generic ? n : n - n % (4 * Lanes<T>::count);
+}
 
 /// A line of the element that enters the window, and the extrema of what is before and after each of its samples: in the line,
 /// and in other lines of the element. Oriented; pointers to the first column.
@@ -144,10 +163,11 @@ template<class T>
 class ExtremaWindow
 {
 public:
-    ExtremaWindow(ExtremaBuffers& buffers, const ExtremaKind<T>& kind, unsigned long n, unsigned long wholeBlocks)
-        : m_buffers(buffers), m_kind(kind), m_n(n), m_wholeBlocks(wholeBlocks), m_height(buffers.halfHeight),
-          m_isDirect(buffers.halfHeight <= g_maxDirectLines), m_lowest(static_cast<const T*>(buffers.lowest.getDataPtr())),
-          m_fold(static_cast<T*>(buffers.fold.getDataPtr()))
+    ExtremaWindow(ExtremaScratch& scratch, ExtremaBuffers& buffers, const ExtremaKind<T>& kind, unsigned long n,
+                  unsigned long wholeBlocks)
+        : m_scratch(scratch), m_buffers(buffers), m_kind(kind), m_n(n), m_wholeBlocks(wholeBlocks),
+          m_height(buffers.halfHeight), m_isDirect(buffers.halfHeight <= g_maxDirectLines),
+          m_lowest(static_cast<const T*>(scratch.lowest.getDataPtr())), m_fold(static_cast<T*>(buffers.fold.getDataPtr()))
     {
     }
 
@@ -155,10 +175,10 @@ public:
     template<class Parser>
     void enter(const T* raw, const Parser& lines)
     {
-        const unsigned long width = m_buffers.halfWidth, lineSize = m_n + 2 * width;
+        const unsigned long width = m_scratch.halfWidth, lineSize = m_n + 2 * width;
         const bool foldable = isFoldable(raw, lineSize);
         const T* const values = m_kind.minima || !foldable || m_wholeBlocks < m_n ? orient(raw, lineSize + 1) : raw;
-        T* const side = static_cast<T*>(m_buffers.side.getDataPtr());
+        T* const side = static_cast<T*>(m_scratch.side.getDataPtr());
         if (width > 1)
             foldAlong(values, lineSize, width, side);
         const T* const sides = width == 0 ? m_lowest : width == 1 ? values : side;
@@ -176,7 +196,7 @@ public:
     }
 
     /// For the line that entered last; `raw` is that line as it was read, with its margins.
-    void closeNearNan(const T* raw) { fd::closeNearNan(raw, m_buffers.halfWidth, m_wholeBlocks, openOf(m_nbEntered - 1)); }
+    void closeNearNan(const T* raw) { fd::closeNearNan(raw, m_scratch.halfWidth, m_wholeBlocks, openOf(m_nbEntered - 1)); }
 
     /// Calls f with the columns of the line `halfHeight` lines before the last one that entered which are extrema; `centre`
     /// is that line as it was read.
@@ -220,7 +240,7 @@ private:
 
     const T* orient(const T* raw, unsigned long size) const
     {
-        T* const row = static_cast<T*>(m_buffers.row.getDataPtr()) + kBlock;
+        T* const row = static_cast<T*>(m_scratch.row.getDataPtr()) + kBlock;
         orientLine(raw, size, m_kind.minima, row);
         return row;
     }
@@ -259,6 +279,7 @@ private:
                 store(lineOf(k) + x, larger(load(lineOf(k) + x), load(lineOf(k + 1) + x)));
     }
 
+    ExtremaScratch& m_scratch;
     ExtremaBuffers& m_buffers;
     const ExtremaKind<T> m_kind;
     const unsigned long m_n, m_wholeBlocks, m_height;

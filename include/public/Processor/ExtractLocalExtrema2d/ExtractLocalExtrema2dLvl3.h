@@ -8,7 +8,7 @@
 
 namespace orvik { namespace imaproc { namespace fd {
 
-struct ExtremaBuffers;
+struct PlaneExtremaBuffers;
 
 /// Level 3: one strip, line by line. A line is folded along x once, when it enters the window from below; the lines of
 /// half a window are folded by running extrema, of blocks of lines as high as half a window. Pixels that beat their line
@@ -27,7 +27,7 @@ class ORVIK_API ExtractLocalExtrema2dLvl3 : public ProcessingAlgorithm<ExtractLo
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info);
 
 private:
-    Ptr<ExtremaBuffers> m_buffers;
+    Ptr<PlaneExtremaBuffers> m_buffers;
     NodeSupply<attr::Pixel2d> m_nodes;
 };
 
