@@ -49,16 +49,16 @@ void registerCase(const std::string& name, const ImagePtr& volume, unsigned int 
                   unsigned int nbThreads = 1)
 {
     const auto config = imaproc::attr::createLocalExtremaConfig(maxNb);
-    benchmark::RegisterBenchmark(
-        name.c_str(),
-        [=](benchmark::State& state) {
-            core::setNbThreads(nbThreads);
-            std::size_t nbListed = 0;
-            for (auto _ : state)
-                nbListed = imaproc::fd::extractLocalExtrema3d(volume, dist, dist, dist, config)->size();
-            state.counters["listed"] = static_cast<double>(nbListed);
-            core::setNbThreads(1);
-        })
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [=](benchmark::State& state) {
+                                     core::setNbThreads(nbThreads);
+                                     std::size_t nbListed = 0;
+                                     for (auto _ : state)
+                                         nbListed =
+                                             imaproc::fd::extractLocalExtrema3d(volume, dist, dist, dist, config)->size();
+                                     state.counters["listed"] = static_cast<double>(nbListed);
+                                     core::setNbThreads(1);
+                                 })
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
 }

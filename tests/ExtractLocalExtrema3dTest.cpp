@@ -47,7 +47,8 @@ TEST_P(Extrema3dKernel, ListsWhatTheDefinitionSaysForAnyWidthAndDistance)
     unsigned int turn = 0;
     for (const unsigned long width : {1ul, 2ul, 31ul, 64ul, 70ul, 131ul, 300ul})
         for (const Distances& dist : {kDistances[turn % 7], kDistances[(turn + 3) % 7]}) {
-            const ImagePtr volume = drawnImage(type(), {width, 1 + width % 9, 1 + turn % 8}, {1, 2, 3, 4, 5, 6, 7}, 31 + turn);
+            const ImagePtr volume =
+                drawnImage(type(), {width, 1 + width % 9, 1 + turn % 8}, {1, 2, 3, 4, 5, 6, 7}, 31 + turn);
             expectReference(volume, dist, kKinds[turn % 4], turn % 3 ? noThreshold(kKinds[turn % 4]) : 3.0);
             ++turn;
         }
@@ -83,8 +84,8 @@ TEST_P(Extrema3dKernel, ComparesWhatIsLeftOfARunWithItsNextVoxelsAlone)
             const auto algorithm = boost::make_shared<UnpaddedLvl3>();
             const auto voxels = Voxels3d::createNode();
             algorithm->init(processor::ePRP_WithRules);
-            algorithm->set<InKnlZStrip3d>(boost::make_shared<InputImageZStrip3dWithKernel>(
-                volume, PlanIndex(), 0, 5, StripMargins{2, 2, 1, 1, 1, 1}));
+            algorithm->set<InKnlZStrip3d>(boost::make_shared<InputImageZStrip3dWithKernel>(volume, PlanIndex(), 0, 5,
+                                                                                           StripMargins{2, 2, 1, 1, 1, 1}));
             algorithm->set<InLocalExtremaConfig>(configOf(kind, noThreshold(kind)));
             algorithm->set<OutVoxels3d>(voxels);
             processor::executeSyncRun(algorithm);
@@ -133,11 +134,13 @@ TEST(Extrema3d, WithinAnyDistanceBeyondTheVolumeAreThoseOfItsSize)
 TEST(Extrema3d, RefuseWhatDoesNotFitInWords)
 {
     const ImagePtr stack = blank(4, 3, 2, 2);
-    const std::string volumes = "failed: entries of OutPIVoxels3d are the volumes (0, c, t) of InImg3d: 1 entries, 2 volumes";
-    expectRefusals({}, {{"ExtractLocalExtrema3dLvl1 refuses to run: mandatory attribute InImg3d has no value (unset or null)",
-                         [] { multiSlice_extractLocalExtrema3d(nullptr, 1, 1, 1); }},
-                        {volumes, [&] { extractLocalExtrema3d(stack, 1, 1, 1); }},
-                        {volumes, [&] { getAsyncProcessorOutput(extractLocalExtrema3d_async(stack, 1, 1, 1)); }}});
+    const std::string volumes =
+        "failed: entries of OutPIVoxels3d are the volumes (0, c, t) of InImg3d: 1 entries, 2 volumes";
+    expectRefusals({},
+                   {{"ExtractLocalExtrema3dLvl1 refuses to run: mandatory attribute InImg3d has no value (unset or null)",
+                     [] { multiSlice_extractLocalExtrema3d(nullptr, 1, 1, 1); }},
+                    {volumes, [&] { extractLocalExtrema3d(stack, 1, 1, 1); }},
+                    {volumes, [&] { getAsyncProcessorOutput(extractLocalExtrema3d_async(stack, 1, 1, 1)); }}});
 }
 
 }  // namespace

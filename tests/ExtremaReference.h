@@ -26,7 +26,8 @@ inline double noThreshold(eLocalExtremumType kind)
     return areMinima(kind) ? 1e300 : -1e300;
 }
 
-inline boost::shared_ptr<const LocalExtremaConfig> configOf(eLocalExtremumType kind, double threshold, unsigned long maxNb = kAll)
+inline boost::shared_ptr<const LocalExtremaConfig> configOf(eLocalExtremumType kind, double threshold,
+                                                            unsigned long maxNb = kAll)
 {
     return LocalExtremaConfig::createNode(kind, threshold, maxNb);
 }
@@ -45,7 +46,7 @@ inline auto borderedReader(const BaseImage& image, bool minima)
 
 /// The pixels in scan order, from the definition. Of those beyond `whole` columns only the next ones in the line count.
 inline Pixels pixelsOf(const BaseImage& image, long distX, long distY, eLocalExtremumType kind, double threshold,
-                long whole = 1l << 40, long distZ = 0)
+                       long whole = 1l << 40, long distZ = 0)
 {
     const bool minima = areMinima(kind), strict = kind == eLET_StrictMaxima || kind == eLET_StrictMinima;
     const long sizeX = static_cast<long>(image.getSizeX()), sizeY = static_cast<long>(image.getSizeY()),

@@ -138,6 +138,14 @@ Numbers numbersOf(const std::pair<A, B>& results)
     return append(all, numbersOf(results.second));
 }
 
+template<class... T>
+Numbers numbersOf(const std::tuple<T...>& results)
+{
+    Numbers all;
+    std::apply([&](const auto&... each) { (append(all, numbersOf(each)), ...); }, results);
+    return all;
+}
+
 /// Of a processor that was started: what its reader gives.
 template<class T>
 Numbers numbersOf(const boost::shared_ptr<T>& result)

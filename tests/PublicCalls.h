@@ -12,6 +12,7 @@
 
 #include "frame/attr/Records.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+#include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"
 
 #include <string>
 #include <vector>
@@ -60,6 +61,7 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     ORVIK_BACKGROUND_CALL(multiSlice_##name, fd::getAsyncProcessorMultiSliceOutput, planes, __VA_ARGS__)
 
     ORVIK_CALL(filter, gaussianGradient2dImg, planes, 1.0f);
+    ORVIK_CALL(filter, gaussianGradient3dImg, planes, 1.0f);
     ORVIK_CALLS(maxL2Norm2Msr, plane, other);
     ORVIK_CALLS(cannyEdges2dImg, plane, other, thresholds);
     ORVIK_CALLS(harrisCorner2dImg, planes, 1.0f);

@@ -23,6 +23,7 @@
 #include "siblings/AdvancedMorphology/Processor/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgLutBuildPassLvl2.h"
 #include "siblings/AdvancedMorphology/Processor/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgThresholdPassLvl2.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+#include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"
 #include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgLvl2.h"
 #include "siblings/Utility/Processor/BasicThresholdImg/BasicThresholdImgLvl1.h"
 
@@ -161,6 +162,9 @@ std::vector<ImagesOfClass> allClasses()
         imagesOf<filter::GaussianGradient2dImgLvl1, InImg, OutOptGradXImg, OutOptGradYImg>(
             {{eIBT_Real32, g_planes}, {eIBT_Real32, g_planes}, {eIBT_Int16, g_planes}}, {},
             with<InStdDevX, InStdDevY>(1.0f, 0.7f), Results<OutOptGradXImg, OutOptGradYImg>()),
+        imagesOf<filter::GaussianGradient3dImgLvl1, InImg3d, OutOptGradXImg3d, OutOptGradYImg3d, OutOptGradZImg3d>(
+            TypesAndSizes(4, {eIBT_Real32, g_planes}), {}, with<InStdDevX, InStdDevY, InStdDevZ>(1.0f, 0.7f, 0.6f),
+            Results<OutOptGradXImg3d, OutOptGradYImg3d, OutOptGradZImg3d>()),
         imagesOf<util::BasicThresholdImgLvl1, InImg, OutBinImg>(
             {{eIBT_UInt8, g_planes}, {eIBT_Binary, g_planes}}, {{"InImg", "OutBinImg"}},
             with<InThresholdMin, InThresholdMax>(20, 120), Results<OutBinImg>()),

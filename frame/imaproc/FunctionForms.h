@@ -22,6 +22,7 @@
 #include <boost/preprocessor/seq/for_each_i.hpp>
 #include <boost/preprocessor/seq/variadic_seq_to_seq.hpp>
 
+#include <tuple>
 #include <utility>
 
 namespace orvik { namespace imaproc {
@@ -79,10 +80,15 @@ struct ResultOf<T, U>
 {
     typedef std::pair<T, U> type;
 };
+template<class T, class U, class V>
+struct ResultOf<T, U, V>
+{
+    typedef std::tuple<T, U, V> type;
+};
 
 }  // namespace details
 
-/// Runs Level 1 class `P` and hands its outputs `Out` over, one or a pair.
+/// Runs Level 1 class `P` and hands its outputs `Out` over: one, a pair, or a tuple of three.
 template<class P, class... Out>
 struct FunctionForms
 {

@@ -5,7 +5,7 @@ uint32, float32 or bool, which is the binary type; asLabel and asBinary mark int
 copied where the samples of each line follow one another; results share the memory of the library's images. Lists of
 features are structured arrays.
 
-Every function but gaussianGradient2dImg has a form in the background, ..._async, which gives a Handle; those that list
+Every function but the gradients has a form in the background, ..._async, which gives a Handle; those that list
 features of one plane have another for all planes, multiSlice_.... Ctrl-C cancels what runs.
 
     import numpy, orvik_fd

@@ -16,6 +16,8 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
 @pytest.mark.parametrize("calls", [  # the function: arguments == such that give the same != such that do not
     """gaussianGradient2dImg: small, 1.5 == small, 1.5, 1.5, 4 == small, stdDev=1.5 == in_=small, stdDevX=1.5, coverage=4
        != small, 1.5, 3 != small, 3, 1.5 != small, 1.5, coverage=2""",
+    """gaussianGradient3dImg: many, 1.5 == many, 1.5, 1.5, 1.5, 4 == many, stdDev=1.5 == in_=many, stdDevX=1.5, coverage=4
+       != many, 1.5, 1.5, 3 != many, 1.5, 3 != many, 3, 1.5, 1.5 != many, 1.5, coverage=2""",
     """cannyEdges2dImg: gx, gy, lowThreshold=5, highThreshold=80 == inGxImg2d=gx, inGyImg2d=gy, lowThreshold=5, highThreshold=80
        == gx, gy, eProcessingOptimizationPolicy.ePOP_Labels, lowThreshold=5, highThreshold=80
        != gx, gy, lowThreshold=70, highThreshold=80 != gx, gy, lowThreshold=5, highThreshold=160
@@ -71,7 +73,7 @@ def test_argumentsReachTheLibrary(run, rng, calls):
     orvik_fd.setNbThreads(1)  # sums of floats depend on the order of threads
     function, _, calls = calls.partition(":")
     same, *others = ([f"({arguments.strip()})" for arguments in part.split("==")] for part in calls.split("!="))
-    forms = [function] if function == "gaussianGradient2dImg" else [function, function + "_async"]
+    forms = [function] if function.startswith("gaussian") else [function, function + "_async"]
     names = {"numpy": numpy, "many": rng.integers(0, 20, (5, 20, 24)).astype(numpy.uint8)}
     expected = run(function + same[0], **names)
     assert not [(form, call) for form in forms for call in same if run(form + call, **names) != expected]
@@ -185,6 +187,17 @@ def test_multiSliceFormsGiveAListForEachPlane(run, rng, shape, call):
             assert lists[index].tolist() == run(call, many=many[place])[0]
     with pytest.raises(orvik_fd.Error, match="plane"):
         run(call, many=many)
+
+
+def test_gaussianGradient3dImgIsWrittenWhereItIsWanted(rng):
+    volume = rng.integers(0, 99, (7, 20, 24)).astype(numpy.uint8)
+    expected = orvik_fd.gaussianGradient3dImg(volume, 1.5)
+    out = numpy.zeros((14, 20, 40), numpy.float32)[::2, :, 3:27]
+    x, y, z = orvik_fd.gaussianGradient3dImg(volume, 1.5, outZ=out)
+    assert x is None and y is None and z is out and (out == expected[2]).all()
+    assert not orvik_fd.gaussianGradient3dImg(volume[:1], 1.5)[2].any(), "along z there is one slice"
+    with pytest.raises(TypeError, match="stdDev"):
+        orvik_fd.gaussianGradient3dImg(volume, stdDev=1, stdDevZ=2)
 
 
 def test_volumesHaveOneListEach(rng):

@@ -13,6 +13,7 @@ LogMessageManager& getORVIKIPLFilteringLogMessageManager()
         filled.addMessage(E::eKernelSize,
                           "%s is %s and %s is %s, which makes a kernel of half-size %s, it must be at most %s");
         filled.addMessage(E::eNoOutput, "outX and outY are both null");
+        filled.addMessage(E::eNoOutputOfThree, "outX, outY and outZ are all null");
         return filled;
     }();
     return manager;

@@ -13,7 +13,8 @@ struct eFilteringRuleMessage
         eNotFiniteAboveZero,
         eKernelFits,
         eKernelSize,
-        eNoOutput
+        eNoOutput,
+        eNoOutputOfThree
     };
 };
 

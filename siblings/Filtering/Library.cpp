@@ -10,6 +10,9 @@ const char* const g_toolTips[] = {
     /* 2 */ "Level 3: gradient of one strip by derivatives of a Gaussian",
     /* 3 */ "Level 2: smoothed products of the gradients of one plane",
     /* 4 */ "Level 3: smoothed products of the gradients of one strip",
+    /* 5 */ "Level 1: gradient of all volumes by derivatives of a Gaussian",
+    /* 6 */ "Level 2: gradient of one volume by derivatives of a Gaussian",
+    /* 7 */ "Level 3: gradient of one strip of slices by derivatives of a Gaussian",
 };
 
 }  // namespace

@@ -28,11 +28,12 @@ BoolResult checkGaussianMargins(const image::BaseImageFragment& strip, unsigned 
     return failure("the margins of the strip do not fit the kernel, half-size " + std::to_string(halfSize));
 }
 
-void CombinedLines::init(eDataType type, unsigned long sizeX, unsigned long nbRows, unsigned long halfSize)
+void CombinedLines::init(eDataType type, unsigned long sizeX, unsigned long nbRows, unsigned long halfSize,
+                         unsigned long nbElements)
 {
     const unsigned long vector = 64;  // bytes of the widest set
     m_startX = processor::alignedCount(halfSize, vector / getDataTypeSize(type));
-    m_lines.init(type, m_startX + sizeX + halfSize, g_nbLinesAtOnce * nbRows);
+    m_lines.init(type, m_startX + sizeX + halfSize, nbElements * nbRows);
 }
 
 }}}  // namespace orvik::imaproc::filter

@@ -24,7 +24,8 @@ class CombinedLines
 {
 public:
     /// For elements of `nbRows` lines of `sizeX` values, a whole number of blocks, and a kernel of `halfSize` along them.
-    void init(eDataType type, unsigned long sizeX, unsigned long nbRows, unsigned long halfSize);
+    void init(eDataType type, unsigned long sizeX, unsigned long nbRows, unsigned long halfSize,
+              unsigned long nbElements = g_nbLinesAtOnce);
     /// Value 0 of a line of these elements; lies as aligned vectors do.
     template<class Sum>
     Sum* get(unsigned long line) const

@@ -13,6 +13,7 @@
 #include "frame/core/InstructionSet.h"
 #include "frame/processor/AlgorithmFunctionSelector.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+#include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"
 
 #include <atomic>
 #include <climits>
@@ -281,6 +282,9 @@ const Family kFamilies[] = {
            processorCall<GaussianGradient2dImgLvl1, OutOptGradXImg, InImg, InStdDevX, InStdDevY,
                          InOptGradientGaussianCoverage, OutOptGradXImg>,
            in, stdDev, stdDev, coverageRecord, outOrNone),
+    family("gaussianGradient3dImg", none, AT_ONCE(gaussianGradient3dImg), in, stdDev),
+    family("gaussianGradient3dImg, into", none, AT_ONCE(gaussianGradient3dImg), in, stdDev, stdDev, stdDev, coverage, outOrNone,
+           outOrNone, out),
     family("harrisCorner2dImg", none, FUNCTION(harrisCorner2dImg), in),
     family("harrisCorner2dImg, deviation", none, FUNCTION(harrisCorner2dImg), in, stdDev),
     family("harrisCorner2dImg, into", none, FUNCTION(harrisCorner2dImg), in, stdDev, coverageRecord, cornerParams, out),

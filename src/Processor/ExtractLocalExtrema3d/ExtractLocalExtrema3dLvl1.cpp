@@ -35,14 +35,13 @@ processor::RetrievalResult ExtractLocalExtrema3dLvl1::retrieveProvider(const cor
                                                entryOfEachVolume<OutVoxels3d>(value<OutPIVoxels3d>(), *value<InImg3d>()),
                                                same<InLocalExtremaConfig>(value<InOptLocalExtremaConfig>()),
                                                same(attribute<InFeaturesDistX>()), same(attribute<InFeaturesDistY>()),
-same(attribute<InFeaturesDistZ>()),
-                                               eachVolume<InSubImg3d>(value<InImg3d>()));
+                                               same(attribute<InFeaturesDistZ>()), eachVolume<InSubImg3d>(value<InImg3d>()));
 }
 
 typedef FunctionForms<ExtractLocalExtrema3dLvl1, OutPIVoxels3d> Forms;
 
-ORVIK_PLANE_FUNCTIONS(extractLocalExtrema3d,
-                      (const ConstImagePtr&, inImg3d)(unsigned int, inFeaturesDistX)(unsigned int, inFeaturesDistY)(unsigned int, inFeaturesDistZ))
+ORVIK_PLANE_FUNCTIONS(extractLocalExtrema3d, (const ConstImagePtr&, inImg3d)(unsigned int, inFeaturesDistX)(
+                                                 unsigned int, inFeaturesDistY)(unsigned int, inFeaturesDistZ))
 {
     processor.set<InImg3d>(inImg3d);
     processor.set<InFeaturesDistX>(inFeaturesDistX);
@@ -51,8 +50,8 @@ ORVIK_PLANE_FUNCTIONS(extractLocalExtrema3d,
 }
 
 ORVIK_PLANE_FUNCTIONS(extractLocalExtrema3d,
-                      (const ConstImagePtr&, inImg3d)(unsigned int, inFeaturesDistX)(unsigned int, inFeaturesDistY)(unsigned int, inFeaturesDistZ)(
-                          const ConstPtr<LocalExtremaConfig>&, inOptLocalExtremaConfig))
+                      (const ConstImagePtr&, inImg3d)(unsigned int, inFeaturesDistX)(unsigned int, inFeaturesDistY)(
+                          unsigned int, inFeaturesDistZ)(const ConstPtr<LocalExtremaConfig>&, inOptLocalExtremaConfig))
 {
     prepare(processor, inImg3d, inFeaturesDistX, inFeaturesDistY, inFeaturesDistZ);
     processor.set<InOptLocalExtremaConfig>(inOptLocalExtremaConfig);

@@ -67,8 +67,8 @@ ORVIK_API Ptr<attr::PlanIndexedVoxels3d> getAsyncProcessorMultiSliceOutput(Ptr<E
 /// Level 1: whole images, one child per volume.
 class ORVIK_API ExtractLocalExtrema3dLvl1
     : public processor::Processor<ExtractLocalExtrema3dLvl1, processor::BaseAsync1Processor, attr::InImg3d,
-                                  attr::InFeaturesDistX, attr::InFeaturesDistY, attr::InFeaturesDistZ, attr::InOptLocalExtremaConfig,
-                                  attr::OutPIVoxels3d>
+                                  attr::InFeaturesDistX, attr::InFeaturesDistY, attr::InFeaturesDistZ,
+                                  attr::InOptLocalExtremaConfig, attr::OutPIVoxels3d>
 {
     ORVIK_PROCESSOR(ExtractLocalExtrema3dLvl1, 25)
 

@@ -11,8 +11,8 @@ namespace orvik { namespace imaproc { namespace fd {
 /// Level 2: one volume. Joins the lists of its strips, and keeps the most extreme voxels in their order.
 class ORVIK_API ExtractLocalExtrema3dLvl2
     : public processor::Processor<ExtractLocalExtrema3dLvl2, processor::BaseAsync1Processor, attr::InSubImg3d,
-                                  attr::InFeaturesDistX, attr::InFeaturesDistY, attr::InFeaturesDistZ, attr::InLocalExtremaConfig,
-                                  attr::OutVoxels3d>
+                                  attr::InFeaturesDistX, attr::InFeaturesDistY, attr::InFeaturesDistZ,
+                                  attr::InLocalExtremaConfig, attr::OutVoxels3d>
 {
     ORVIK_PROCESSOR(ExtractLocalExtrema3dLvl2, 26)
 

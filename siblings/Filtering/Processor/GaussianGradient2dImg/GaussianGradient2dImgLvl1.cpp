@@ -3,11 +3,11 @@
 #include "siblings/Filtering/FilteringMessages.h"
 #include "siblings/Filtering/GaussianRules.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl2.h"
+#include "siblings/Filtering/WantedOutputs.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
 #include "frame/imaproc/FunctionForms.h"
-#include "frame/imaproc/ImageInitializers.h"
 #include "frame/imaproc/ImageRules.h"
 #include "frame/imaproc/Stages.h"
 #include "frame/processor/ProcessorFactory.h"
@@ -19,35 +19,6 @@ using namespace attr;
 
 ORVIK_DEFINE_PROCESSOR(GaussianGradient2dImgLvl1)
 
-namespace {
-
-/// Makes an output, unless the caller gave the other one: then that is all that is wanted.
-class OutputOfNoneGiven : public BasePromoteUnaryImageInitializer
-{
-public:
-    explicit OutputOfNoneGiven(const boost::weak_ptr<const BaseImageAttribute>& other) : m_other(other) {}
-    BoolResult initAttribute() override
-    {
-        const boost::shared_ptr<const BaseImageAttribute> other = m_other.lock();
-        const bool given = other && other->hasValue() && !other->isMadeByInitializer();
-        return given ? success() : BasePromoteUnaryImageInitializer::initAttribute();
-    }
-
-private:
-    boost::weak_ptr<const BaseImageAttribute> m_other;
-};
-
-processor::InitializerPtr outputOfNoneGiven(const boost::shared_ptr<BaseOutputImageAttribute>& out,
-                                            const boost::shared_ptr<BaseOutputImageAttribute>& other,
-                                            const boost::shared_ptr<BaseInputImageAttribute>& in)
-{
-    const boost::shared_ptr<OutputOfNoneGiven> initializer = makeTogether<OutputOfNoneGiven>(other);
-    initializer->init(out, in, ePUT_Real);
-    return initializer;
-}
-
-}  // namespace
-
 processor::RulePtr GaussianGradient2dImgLvl1::createRule() const
 {
     return makesGaussian(attribute<InStdDevX>(), attribute<InOptGradientGaussianCoverage>())
@@ -58,10 +29,10 @@ processor::RulePtr GaussianGradient2dImgLvl1::createRule() const
 
 void GaussianGradient2dImgLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutOptGradXImg>(initializers, outputOfNoneGiven(attribute<OutOptGradXImg>(), attribute<OutOptGradYImg>(),
-                                                                   attribute<InImg>()));
-    addInitializer<OutOptGradYImg>(initializers, outputOfNoneGiven(attribute<OutOptGradYImg>(), attribute<OutOptGradXImg>(),
-                                                                   attribute<InImg>()));
+    const boost::shared_ptr<OutOptGradXImg> x = attribute<OutOptGradXImg>();
+    const boost::shared_ptr<OutOptGradYImg> y = attribute<OutOptGradYImg>();
+    addInitializer<OutOptGradXImg>(initializers, outputOfNoneGiven(x, {y}, attribute<InImg>()));
+    addInitializer<OutOptGradYImg>(initializers, outputOfNoneGiven(y, {x}, attribute<InImg>()));
 }
 
 processor::RetrievalResult GaussianGradient2dImgLvl1::retrieveProvider(const core::BasePriority& priority,
