@@ -107,23 +107,32 @@ struct Combination
     const CombinedLines *smooth, *derivative;
 };
 
+/// Blocks of that many elements, which lie `distance` apart, as do those before and after that the kernel reads: the sums.
+template<class Sum>
+void filterElements(const Sum* first, unsigned long distance, unsigned long nbElements,
+                    const TypedGaussianWeights<Sum>& weights, unsigned long line, unsigned long nbRows, unsigned long x,
+                    const Combination& to)
+{
+    Sum* const none = nullptr;
+    for (unsigned long i = 0; i < nbElements; ++i, line += nbRows) {
+        const Sum* const centre = first + i * distance;
+        if (to.smooth && to.derivative)
+            filterBlock<true, true>(centre, distance, weights, to.smooth->get<Sum>(line) + x,
+                                    to.derivative->get<Sum>(line) + x);
+        else if (to.smooth)
+            filterBlock<true, false>(centre, distance, weights, to.smooth->get<Sum>(line) + x, none);
+        else
+            filterBlock<false, true>(centre, distance, weights, none, to.derivative->get<Sum>(line) + x);
+    }
+}
+
 /// A column of blocks, one per element that the pass reads, which lie a block apart: the sums of those elements that go
 /// together, the first of them where the kernel's half-size ends.
 template<class Sum>
 void filterTile(const Sum* tile, unsigned long nbElements, const TypedGaussianWeights<Sum>& weights, unsigned long line,
                 unsigned long nbRows, unsigned long x, const Combination& to)
 {
-    Sum* const none = nullptr;
-    for (unsigned long i = 0; i < nbElements; ++i, line += nbRows) {
-        const Sum* const centre = tile + (weights.halfSize() + i) * kBlock;
-        if (to.smooth && to.derivative)
-            filterBlock<true, true>(centre, kBlock, weights, to.smooth->get<Sum>(line) + x,
-                                    to.derivative->get<Sum>(line) + x);
-        else if (to.smooth)
-            filterBlock<true, false>(centre, kBlock, weights, to.smooth->get<Sum>(line) + x, none);
-        else
-            filterBlock<false, true>(centre, kBlock, weights, none, to.derivative->get<Sum>(line) + x);
-    }
+    filterElements(tile + weights.halfSize() * kBlock, kBlock, nbElements, weights, line, nbRows, x, to);
 }
 
 /// The pass along a line, with the one rounding to the samples of the result.

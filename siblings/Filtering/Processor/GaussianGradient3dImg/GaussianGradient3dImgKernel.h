@@ -53,16 +53,19 @@ struct VolumeStrip
         double* const tile = static_cast<double*>(buffers.tile.getDataPtr());
         const unsigned long halfSize = buffers.z.halfSize(), sizeX = slices.getSizeX();
         const Combination to = {outX || outY ? &buffers.smoothed : nullptr, outZ ? &buffers.derived : nullptr};
-        for (unsigned long row = 0; row < slices.getSizeY(); ++row)
+        for (unsigned long row = 0; row < slices.getSizeY(); ++row) {
+            for (unsigned long k = 0; k <= 2 * halfSize; ++k) {
+                const unsigned long slice = nearestElement(z + k, halfSize, slices.getImageSizeZ());
+                buffers.lines[k] = slices.getImageLine(static_cast<long>(slice), static_cast<long>(row));
+            }
             for (unsigned long x = 0; x < n; x += kBlock) {
-                for (unsigned long k = 0; k <= 2 * halfSize; ++k) {
-                    const unsigned long slice = nearestElement(z + k, halfSize, slices.getImageSizeZ());
-                    const void* const line = slices.getImageLine(static_cast<long>(slice), static_cast<long>(row));
-                    const unsigned long nbLeft = x < sizeX ? sizeX - x : 0;
-                    widenPart(tile + k * kBlock, static_cast<const Sample*>(line) + x, nbLeft, slices.hasSlack());
-                }
+                const unsigned long nbLeft = x < sizeX ? sizeX - x : 0;
+                for (unsigned long k = 0; k <= 2 * halfSize; ++k)
+                    widenPart(tile + k * kBlock, static_cast<const Sample*>(buffers.lines[k]) + x, nbLeft,
+                              slices.hasSlack());
                 filterTile(tile, 1, buffers.z, row, 1, x, to);
             }
+        }
     }
 
     /// The pass across the lines of a slice, of as many as go together from `y` on.
@@ -73,7 +76,13 @@ struct VolumeStrip
             return;
         double* const tile = static_cast<double*>(buffers.tile.getDataPtr());
         const unsigned long halfSize = buffers.y.halfSize(), nbLines = std::min(g_nbLinesAtOnce, slices.getSizeY() - y);
+        const bool isInside = y >= halfSize && y + nbLines + halfSize <= slices.getSizeY();
         for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
+            if (isInside) {
+                const auto distance = static_cast<unsigned long>(from.get<double>(1) - from.get<double>(0));
+                filterElements(from.get<double>(y) + x, distance, nbLines, buffers.y, 0, 1, x, to);
+                continue;
+            }
             for (unsigned long k = 0; k < nbLines + 2 * halfSize; ++k) {
                 const double* const line = from.get<double>(nearestElement(y + k, halfSize, slices.getSizeY()));
                 std::copy_n(line + x, kBlock, tile + k * kBlock);

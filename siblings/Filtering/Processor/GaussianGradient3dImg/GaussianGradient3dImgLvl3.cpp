@@ -27,6 +27,7 @@ processor::StageResult GaussianGradient3dImgLvl3::preProcess()
     buffers.x = makeGaussianWeights(value<InStdDevX>(), coverage, strip.getSizeX());
     buffers.y = makeGaussianWeights(value<InStdDevY>(), coverage, strip.getSizeY());
     buffers.z = makeGaussianWeights(value<InStdDevZ>(), coverage, strip.getImageSizeZ());
+    buffers.lines.resize(2 * buffers.z.halfSize() + 1);
     readOnDemand<InKnlZStrip3d>();
 
     const unsigned long sizeX = processor::alignedCount(strip.getSizeX(), getRunGranularity()), sizeY = strip.getSizeY();
@@ -38,8 +39,9 @@ processor::StageResult GaussianGradient3dImgLvl3::preProcess()
     };
     const bool hasX = value<OutOptGradXZStrip3d>() != nullptr, hasY = value<OutOptGradYZStrip3d>() != nullptr,
                hasZ = value<OutOptGradZZStrip3d>() != nullptr;
-    initIf(hasX || hasY, buffers.smoothed, sizeY, 0);
-    initIf(hasZ, buffers.derived, sizeY, 0);
+    const unsigned long unlikeLines = 8;  // so that those of a kernel do not share places of the first cache
+    initIf(hasX || hasY, buffers.smoothed, sizeY, unlikeLines);
+    initIf(hasZ, buffers.derived, sizeY, unlikeLines);
     initIf(hasX, buffers.ofX, g_nbLinesAtOnce, buffers.x.halfSize());
     initIf(hasY, buffers.ofY, g_nbLinesAtOnce, buffers.x.halfSize());
     initIf(hasZ, buffers.ofZ, g_nbLinesAtOnce, buffers.x.halfSize());

@@ -8,12 +8,15 @@
 #include "frame/image/Buffers.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
+#include <vector>
+
 namespace orvik { namespace imaproc { namespace filter {
 
 /// What the passes of a strip of slices keep, in double.
 struct GaussianVolumeBuffers
 {
     GaussianWeights x, y, z;
+    std::vector<const void*> lines;   // of the image, that the kernel across slices reads
     image::TypedOwnBuffer tile;       // a block of columns of all lines of a kernel
     CombinedLines smoothed, derived;  // across slices: one slice
     CombinedLines ofX, ofY, ofZ;      // across its lines as well: those that go together
