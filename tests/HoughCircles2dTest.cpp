@@ -105,7 +105,7 @@ TEST(HoughPeaks, OfStacksAreThoseOfEachPlaneOrOfTheFirst)
     });
     EXPECT_TRUE(same(ofAll, numbersOf(multiSlice_extractHoughPeaks2d(gx, gx, 3.0))));
     EXPECT_TRUE(same(definedPeaks(*gx->getView(PlanIndex(), 1), *gy, 3.0), numbersOf(extractHoughPeaks2d(gx, gy, 3.0))));
-    EXPECT_EQ("ExtractHoughPeaks2dLvl3: the strips differ in size: 70 x 50 and 69 x 50",
+    EXPECT_EQ("ExtractHoughPeaks2dLvl3: the lines of the strips differ in length: 70 and 69 samples",
               refusalOf([&] { extractHoughPeaks2d(gy, blank(69, 50, 1, 1, eIBT_Int16), 0.0); }));
 }
 

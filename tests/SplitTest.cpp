@@ -289,8 +289,11 @@ TEST(OwnImages, AreNotTouchedOutsideTheirLinesByKernelsThatReachFar)
 
 TEST(Runs, OnStripsThatDoNotGoTogetherFailInWords)
 {
-    const auto copy = processorWith<CopyRaw64, InTinyYStrip, OutTinyYStrip>(stripOf(blank(9, 4)), outStripOf(blank(8, 3)));
-    EXPECT_EQ("CopyRaw64: the strips differ in size: 9 x 4 and 8 x 3", runRefusal(copy));
+    const auto copyTo = [](const ImagePtr& out) {
+        return runRefusal(processorWith<CopyRaw64, InTinyYStrip, OutTinyYStrip>(stripOf(blank(9, 4)), outStripOf(out)));
+    };
+    EXPECT_EQ("CopyRaw64: the lines of the strips differ in length: 9 and 8 samples", copyTo(blank(8, 3)));
+    EXPECT_EQ("CopyRaw64: the strips differ in size: 4 and 3 lines", copyTo(blank(9, 3)));
     EXPECT_EQ("CopyRaw64: the strips do not have the sample types that go together",
               runRefusal(processorWith<CopyLvl1<CopyRaw64>, InTinyImg, OutTinyImg>(blank(9, 4),
                                                                                    blank(9, 4, 1, 1, image::eIBT_Real32))));

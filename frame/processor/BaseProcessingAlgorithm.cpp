@@ -80,14 +80,17 @@ BoolResult BaseProcessingAlgorithm::runKernel(AlgorithmFunction function, const 
 
     const BaseDataParser& first = *parsers.front();
     const unsigned long counts[] = {first.getNbInitData(), first.getNbMainData(), first.getNbFinalData()};
-    const unsigned long nbLines = first.getNbLines();
-    for (const boost::shared_ptr<BaseDataParser>& parser : parsers)
-        if (parser->getNbInitData() != counts[0] || parser->getNbMainData() != counts[1]
-            || parser->getNbFinalData() != counts[2] || parser->getNbLines() != nbLines)
-            return failure(getObjectName() + ": the strips differ in size: "
-                           + std::to_string(counts[0] + counts[1] + counts[2]) + " x " + std::to_string(nbLines) + " and "
-                           + std::to_string(parser->getNbInitData() + parser->getNbMainData() + parser->getNbFinalData())
-                           + " x " + std::to_string(parser->getNbLines()));
+    const unsigned long nbLines = first.getNbLines(), length = counts[0] + counts[1] + counts[2];
+    for (const boost::shared_ptr<BaseDataParser>& parser : parsers) {
+        // Of lengths alone where they differ: the text is the same for any strips then.
+        const unsigned long otherLength = parser->getNbInitData() + parser->getNbMainData() + parser->getNbFinalData();
+        if (otherLength != length)
+            return failure(getObjectName() + ": the lines of the strips differ in length: " + std::to_string(length)
+                           + " and " + std::to_string(otherLength) + " samples");
+        if (parser->getNbInitData() != counts[0] || parser->getNbMainData() != counts[1] || parser->getNbLines() != nbLines)
+            return failure(getObjectName() + ": the strips differ in size: " + std::to_string(nbLines) + " and "
+                           + std::to_string(parser->getNbLines()) + " lines");
+    }
 
     for (unsigned long line = 0; line < nbLines; ++line) {
         if (getOrigin().isCancellationRequested())
