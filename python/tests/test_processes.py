@@ -10,6 +10,7 @@ import pytest
 
 BEGIN = """
 import gc, numpy, orvik_fd, os, signal, sys, threading, time
+signal.signal(signal.SIGINT, signal.default_int_handler)  # shells let what they run in the background ignore it
 plane = numpy.random.default_rng(3).random((600, 600)).astype(numpy.float32)
 planes = numpy.broadcast_to(plane, (300, 600, 600))
 plain, told = numpy.zeros((50, 50), numpy.uint8), []
