@@ -26,8 +26,6 @@ class ORVIK_API HoughLinesGradient2dImgLvl3
     void setRowsMutexColl(const boost::shared_ptr<HoughLinesRowsMutexColl>& rowsMutexColl);
 
     processor::StageResult preProcess() override;
-    /// Pixels are looked at one by one.
-    unsigned long getRunGranularity() const override { return 1; }
     template<class Sample, core::eInstructionSet Set>
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info);
 
