@@ -1,6 +1,6 @@
 // Canny edges of planes: the classes of pixels, both hysteresis strategies, the calls.
 
-#include "FamilyShapes.h"
+#include "CannyReference.h"
 #include "InstructionSets.h"
 
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
@@ -16,58 +16,22 @@ class Reference
 {
 public:
     Reference(const ImagePtr& gx, const ImagePtr& gy, double low, double high)
-        : m_gx(*gx), m_gy(*gy), m_classes(createImageLike(*gx, eIBT_UInt8)), m_edges(createImageLike(*gx, eIBT_Binary))
+        : m_gradient({gx, gy}), m_classes(createImageLike(*gx, eIBT_UInt8))
     {
         forEachSample(gx->getGeometry().getSizes(), [&](long x, long y, long z, auto...) {
             setSample(*m_classes, classOf(x, y, z, low * low, high * high), x, y, z);
         });
-        forEachSample(gx->getGeometry().getSizes(), [&](long x, long y, long z, auto...) {
-            if (at(*m_classes, x, y, z) == 2)
-                light(x, y, z);
-        });
     }
     const ImagePtr& classes() const { return m_classes; }
-    /// 1 on strong pixels and on weak ones that are joined to one by steps of one pixel, diagonal ones included.
-    const ImagePtr& edges() const { return m_edges; }
+    ImagePtr edges() const { return joinedToStrong(m_classes, 0); }
 
 private:
-    static double at(const BaseImage& g, long x, long y, long z)
-    {
-        const unsigned long column = static_cast<unsigned long>(x), line = static_cast<unsigned long>(y);
-        const bool inside = column < g.getSizeX() && line < g.getSizeY();
-        return inside ? sampleAt(g, column, line, static_cast<unsigned long>(z)) : 0.0;
-    }
-    void light(long x, long y, long z)
-    {
-        std::vector<std::pair<long, long>> open = {{x, y}};
-        while (!open.empty()) {
-            const auto [px, py] = open.back();
-            open.pop_back();
-            if (at(*m_classes, px, py, z) == 0 || at(*m_edges, px, py, z) == 1)
-                continue;
-            setSample(*m_edges, 1, px, py, z);
-            for (long i = 0; i < 9; ++i)
-                open.emplace_back(px + i % 3 - 1, py + i / 3 - 1);
-        }
-    }
-    /// Squared magnitude with the wrap of its type. Squares of whole numbers below 2^32 need 64 bits.
-    double magnitude(long x, long y, long z) const
-    {
-        const double gx = at(m_gx, x, y, z), gy = at(m_gy, x, y, z);
-        const eDataType type = toDataType(m_gx.getBufferType());
-        if (type == eDT_Real32) {
-            const volatile double xx = gx * gx, yy = gy * gy;
-            return xx + yy;
-        }
-        const unsigned long wx = static_cast<unsigned long>(static_cast<long>(gx));
-        const unsigned long wy = static_cast<unsigned long>(static_cast<long>(gy));
-        return static_cast<double>((wx * wx + wy * wy) & (type == eDT_Int8 || type == eDT_UInt8 ? 0xFFFF : 0xFFFFFFFF));
-    }
     int classOf(long x, long y, long z, double low, double high) const
     {
-        const double m = magnitude(x, y, z), gx = at(m_gx, x, y, z), gy = at(m_gy, x, y, z);
+        const double m = m_gradient.squaredMagnitude(x, y, z), gx = m_gradient.at(0, x, y, z),
+                     gy = m_gradient.at(1, x, y, z);
         const volatile double along = std::fabs(gx) * 0.41421356237309503, across = std::fabs(gx) * 2.414213562373095;
-        const auto near = [&](long dx, long dy) { return magnitude(x + dx, y + dy, z); };
+        const auto near = [&](long dx, long dy) { return m_gradient.squaredMagnitude(x + dx, y + dy, z); };
         bool kept;
         if (along > std::fabs(gy))
             kept = m > near(-1, 0) && m >= near(1, 0);
@@ -80,23 +44,9 @@ private:
         return low >= m || !kept ? 0 : m > high ? 2 : 1;
     }
 
-    const BaseImage &m_gx, &m_gy;
-    ImagePtr m_classes, m_edges;
+    GradientSamples m_gradient;
+    ImagePtr m_classes;
 };
-
-boost::shared_ptr<const CannyThresholds> thresholds(double low, double high)
-{
-    return CannyThresholds::createNode(low, high);
-}
-
-/// Gradients of which many are equal, so that ties are met in every sector; up to `spread` on each side of 0.
-ImagePtr tiedImage(eImageBufferType type, const ImageSizes& sizes, int spread, unsigned int seed)
-{
-    std::vector<double> values;
-    for (int value = isSigned(type) ? -spread : 0; value <= spread; ++value)
-        values.push_back(value);
-    return drawnImage(type, sizes, values, seed);
-}
 
 class CannyKernel : public KernelTest<CannyEdges2dImgLvl3>
 {

@@ -108,7 +108,7 @@ TEST_P(Neighbors, LabelsAndPropagationsEqualTheFlood)
                 spreadExtremaOfLabels(*viewOf(image), *viewOf(expectedLabels), nbLabels, extremum, *viewOf(image));
             }
             EXPECT_TRUE(sameSamples(*expected, *spread));
-            EXPECT_TRUE(writeLabels(parts, sizes.z, *labels, maxLabel).getValue() && maxLabel == nbLabels);
+            EXPECT_TRUE(writeLabels(parts, sizes.z, "labels", *labels, maxLabel).getValue() && maxLabel == nbLabels);
             EXPECT_TRUE(sameSamples(*expectedLabels, *labels));
             EXPECT_TRUE(sameSamples(*expected, *image));
         }

@@ -11,8 +11,6 @@
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
 
 #include "frame/attr/Records.h"
-#include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
-#include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"
 
 #include <string>
 #include <vector>
@@ -64,6 +62,7 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     ORVIK_CALL(filter, gaussianGradient3dImg, planes, 1.0f);
     ORVIK_CALLS(maxL2Norm2Msr, plane, other);
     ORVIK_CALLS(cannyEdges2dImg, plane, other, thresholds);
+    ORVIK_CALLS(cannySurfaces3dImg, planes, planes, planes, thresholds);
     ORVIK_CALLS(harrisCorner2dImg, planes, 1.0f);
     ORVIK_PLANE_CALLS(harrisCorner2d, 1.0f, 5ul, 2u);
     ORVIK_PLANE_CALLS(extractLocalExtrema2d, 2u, 1u);

@@ -3,6 +3,7 @@
 #include "FamilyShapes.h"
 
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
+#include "Processor/CannySurfaces3dImg/CannySurfaces3dImgLvl1.h"
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl1.h"
 #include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl1.h"
 #include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
@@ -19,9 +20,13 @@
 
 #include "frame/processor/ProcessorFactory.h"
 #include "siblings/AdvancedMorphology/Processor/ConnectedComponent2dImg/ConnectedComponent2dImgLvl1.h"
+#include "siblings/AdvancedMorphology/Processor/ConnectedComponent3dImg/ConnectedComponent3dImgLvl1.h"
 #include "siblings/AdvancedMorphology/Processor/IterativeExtremumPropagation2dImg/IterativeExtremumPropagation2dImgLvl2.h"
+#include "siblings/AdvancedMorphology/Processor/IterativeExtremumPropagation3dImg/IterativeExtremumPropagation3dImgLvl2.h"
 #include "siblings/AdvancedMorphology/Processor/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgLutBuildPassLvl2.h"
 #include "siblings/AdvancedMorphology/Processor/LabelExtremumPropagation2dImg/LabelExtremumPropagation2dImgThresholdPassLvl2.h"
+#include "siblings/AdvancedMorphology/Processor/LabelExtremumPropagation3dImg/LabelExtremumPropagation3dImgLutBuildPassLvl2.h"
+#include "siblings/AdvancedMorphology/Processor/LabelExtremumPropagation3dImg/LabelExtremumPropagation3dImgThresholdPassLvl2.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
 #include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"
 #include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgLvl2.h"
@@ -57,16 +62,47 @@ struct Results
     }
 };
 
+/// Edges or surfaces.
+template<class X, class... Gradients>
 ImagesOfClass canny(eImageBufferType out, eProcessingOptimizationPolicy policy)
 {
-    TypesAndSizes images(6, {eIBT_UInt8, g_planes});
-    images[3].first = eIBT_Binary;
-    images[4].first = eIBT_Label16;
-    images[5].first = out;
-    return imagesOf<fd::CannyEdges2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d, OutOptWk1BinImg, OutOptWk2BinImg,
-                    OutOptWk1LabelImg, OutBinImg>(
+    TypesAndSizes images(sizeof...(Gradients), {eIBT_UInt8, g_planes});
+    for (const eImageBufferType type : {eIBT_UInt8, eIBT_Binary, eIBT_Label16, out})
+        images.emplace_back(type, g_planes);
+    return imagesOf<X, Gradients..., OutOptWk1BinImg, OutOptWk2BinImg, OutOptWk1LabelImg, OutBinImg>(
         images, {}, with<InCannyThresholds, InOptOptimizationPolicy>(CannyThresholds::createNode(60, 150), policy),
         Results<OutBinImg>());
+}
+
+/// Those of planes and of volumes.
+template<class Components, class In, class Out>
+ImagesOfClass components()
+{
+    return imagesOf<Components, In, Out>({{eIBT_Binary, g_planes}, {eIBT_Label8, g_planes}}, {{In::s_name, Out::s_name}},
+                                         with<>(), Results<Out>());
+}
+
+template<class Iterative, class Neighborhood, class In, class Value>
+ImagesOfClass iterative(const ImageSizes& sizes, Value neighborhood)
+{
+    return imagesOf<Iterative, In, OutImg>(TypesAndSizes(2, {eIBT_UInt8, sizes}), {{In::s_name, "OutImg"}},
+                                           with<Neighborhood, InLocalExtremumType>(neighborhood, eLET_Maxima),
+                                           Results<OutImg>());
+}
+
+template<class Threshold, class In>
+ImagesOfClass labelMask(const ImageSizes& sizes)
+{
+    return imagesOf<Threshold, In, OutBinImg>(TypesAndSizes(2, {eIBT_UInt8, sizes}), {{In::s_name, "OutBinImg"}}, with<>(),
+                                              Results<OutBinImg>());
+}
+
+template<class Lut, class In, class Labels>
+ImagesOfClass labelExtrema(const ImageSizes& sizes)
+{
+    return imagesOf<Lut, In, Labels, OutImg>({{eIBT_UInt8, sizes}, {eIBT_Label8, sizes}, {eIBT_UInt8, sizes}},
+                                             {{In::s_name, "OutImg"}, {Labels::s_name, "OutImg"}},
+                                             with<InLocalExtremumType, InNbLabels>(eLET_Maxima, 255), Results<OutImg>());
 }
 
 ImagesOfClass harris(eImageBufferType in)
@@ -119,12 +155,13 @@ std::vector<ImagesOfClass> allClasses()
     centers->access<Pixels2d::Coll>().push_back(Pixel2d::createNode(7, 9, 1));
     const auto radii = createHoughCirclesRadiusRange(2, 6);
     const TypesAndSizes twoPlanes(2, {eIBT_Real32, g_plane});
-    const TypesAndSizes twoOfReals(2, {eIBT_Real32, g_planes}), twoOfBytes(2, {eIBT_UInt8, g_plane});
+    const TypesAndSizes twoOfReals(2, {eIBT_Real32, g_planes});
     return {
         imagesOf<fd::MaxL2Norm2MsrLvl1, InImg1, InImg2>(twoOfReals, {}, with<>(), Results<OutMax>()),
-        canny(eIBT_UInt8, ePOP_Labels),
-        canny(eIBT_UInt8, ePOP_Iterative),
-        canny(eIBT_Real32, ePOP_Iterative),
+        canny<fd::CannyEdges2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d>(eIBT_UInt8, ePOP_Labels),
+        canny<fd::CannyEdges2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d>(eIBT_UInt8, ePOP_Iterative),
+        canny<fd::CannyEdges2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d>(eIBT_Real32, ePOP_Iterative),
+        canny<fd::CannySurfaces3dImgLvl1, InGxGreyImg3d, InGyGreyImg3d, InGzGreyImg3d>(eIBT_UInt8, ePOP_Labels),
         harris(eIBT_Real32),
         harris(eIBT_Int32),
         tensor(),
@@ -168,18 +205,14 @@ std::vector<ImagesOfClass> allClasses()
         imagesOf<util::BasicThresholdImgLvl1, InImg, OutBinImg>(
             {{eIBT_UInt8, g_planes}, {eIBT_Binary, g_planes}}, {{"InImg", "OutBinImg"}},
             with<InThresholdMin, InThresholdMax>(20, 120), Results<OutBinImg>()),
-        imagesOf<advmorpho::ConnectedComponent2dImgLvl1, InBinLabImg, OutLabelImg>(
-            {{eIBT_Binary, g_planes}, {eIBT_Label8, g_planes}}, {{"InBinLabImg", "OutLabelImg"}}, with<>(),
-            Results<OutLabelImg>()),
-        imagesOf<advmorpho::IterativeExtremumPropagation2dImgLvl2, InSubImg2d, OutImg>(
-            twoOfBytes, {{"InSubImg2d", "OutImg"}}, with<InNeighborhood2d, InLocalExtremumType>(eN2D_Eight, eLET_Maxima),
-            Results<OutImg>()),
-        imagesOf<advmorpho::LabelExtremumPropagation2dImgThresholdPassLvl2, InSubImg2d, OutBinImg>(
-            twoOfBytes, {{"InSubImg2d", "OutBinImg"}}, with<>(), Results<OutBinImg>()),
-        imagesOf<advmorpho::LabelExtremumPropagation2dImgLutBuildPassLvl2, InSubImg2d, InSubLabelImg2d, OutImg>(
-            {{eIBT_UInt8, g_plane}, {eIBT_Label8, g_plane}, {eIBT_UInt8, g_plane}},
-            {{"InSubImg2d", "OutImg"}, {"InSubLabelImg2d", "OutImg"}},
-            with<InLocalExtremumType, InNbLabels>(eLET_Maxima, 255), Results<OutImg>()),
+        components<advmorpho::ConnectedComponent2dImgLvl1, InBinLabImg, OutLabelImg>(),
+        components<advmorpho::ConnectedComponent3dImgLvl1, InBinLabImg3d, OutLabelImg3d>(),
+        iterative<advmorpho::IterativeExtremumPropagation2dImgLvl2, InNeighborhood2d, InSubImg2d>(g_plane, eN2D_Eight),
+        iterative<advmorpho::IterativeExtremumPropagation3dImgLvl2, InNeighborhood3d, InSubImg3d>(g_planes, eN3D_TwentySix),
+        labelMask<advmorpho::LabelExtremumPropagation2dImgThresholdPassLvl2, InSubImg2d>(g_plane),
+        labelMask<advmorpho::LabelExtremumPropagation3dImgThresholdPassLvl2, InSubImg3d>(g_planes),
+        labelExtrema<advmorpho::LabelExtremumPropagation2dImgLutBuildPassLvl2, InSubImg2d, InSubLabelImg2d>(g_plane),
+        labelExtrema<advmorpho::LabelExtremumPropagation3dImgLutBuildPassLvl2, InSubImg3d, InSubLabelImg3d>(g_planes),
     };
 }
 

@@ -34,6 +34,7 @@ def seldom(draw, bad, *good):
 ARGUMENTS = {
     "gaussianGradient2dImg": lambda draw, a, b: ((a, seldom(draw, -1, 0.5, 2)), {}),
     "gaussianGradient3dImg": lambda draw, a, b: ((a, seldom(draw, -1, 0.5, 2)), {"stdDevZ": draw.choice([None, 1.5])}),
+    "cannySurfaces3dImg": lambda draw, a, b: ((a, b, a, seldom(draw, 7, 0, 1)), {"lowThreshold": 3, "highThreshold": 9}),
     "cannyEdges2dImg": lambda draw, a, b: ((a, b, seldom(draw, 7, 0, 1)), {"lowThreshold": 3, "highThreshold": 9}),
     "extractLocalExtrema2d": lambda draw, a, b: ((a, seldom(draw, -1, 1, 4), 2), {"maxNbExtrema": draw.choice([None, 5])}),
     "extractLocalExtrema3d": lambda draw, a, b: ((a, seldom(draw, -1, 1, 4), 2, draw.choice([0, 2])), {}),

@@ -104,6 +104,17 @@ inline Lanes<float>::type squareRoot(Lanes<float>::type v)
 #endif
 }
 
+inline Lanes<double>::type squareRoot(Lanes<double>::type v)
+{
+#if ORVIK_SET_BYTES == 64
+    return _mm512_maskz_sqrt_pd(0xff, v);
+#elif ORVIK_SET_BYTES == 32
+    return _mm256_sqrt_pd(v);
+#else
+    return _mm_sqrt_pd(v);
+#endif
+}
+
 /// A vector with one NaN for all: of two NaNs x86 hands on the first, and compilers swap operands.
 inline Lanes<float>::type withOneNan(Lanes<float>::type v)
 {

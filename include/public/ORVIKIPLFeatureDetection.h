@@ -3,6 +3,7 @@
 /// All public functions, and what it takes to call them: images, records, run control.
 
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
+#include "Processor/CannySurfaces3dImg/CannySurfaces3dImgLvl1.h"
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
 #include "Processor/ExtractLocalExtrema3d/ExtractLocalExtrema3dLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
@@ -21,3 +22,4 @@
 #include "frame/serialization/PlanIndexedColl.h"
 #include "frame/util/BaseException.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
+#include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"

@@ -22,6 +22,10 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
        == gx, gy, eProcessingOptimizationPolicy.ePOP_Labels, lowThreshold=5, highThreshold=80
        != gx, gy, lowThreshold=70, highThreshold=80 != gx, gy, lowThreshold=5, highThreshold=160
        != gy, gx, lowThreshold=5, highThreshold=80""",
+    """cannySurfaces3dImg: many, many[::-1], many, lowThreshold=5, highThreshold=31
+       == many, many[::-1], many, eProcessingOptimizationPolicy.ePOP_Labels, lowThreshold=5, highThreshold=31
+       != many, many[::-1], many, lowThreshold=30, highThreshold=31 != many[::-1], many, many, lowThreshold=5, highThreshold=31
+       != many, many, many[::-1], lowThreshold=5, highThreshold=31 != many, many[::-1], many, lowThreshold=5, highThreshold=40""",
     """extractLocalExtrema2d: small, 2, 3 == small, inFeaturesDistX=2, inFeaturesDistY=3, localExtremumType=0
        == small, numpy.uint8(2), numpy.int64(3), threshold=numpy.float32(-10) != small, 3, 2 != small, 2, 3, threshold=155
        != small, 2, 3, localExtremumType=eLocalExtremumType.eLET_StrictMaxima != small, 2, 3, maxNbExtrema=0""",

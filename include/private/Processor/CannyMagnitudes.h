@@ -12,7 +12,7 @@
 
 namespace orvik { namespace imaproc { namespace fd { namespace {
 
-/// What squared magnitudes are kept in: the narrowest type that the sum of squares may wrap in.
+/// What squared magnitudes are kept in: the narrowest unsigned type that the sum of squares may wrap in.
 template<class Sample>
 struct MagnitudeOf
 {
@@ -37,6 +37,26 @@ void computeGradientMagnitudeSquare(const Sample* gx, const Sample* gy, Magnitud
         // In 32 bits at least: shorter products would be formed as int, where they may overflow.
         const unsigned int x = static_cast<unsigned int>(gx[i]), y = static_cast<unsigned int>(gy[i]);
         row[i] = static_cast<Magnitude>(x * x + y * y);
+    }
+}
+
+/// row[i] = gx[i]^2 + gy[i]^2 + gz[i]^2, wrapping in integer types.
+template<class Sample, class Magnitude>
+void computeGradientMagnitudeSquare(const Sample* gx, const Sample* gy, const Sample* gz, Magnitude* row, unsigned long n)
+{
+    for (unsigned long i = 0; i < n; ++i) {
+        const unsigned int x = static_cast<unsigned int>(gx[i]), y = static_cast<unsigned int>(gy[i]);
+        const unsigned int z = static_cast<unsigned int>(gz[i]);
+        row[i] = static_cast<Magnitude>(x * x + y * y + z * z);
+    }
+}
+
+/// The same of floats, in double: of whole vectors, of which the last one may reach beyond `n`.
+inline void computeGradientMagnitudeSquare(const float* gx, const float* gy, const float* gz, double* row, unsigned long n)
+{
+    for (unsigned long i = 0; i < n; i += Lanes<double>::count) {
+        const Lanes<double>::type x = loadWide(gx + i), y = loadWide(gy + i), z = loadWide(gz + i);
+        store(row + i, x * x + y * y + z * z);
     }
 }
 
@@ -125,6 +145,15 @@ inline bool mayHaveCandidate(const float* m, const SquaredThresholds<float>& thr
     auto none = load(m) < thresholds.belowLow;
     for (unsigned long i = Lanes<float>::count; i < kBlock; i += Lanes<float>::count)
         none &= load(m + i) < thresholds.belowLow;
+    return anyOf(~none);
+}
+
+/// Magnitudes in double are compared with the threshold as it is, so that NaN is told.
+inline bool mayHaveCandidate(const double* m, const SquaredThresholds<float>& thresholds)
+{
+    auto none = thresholds.low >= load(m);
+    for (unsigned long i = Lanes<double>::count; i < kBlock; i += Lanes<double>::count)
+        none &= thresholds.low >= load(m + i);
     return anyOf(~none);
 }
 

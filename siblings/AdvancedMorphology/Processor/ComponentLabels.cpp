@@ -36,7 +36,8 @@ unsigned long greatestLabel(eDataType type)
 
 }  // namespace
 
-BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, image::BaseImage& labels, unsigned int& maxLabel)
+BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, const char* name, image::BaseImage& labels,
+                       unsigned int& maxLabel)
 {
     const eDataType type = image::toDataType(labels.getBufferType());
     unsigned long nbLabels = 0;
@@ -44,7 +45,7 @@ BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, imag
         nbLabels += part.second->runs.getNbComponents();
     const unsigned long greatest = std::min<unsigned long>(greatestLabel(type), NumericLimits<unsigned int>::s_max);
     if (nbLabels > greatest)
-        return failure("there are " + std::to_string(nbLabels) + " connected components, but OutLabelImg, "
+        return failure("there are " + std::to_string(nbLabels) + " connected components, but " + name + ", "
                        + toString(labels.getBufferType()) + ", can name only " + std::to_string(greatest)
                        + ": use the iterative optimization policy or wider labels");
     unsigned long next = 1;

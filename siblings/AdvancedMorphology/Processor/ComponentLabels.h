@@ -22,8 +22,9 @@ public:
 typedef processor::ResultsOfPlanes<ImageComponents>::Map ComponentsOfParts;
 
 /// Labels the components of parts of `sizeZ` slices of an image, 1 for planes: from 1, running on over all parts; 0 is what
-/// belongs to none. Fails, before it has written a label, when the label image cannot name them all.
-BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, image::BaseImage& labels,
+/// belongs to none. Fails, before it has written a label, when the label image, an attribute of
+/// that name, cannot name them all.
+BoolResult writeLabels(const ComponentsOfParts& parts, unsigned long sizeZ, const char* name, image::BaseImage& labels,
                        unsigned int& maxLabel);
 
 }}}  // namespace orvik::imaproc::advmorpho

@@ -30,35 +30,38 @@ ByteLines linesOf(const image::OutputImageZStrip3d& strip)
     return makeLines(*strip.getImage(), strip.getSizeY(), strip.getNbLines() / strip.getSizeY(), strip.accessLine(0));
 }
 
-void WeakSpreader::seedLine(unsigned long y, unsigned long z, unsigned long start, unsigned long end)
+/// Takes each run of weak samples of line (y, z) that reaches into the columns from `start` to `end`.
+void WeakSpreader::takeRuns(unsigned long y, unsigned long z, unsigned long start, unsigned long end)
 {
-    const unsigned char* const line = m_lines.at(y, z);
-    for (unsigned long x = start; x < end; ++x)
-        if (line[x] == 1 && (x == start || line[x - 1] != 1))
-            m_seeds.push_back({static_cast<unsigned int>(x), static_cast<unsigned int>(y), static_cast<unsigned int>(z)});
+    unsigned char* const line = m_lines.at(y, z);
+    for (unsigned long x = start; x < end; ++x) {
+        if (line[x] != 1)
+            continue;
+        unsigned long first = x;
+        while (first > 0 && line[first - 1] == 1)
+            --first;
+        while (x < m_lines.sizeX && line[x] == 1)
+            ++x;
+        std::fill(line + first, line + x, static_cast<unsigned char>(2));
+        const auto number = [](unsigned long n) { return static_cast<unsigned int>(n); };
+        m_reached.push_back({number(first), number(x), number(y), number(z)});
+    }
 }
 
 void WeakSpreader::spreadFrom(unsigned long x, unsigned long y, unsigned long z)
 {
-    m_seeds.push_back({static_cast<unsigned int>(x), static_cast<unsigned int>(y), static_cast<unsigned int>(z)});
-    while (!m_seeds.empty()) {
-        const Seed seed = m_seeds.back();
-        m_seeds.pop_back();
-        unsigned char* const line = m_lines.at(seed.y, seed.z);
-        if (line[seed.x] != 1)
-            continue;
-        unsigned long start = seed.x, end = seed.x;
-        while (start > 0 && line[start - 1] == 1)
-            --start;
-        while (end < m_lines.sizeX && line[end] == 1)
-            ++end;
-        std::fill(line + start, line + end, static_cast<unsigned char>(2));
-        for (unsigned long n = 0; n < m_neighborhood.nbLines; ++n) {
-            const NeighborLine& other = m_neighborhood.lines[n];
-            if (other.isInside(seed.y, seed.z, m_lines.sizeY, m_lines.sizeZ))
-                seedLine(other.yFrom(seed.y), other.zFrom(seed.z), start - std::min(start, other.reach),
-                         std::min(end + other.reach, m_lines.sizeX));
-        }
+    takeRuns(y, z, x, x + 1);
+    while (!m_reached.empty()) {
+        m_wave.swap(m_reached);
+        m_reached.clear();
+        for (const TakenRun& run : m_wave)
+            for (unsigned long n = 0; n < m_neighborhood.nbLines; ++n) {
+                const NeighborLine& other = m_neighborhood.lines[n];
+                if (other.isInside(run.y, run.z, m_lines.sizeY, m_lines.sizeZ))
+                    takeRuns(other.yFrom(run.y), other.zFrom(run.z),
+                             run.start - std::min<unsigned long>(run.start, other.reach),
+                             std::min(run.end + other.reach, m_lines.sizeX));
+            }
     }
 }
 

@@ -37,16 +37,18 @@ public:
     void spreadAcross(unsigned long start);
 
 private:
-    struct Seed
+    struct TakenRun
     {
-        unsigned int x, y, z;
+        unsigned int start, end, y, z;
     };
-    void seedLine(unsigned long y, unsigned long z, unsigned long start, unsigned long end);
+    void takeRuns(unsigned long y, unsigned long z, unsigned long start, unsigned long end);
     void spreadToLine(unsigned long y, unsigned long z, const unsigned char* strong, unsigned long reach);
 
     ByteLines m_lines;
     Neighborhood m_neighborhood;
-    std::vector<Seed> m_seeds;  // one per run of samples whose turn has not come
+    // Runs that became strong, each once, whose neighbours have not been looked at: those at hand and those that they reach.
+    // Going by waves, they are few even where all of a volume hangs together.
+    std::vector<TakenRun> m_wave, m_reached;
 };
 
 }}}  // namespace orvik::imaproc::advmorpho

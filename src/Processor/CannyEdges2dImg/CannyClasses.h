@@ -2,6 +2,7 @@
 
 // Classes of the pixels of one block: 0 no candidate, 1 weak, 2 strong.
 
+#include "Processor/BlockLanes.h"
 #include "Processor/CannyMagnitudes.h"
 
 #include <type_traits>
@@ -17,26 +18,6 @@ struct Neighbourhood
     const Magnitude* rows[3];
     const Sample *gx[3], *gy[3];
 };
-
-template<class T, class From>
-void copyBlock(const From* from, T* to, unsigned long n)
-{
-    for (unsigned long i = 0; i < n; ++i)
-        to[i] = static_cast<T>(from[i]);
-}
-
-/// Values in the lanes that a block is compared in: where they lie, when they are that wide and of that kind (whole
-/// numbers with or without sign), else in room of the block's own.
-template<class T, class From>
-const T* inLanes(const From* from, T* room, unsigned long n)
-{
-    if constexpr (sizeof(T) == sizeof(From) && std::is_floating_point<T>::value == std::is_floating_point<From>::value) {
-        return reinterpret_cast<const T*>(from);
-    } else {
-        copyBlock(from, room, n);
-        return room;
-    }
-}
 
 /// A block of whole numbers with every array of one lane width, so that the loops over it become vectors on every set.
 template<class T>

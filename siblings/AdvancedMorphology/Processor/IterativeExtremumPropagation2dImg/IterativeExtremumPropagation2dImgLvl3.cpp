@@ -9,9 +9,4 @@ namespace orvik { namespace imaproc { namespace advmorpho {
 
 ORVIK_DEFINE_ALGORITHM(IterativeExtremumPropagation2dImgLvl3)
 
-void IterativeExtremumPropagation2dImgLvl3::initDataParserColl(processor::DataParserColl& coll)
-{
-    coll.clear();
-}
-
 }}}  // namespace orvik::imaproc::advmorpho

@@ -18,7 +18,7 @@ class ORVIK_API IterativeExtremumPropagation2dImgLvl3
     typedef LineStripParserMode ParserMode;
 
     /// None: the kernel goes back and forth over the strip, and is called once for all of it.
-    void initDataParserColl(processor::DataParserColl& coll) override;
+    void initDataParserColl(processor::DataParserColl& coll) override { coll.clear(); }
     template<class Sample, core::eInstructionSet Set>
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info);
 };

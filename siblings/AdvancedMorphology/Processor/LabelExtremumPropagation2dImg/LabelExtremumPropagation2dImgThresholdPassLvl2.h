@@ -1,25 +1,18 @@
 #pragma once
 
-#include "siblings/AdvancedMorphology/Library.h"
-
-#include "frame/attr/Declarations.h"
-#include "frame/processor/Processor.h"
+#include "siblings/AdvancedMorphology/Processor/LabelPropagation.h"
 
 namespace orvik { namespace imaproc { namespace advmorpho {
 
 /// Level 2: 1 where a plane is not 0, else 0, also for NaN.
 class ORVIK_API LabelExtremumPropagation2dImgThresholdPassLvl2
-    : public processor::Processor<LabelExtremumPropagation2dImgThresholdPassLvl2, processor::BaseAsync1Processor,
-                                  attr::InSubImg2d, attr::OutBinImg>
+    : public LabelThresholdPassLvl2<LabelExtremumPropagation2dImgThresholdPassLvl2, OfPlanes>
 {
     ORVIK_PROCESSOR(LabelExtremumPropagation2dImgThresholdPassLvl2, 4)
 
     using BaseAsync1Processor::retrieveProvider;
     processor::RetrievalResult retrieveProvider(const core::BasePriority& priority,
                                                 processor::ProviderPtr& provider) override;
-
-private:
-    processor::RulePtr createRule() const;
 };
 
 }}}  // namespace orvik::imaproc::advmorpho

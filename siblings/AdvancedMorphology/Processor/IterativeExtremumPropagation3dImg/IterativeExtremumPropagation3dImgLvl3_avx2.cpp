@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_AVX2
+#include "siblings/AdvancedMorphology/Processor/IterativeExtremumPropagation3dImg/IterativeExtremumPropagation3dImgKernel.h"

@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_SSE2
+#include "siblings/AdvancedMorphology/Processor/IterativeExtremumPropagation3dImg/IterativeExtremumPropagation3dImgKernel.h"

@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_AVX2
+#include "Processor/CannySurfaces3dImg/CannySurfaces3dImgKernel.h"
