@@ -54,7 +54,7 @@ public:
     {
         do {
             m_new = nameBeside(m_target);
-            m_file.reset(std::fopen(m_new.c_str(), "wbx"));
+            m_file.reset(std::fopen(m_new.c_str(), "w+bx"));
         } while (!m_file && errno == EEXIST);
         if (!m_file)
             throw Refusal(systemReason(errno));

@@ -1,8 +1,12 @@
 #include "PictureCodec.h"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <limits>
+#include <string_view>
 #include <system_error>
 #include <type_traits>
 
@@ -15,9 +19,10 @@ Sample luma(Sample red, Sample green, Sample blue)
     if constexpr (std::is_floating_point_v<Sample>) {
         return static_cast<Sample>(0.299 * red + 0.587 * green + 0.114 * blue);
     } else {
+        using Sum = std::conditional_t<sizeof(Sample) < 4, std::int32_t, std::int64_t>;
         // The bias keeps the sum positive, so that the division rounds negative samples to nearest as well.
-        constexpr std::int32_t bias = std::is_signed_v<Sample> ? 32768 : 0;
-        const std::int32_t sum = 299 * red + 587 * green + 114 * blue + 1000 * bias + 500;
+        constexpr Sum bias = -Sum(std::numeric_limits<Sample>::min());
+        const Sum sum = 299 * Sum(red) + 587 * Sum(green) + 114 * Sum(blue) + 1000 * bias + 500;
         return static_cast<Sample>(sum / 1000 - bias);
     }
 }
@@ -46,7 +51,52 @@ void convertSamples(const SourceRow& row, std::size_t count, bool invert, unsign
     }
 }
 
+FileFormat recognise(std::FILE* file)
+{
+    std::array<char, 8> bytes = {};
+    const std::string_view head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file));
+    if (head.empty())
+        throw Refusal(std::ferror(file) ? systemReason(errno) : "the file is empty");
+    std::rewind(file);
+    using namespace std::string_view_literals;
+    const auto startsWith = [&](std::string_view magic) { return head.substr(0, magic.size()) == magic; };
+    if (startsWith("\x89PNG\r\n\x1a\n"sv))
+        return FileFormat::Png;
+    if (startsWith("\xff\xd8\xff"sv))
+        return FileFormat::Jpeg;
+    // Little and big endian; the second of each pair has 64 bit offsets.
+    if (startsWith("II*\0"sv) || startsWith("II+\0"sv) || startsWith("MM\0*"sv) || startsWith("MM\0+"sv))
+        return FileFormat::Tiff;
+    // The length of the header, 348 bytes or 540, in either byte order.
+    if (startsWith("\x5c\x01\0\0"sv) || startsWith("\x1c\x02\0\0"sv) || startsWith("\0\0\x01\x5c"sv)
+        || startsWith("\0\0\x02\x1c"sv))
+        return FileFormat::Nifti;
+    if (startsWith("\x1f\x8b"sv))
+        return FileFormat::Gzip;
+    return FileFormat::Unknown;
+}
+
 }  // namespace
+
+OpenFile openFile(const std::string& path)
+{
+    namespace fs = std::filesystem;
+    // Asked before opening, because opening a pipe would wait for its writer.
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::none || status.type() == fs::file_type::not_found)
+        throw Refusal(error.message());
+    if (!fs::is_regular_file(status))
+        throw Refusal(fs::is_directory(status) ? systemReason(EISDIR) : "not a regular file");
+    OpenFile file = {FileHandle(std::fopen(path.c_str(), "rb")), 0, FileFormat::Unknown};
+    if (!file.handle)
+        throw Refusal(systemReason(errno));
+    file.bytes = fs::file_size(path, error);
+    if (error)
+        throw Refusal(error.message());
+    file.format = recognise(file.handle.get());
+    return file;
+}
 
 std::string systemReason(int errorNumber)
 {
@@ -68,10 +118,15 @@ std::size_t checkedBytes(std::uint64_t sizeX, std::uint64_t sizeY, std::uint64_t
     return sizeX * sizeY * bytesPerPixel;
 }
 
-void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, std::uint64_t sizeX, std::uint64_t sizeY)
+void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, const std::string& what)
 {
     if (fileBytes < leastBytes)
-        throw Refusal("the file is too short for a picture of " + sizeText(sizeX, sizeY));
+        throw Refusal("the file is too short for a " + what);
+}
+
+void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, std::uint64_t sizeX, std::uint64_t sizeY)
+{
+    requireRoomFor(leastBytes, fileBytes, "picture of " + sizeText(sizeX, sizeY));
 }
 
 std::uint64_t availableMemory()
@@ -91,12 +146,17 @@ std::uint64_t availableMemory()
     return available;
 }
 
-void requireMemoryFor(std::uint64_t bytes, std::uint64_t availableBytes, std::uint64_t sizeX, std::uint64_t sizeY)
+void requireMemoryFor(std::uint64_t bytes, std::uint64_t availableBytes, const std::string& what)
 {
     if (bytes > availableBytes) {
-        throw Refusal("a picture of " + sizeText(sizeX, sizeY) + " takes " + std::to_string(bytes) + " bytes of memory, and "
+        throw Refusal("a " + what + " takes " + std::to_string(bytes) + " bytes of memory, and "
                       + std::to_string(availableBytes) + " are there");
     }
+}
+
+void requireMemoryFor(std::uint64_t bytes, std::uint64_t availableBytes, std::uint64_t sizeX, std::uint64_t sizeY)
+{
+    requireMemoryFor(bytes, availableBytes, "picture of " + sizeText(sizeX, sizeY));
 }
 
 RawBytes allocateRaw(std::size_t bytes)
@@ -111,12 +171,7 @@ std::uint16_t luma16(std::uint16_t red, std::uint16_t green, std::uint16_t blue)
 
 void convertRow(SampleType sampleType, const SourceRow& row, std::size_t count, bool invert, unsigned char* out)
 {
-    switch (sampleType) {
-    case SampleType::UInt8: return convertSamples<std::uint8_t>(row, count, invert, out);
-    case SampleType::UInt16: return convertSamples<std::uint16_t>(row, count, invert, out);
-    case SampleType::Int16: return convertSamples<std::int16_t>(row, count, invert, out);
-    case SampleType::Real32: return convertSamples<float>(row, count, invert, out);
-    }
+    withSampleType(sampleType, [&](auto sample) { convertSamples<decltype(sample)>(row, count, invert, out); });
 }
 
 }  // namespace orvik::examples::codec

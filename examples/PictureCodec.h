@@ -12,6 +12,35 @@
 
 namespace orvik::examples::codec {
 
+/// What a file is, by its first bytes.
+enum class FileFormat
+{
+    Unknown,
+    Png,
+    Jpeg,
+    Tiff,
+    Nifti,
+    Gzip
+};
+
+struct FileCloser
+{
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+/// A regular file, open for reading from its beginning.
+struct OpenFile
+{
+    FileHandle handle;
+    std::uint64_t bytes;
+    FileFormat format;
+};
+
+/// Refuses what is missing, empty or no regular file.
+OpenFile openFile(const std::string& path);
+
 /// PNG from an open file of that many bytes. Like the others, throws Refusal.
 Picture readPng(std::FILE* file, std::uint64_t fileBytes);
 Picture readJpeg(std::FILE* file, std::uint64_t fileBytes);
@@ -27,13 +56,6 @@ public:
 };
 
 std::string systemReason(int errorNumber);
-
-struct FileCloser
-{
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
 /// The first message of a codec. Later ones only tell of the consequences. The text has a fixed size because it is
 /// filled inside the codec, where neither an exception nor a leak through longjmp() is allowed.
@@ -67,13 +89,15 @@ std::string sizeText(std::uint64_t sizeX, std::uint64_t sizeY);
 /// Bytes of a picture; refuses what is empty or above maxPictureBytes.
 std::size_t checkedBytes(std::uint64_t sizeX, std::uint64_t sizeY, std::uint64_t bytesPerPixel);
 
-/// Refuses sizes that no file this short can hold before memory is filled for them.
+/// Refuses what no file this short can hold before memory is filled for it: "picture of 3 x 2".
+void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, const std::string& what);
 void requireRoomFor(std::uint64_t leastBytes, std::uint64_t fileBytes, std::uint64_t sizeX, std::uint64_t sizeY);
 
 /// Bytes that the machine, or the container that the process is in, has to give; the greatest number where it does not tell.
 std::uint64_t availableMemory();
 
 /// Refuses what takes more memory than there is: systems grant it and end the program when it is filled.
+void requireMemoryFor(std::uint64_t bytes, std::uint64_t availableBytes, const std::string& what);
 void requireMemoryFor(std::uint64_t bytes, std::uint64_t availableBytes, std::uint64_t sizeX, std::uint64_t sizeY);
 
 /// Memory for a codec to fill. Not zeroed: pages that a truncated file never reaches stay untouched.
@@ -87,6 +111,22 @@ Sample loadSample(const unsigned char* from)
     Sample sample;
     std::memcpy(&sample, from, sizeof sample);
     return sample;
+}
+
+/// What `work` makes of a sample of that type, whose value means nothing.
+template<class Work>
+auto withSampleType(SampleType sampleType, Work&& work)
+{
+    switch (sampleType) {
+    case SampleType::UInt8: return work(std::uint8_t());
+    case SampleType::Int8: return work(std::int8_t());
+    case SampleType::UInt16: return work(std::uint16_t());
+    case SampleType::Int16: return work(std::int16_t());
+    case SampleType::UInt32: return work(std::uint32_t());
+    case SampleType::Int32: return work(std::int32_t());
+    case SampleType::Real32: break;
+    }
+    return work(float());
 }
 
 /// Grey of a colour, rounded to nearest.

@@ -1,79 +1,29 @@
 #include "PictureCodec.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 #include <new>
-#include <string_view>
-#include <system_error>
+#include <type_traits>
 
 namespace orvik::examples {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace codec;
 
 double sampleAsNumber(SampleType sampleType, const unsigned char* at)
 {
-    switch (sampleType) {
-    case SampleType::UInt8: return *at;
-    case SampleType::UInt16: return loadSample<std::uint16_t>(at);
-    case SampleType::Int16: return loadSample<std::int16_t>(at);
-    case SampleType::Real32: break;
-    }
-    return loadSample<float>(at);
-}
-
-enum class FileFormat
-{
-    Unknown,
-    Png,
-    Jpeg,
-    Tiff
-};
-
-FileFormat recognise(std::FILE* file)
-{
-    std::array<char, 8> bytes = {};
-    const std::string_view head(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), file));
-    if (head.empty())
-        throw Refusal(std::ferror(file) ? systemReason(errno) : "the file is empty");
-    std::rewind(file);
-    using namespace std::string_view_literals;
-    const auto startsWith = [&](std::string_view magic) { return head.substr(0, magic.size()) == magic; };
-    if (startsWith("\x89PNG\r\n\x1a\n"sv))
-        return FileFormat::Png;
-    if (startsWith("\xff\xd8\xff"sv))
-        return FileFormat::Jpeg;
-    // Little and big endian; the second of each pair has 64 bit offsets.
-    if (startsWith("II*\0"sv) || startsWith("II+\0"sv) || startsWith("MM\0*"sv) || startsWith("MM\0+"sv))
-        return FileFormat::Tiff;
-    return FileFormat::Unknown;
+    return withSampleType(sampleType, [&](auto sample) { return static_cast<double>(loadSample<decltype(sample)>(at)); });
 }
 
 Picture readAnyFormat(const std::string& path)
 {
-    // Asked before opening, because opening a pipe would wait for its writer.
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
-    if (status.type() == fs::file_type::none || status.type() == fs::file_type::not_found)
-        throw Refusal(error.message());
-    if (!fs::is_regular_file(status))
-        throw Refusal(fs::is_directory(status) ? systemReason(EISDIR) : "not a regular file");
-    const FileHandle file(std::fopen(path.c_str(), "rb"));
-    if (!file)
-        throw Refusal(systemReason(errno));
-    const std::uintmax_t fileBytes = fs::file_size(path, error);
-    if (error)
-        throw Refusal(error.message());
-    switch (recognise(file.get())) {
-    case FileFormat::Png: return readPng(file.get(), fileBytes);
-    case FileFormat::Jpeg: return readJpeg(file.get(), fileBytes);
-    case FileFormat::Tiff: return readTiff(path, fileBytes);
-    case FileFormat::Unknown: break;
+    const OpenFile file = openFile(path);
+    switch (file.format) {
+    case FileFormat::Png: return readPng(file.handle.get(), file.bytes);
+    case FileFormat::Jpeg: return readJpeg(file.handle.get(), file.bytes);
+    case FileFormat::Tiff: return readTiff(path, file.bytes);
+    default: break;
     }
     throw Refusal("neither a PNG, a JPEG nor a TIFF file");
 }
@@ -82,13 +32,15 @@ Picture readAnyFormat(const std::string& path)
 
 std::size_t bytesPerSample(SampleType sampleType)
 {
-    switch (sampleType) {
-    case SampleType::UInt8: return 1;
-    case SampleType::UInt16:
-    case SampleType::Int16: return 2;
-    case SampleType::Real32: break;
-    }
-    return 4;
+    return withSampleType(sampleType, [](auto sample) { return sizeof sample; });
+}
+
+std::string nameOf(SampleType sampleType)
+{
+    if (sampleType == SampleType::Real32)
+        return "32 bit real";
+    const bool isSigned = withSampleType(sampleType, [](auto sample) { return std::is_signed_v<decltype(sample)>; });
+    return std::to_string(8 * bytesPerSample(sampleType)) + (isSigned ? " bit signed" : " bit unsigned");
 }
 
 double Picture::valueAt(unsigned long x, unsigned long y) const

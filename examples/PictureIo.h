@@ -19,13 +19,19 @@ public:
 enum class SampleType
 {
     UInt8,
+    Int8,
     UInt16,
     Int16,
+    UInt32,
+    Int32,
     Real32
 };
 
 /// Bytes taken by one sample: 1, 2 or 4.
 std::size_t bytesPerSample(SampleType sampleType);
+
+/// "16 bit signed".
+std::string nameOf(SampleType sampleType);
 
 /// One grey plane: rows top to bottom, row-major without padding, samples in the byte order of this machine.
 struct Picture
@@ -46,7 +52,7 @@ struct Picture
 ///
 /// - PNG: 8 or 16 bit; 1, 2 and 4 bit grey are spread over the full 8 bit range.
 /// - JPEG: 8 bit grey or colour.
-/// - TIFF: the first page; 8 and 16 bit unsigned, 16 bit signed, 32 bit real, in strips or tiles.
+/// - TIFF: the first page; 8, 16 and 32 bit, unsigned or signed, and 32 bit real, in strips or tiles.
 ///
 /// Colour becomes 0.299 R + 0.587 G + 0.114 B, rounded to nearest in the depth of the file. Alpha and any other extra
 /// channel, gamma, colour profiles and orientation marks are ignored. Where a TIFF file stores white as zero, integers

@@ -25,22 +25,14 @@ image::eImageBufferType bufferType(SampleType type)
 {
     switch (type) {
     case SampleType::UInt8: return image::eIBT_UInt8;
+    case SampleType::Int8: return image::eIBT_Int8;
     case SampleType::UInt16: return image::eIBT_UInt16;
     case SampleType::Int16: return image::eIBT_Int16;
+    case SampleType::UInt32: return image::eIBT_UInt32;
+    case SampleType::Int32: return image::eIBT_Int32;
     case SampleType::Real32: break;
     }
     return image::eIBT_Real32;
-}
-
-std::string describe(SampleType type)
-{
-    switch (type) {
-    case SampleType::UInt8: return "8 bit unsigned";
-    case SampleType::UInt16: return "16 bit unsigned";
-    case SampleType::Int16: return "16 bit signed";
-    case SampleType::Real32: break;
-    }
-    return "32 bit real";
 }
 
 }  // namespace
@@ -53,7 +45,7 @@ imaproc::ConstImagePtr wrapPicture(const Picture& picture)
 
 std::string describe(const Picture& picture)
 {
-    return std::to_string(picture.sizeX) + " x " + std::to_string(picture.sizeY) + ", " + describe(picture.sampleType);
+    return std::to_string(picture.sizeX) + " x " + std::to_string(picture.sizeY) + ", " + nameOf(picture.sampleType);
 }
 
 std::vector<unsigned char> toMask(const image::BaseImage& binary)

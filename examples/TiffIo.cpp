@@ -1,10 +1,11 @@
-#include "PictureCodec.h"
+#include "VolumeCodec.h"
 
 #include <algorithm>
 #include <array>
 #include <new>
 
 #include <tiffio.h>
+#include <unistd.h>
 
 namespace orvik::examples::codec {
 namespace {
@@ -56,24 +57,138 @@ public:
     TiffReader(const TiffReader&) = delete;
     TiffReader& operator=(const TiffReader&) = delete;
 
+    /// The page that the codec is at.
     Picture read()
     {
-        std::uint32_t sizeX = 0;
-        std::uint32_t sizeY = 0;
-        TIFFGetField(m_tiff, TIFFTAG_IMAGEWIDTH, &sizeX);
-        TIFFGetField(m_tiff, TIFFTAG_IMAGELENGTH, &sizeY);
-        Picture picture;
-        picture.sizeX = sizeX;
-        picture.sizeY = sizeY;
-        readSampleLayout();
-        picture.sampleType = m_sampleType;
+        Picture picture = describePage();
         readBlocks(picture);
         if (m_isPalette)
             applyPalette(picture);
         return picture;
     }
 
+    /// All pages but those that are other ones reduced, or masks.
+    Volume readSlices()
+    {
+        Volume volume;
+        examineSlices(volume);
+        const std::string what = "volume of " + sizeText(volume);
+        const std::size_t bytes = checkedBytes(volume);
+        requireMemoryFor(bytes + bytes / volume.sizeZ, availableMemory(), what);
+        volume.samples.reserve(bytes);
+        m_warning = CodecMessage();
+        if (TIFFSetDirectory(m_tiff, 0) != 1)
+            m_error.refuse();
+        do {
+            if (isSlice()) {
+                const Picture slice = read();
+                volume.samples.insert(volume.samples.end(), slice.samples.begin(), slice.samples.end());
+            }
+        } while (goToNextPage());
+        if (volume.samples.size() != bytes)
+            throw Refusal("the file changed while it was read");
+        return volume;
+    }
+
 private:
+    bool goToNextPage()
+    {
+        if (TIFFLastDirectory(m_tiff) != 0) {
+            requireWholeDirectory();
+            return false;
+        }
+        if (TIFFReadDirectory(m_tiff) != 1)
+            m_error.refuse();
+        if (!m_damage.isEmpty())
+            m_damage.refuse();
+        return true;
+    }
+
+    /// Behind a directory stands where the next one is. Where the file is cut there, the codec takes it for the last one.
+    void requireWholeDirectory() const
+    {
+        const bool isBig = TIFFIsBigTIFF(m_tiff) != 0;
+        const std::size_t countBytes = isBig ? 8 : 2, entryBytes = isBig ? 20 : 12, placeBytes = isBig ? 8 : 4;
+        const std::uint64_t start = TIFFCurrentDirOffset(m_tiff);
+        unsigned char count[8] = {};
+        if (pread(TIFFFileno(m_tiff), count, countBytes, static_cast<off_t>(start)) != static_cast<ssize_t>(countBytes))
+            throw Refusal("the file ends too early");
+        if (TIFFIsByteSwapped(m_tiff) != 0)
+            swapSamples(count, 1, countBytes);
+        const std::uint64_t nbEntries = isBig ? loadSample<std::uint64_t>(count) : loadSample<std::uint16_t>(count);
+        if (nbEntries > m_fileBytes || start + countBytes + nbEntries * entryBytes + placeBytes > m_fileBytes)
+            throw Refusal("the file ends too early");
+    }
+
+    bool isSlice() const
+    {
+        std::uint32_t kind = 0;
+        TIFFGetFieldDefaulted(m_tiff, TIFFTAG_SUBFILETYPE, &kind);
+        return (kind & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) == 0;
+    }
+
+    /// Sizes of all pages together, before memory is taken for any. Refuses pages that differ.
+    void examineSlices(Volume& volume)
+    {
+        std::uint64_t held = 0;
+        do {
+            if (!isSlice())
+                continue;
+            std::uint32_t depth = 1;
+            TIFFGetField(m_tiff, TIFFTAG_IMAGEDEPTH, &depth);
+            if (depth != 1)
+                throw Refusal("a page has " + std::to_string(depth) + " slices; only pages of one are supported");
+            const Picture page = describePage();
+            if (volume.sizeZ == 0) {
+                volume.sizeX = page.sizeX;
+                volume.sizeY = page.sizeY;
+                volume.sampleType = page.sampleType;
+                readSpacing(volume);
+            } else if (page.sizeX != volume.sizeX || page.sizeY != volume.sizeY || page.sampleType != volume.sampleType) {
+                throw Refusal("page " + std::to_string(volume.sizeZ + 1) + " is " + sizeText(page.sizeX, page.sizeY) + ", "
+                              + nameOf(page.sampleType) + ", but page 1 is " + sizeText(volume.sizeX, volume.sizeY) + ", "
+                              + nameOf(volume.sampleType) + ": they are no slices of a volume");
+            }
+            ++volume.sizeZ;
+            held += checkBlocks(page, findBlocks(page));
+            // Pages in one place would be more than the file has, whatever their codec makes of them.
+            if (held > m_fileBytes && m_compression != COMPRESSION_OJPEG)
+                requireRoomFor(held, m_fileBytes, "volume of " + sizeText(volume));
+        } while (goToNextPage());
+        if (volume.sizeZ == 0)
+            throw Refusal("all pages are reduced ones or masks");
+    }
+
+    /// As TiffVolumeWriter.cpp writes it; in other files nothing tells how far pages are apart.
+    void readSpacing(Volume& volume) const
+    {
+        const char* description = nullptr;
+        float perCentimetreX = 0, perCentimetreY = 0;
+        double spacingZ = 0;
+        if (TIFFGetField(m_tiff, TIFFTAG_IMAGEDESCRIPTION, &description) != 1
+            || TIFFGetField(m_tiff, TIFFTAG_XRESOLUTION, &perCentimetreX) != 1
+            || TIFFGetField(m_tiff, TIFFTAG_YRESOLUTION, &perCentimetreY) != 1
+            || fieldOrDefault(TIFFTAG_RESOLUTIONUNIT) != RESUNIT_CENTIMETER
+            || std::sscanf(description, tiffSpacingScan, &spacingZ) != 1)
+            return;
+        volume.space.setSpacing(10 / double(perCentimetreX), 10 / double(perCentimetreY), spacingZ);
+    }
+
+    /// Sizes and kind of samples of the page that the codec is at, without the samples.
+    Picture describePage()
+    {
+        std::uint32_t sizeX = 0;
+        std::uint32_t sizeY = 0;
+        TIFFGetField(m_tiff, TIFFTAG_IMAGEWIDTH, &sizeX);
+        TIFFGetField(m_tiff, TIFFTAG_IMAGELENGTH, &sizeY);
+        readSampleLayout();
+        Picture picture;
+        picture.sizeX = sizeX;
+        picture.sizeY = sizeY;
+        picture.sampleType = m_sampleType;
+        return picture;
+    }
+
     static int keepError(TIFF*, void* message, const char*, const char* format, va_list arguments)
     {
         static_cast<CodecMessage*>(message)->keep(format, arguments);
@@ -107,12 +222,13 @@ private:
         const int bits = fieldOrDefault(TIFFTAG_BITSPERSAMPLE);
         const int format = fieldOrDefault(TIFFTAG_SAMPLEFORMAT);
         const bool isUnsigned = format == SAMPLEFORMAT_UINT || format == SAMPLEFORMAT_VOID;
-        if (isUnsigned && bits == 8) {
-            m_sampleType = SampleType::UInt8;
-        } else if (isUnsigned && bits == 16) {
-            m_sampleType = SampleType::UInt16;
-        } else if (format == SAMPLEFORMAT_INT && bits == 16) {
-            m_sampleType = SampleType::Int16;
+        const bool isSigned = format == SAMPLEFORMAT_INT;
+        if ((isUnsigned || isSigned) && bits == 8) {
+            m_sampleType = isSigned ? SampleType::Int8 : SampleType::UInt8;
+        } else if ((isUnsigned || isSigned) && bits == 16) {
+            m_sampleType = isSigned ? SampleType::Int16 : SampleType::UInt16;
+        } else if ((isUnsigned || isSigned) && bits == 32) {
+            m_sampleType = isSigned ? SampleType::Int32 : SampleType::UInt32;
         } else if (format == SAMPLEFORMAT_IEEEFP && bits == 32) {
             m_sampleType = SampleType::Real32;
         } else {
@@ -184,28 +300,30 @@ private:
     }
 
     /// Refuses blocks that cannot come out of what the file has of them, before memory is filled for any. The codec itself
-    /// believes every number, and takes blocks that the file does not name from its beginning.
-    void checkBlocks(const Picture& picture, const Blocks& blocks) const
+    /// believes every number, and takes blocks that the file does not name from its beginning. Returns the bytes that the
+    /// file has of them.
+    std::uint64_t checkBlocks(const Picture& picture, const Blocks& blocks) const
     {
         const std::uint64_t gain = mostGain(m_compression);
-        std::uint64_t total = 0;
+        std::uint64_t total = 0, held = 0;
         for (unsigned long y = 0; y < picture.sizeY; y += blocks.sizeY) {
             const std::uint64_t bytes = bytesFromRow(picture, blocks, y);
             for (unsigned long x = 0; x < picture.sizeX; x += blocks.sizeX) {
                 for (unsigned plane = 0; plane < blocks.planes; ++plane)
-                    checkBlock(blocks.isTiled, numberOfBlock(blocks, x, y, plane), bytes, gain);
+                    held += checkBlock(blocks.isTiled, numberOfBlock(blocks, x, y, plane), bytes, gain);
                 total += blocks.planes * bytes;
             }
         }
         // Blocks that lie over one another have no more bytes than the file.
         if (gain != 0)
             requireRoomFor(total / gain, m_fileBytes, picture.sizeX, picture.sizeY);
+        return held;
     }
 
-    void checkBlock(bool isTiled, std::uint32_t number, std::uint64_t bytes, std::uint64_t gain) const
+    std::uint64_t checkBlock(bool isTiled, std::uint32_t number, std::uint64_t bytes, std::uint64_t gain) const
     {
         if (m_compression == COMPRESSION_OJPEG)
-            return;  // its data may lie elsewhere
+            return 0;  // its data may lie elsewhere
         const std::uint64_t start = TIFFGetStrileOffset(m_tiff, number);
         const std::uint64_t held = TIFFGetStrileByteCount(m_tiff, number);
         const std::string name = (isTiled ? "tile " : "strip ") + std::to_string(number);
@@ -220,6 +338,7 @@ private:
             throw Refusal(name + " of " + std::to_string(held) + " bytes cannot hold the " + std::to_string(bytes)
                           + " that it should");
         }
+        return held;
     }
 
     void readBlocks(Picture& picture)
@@ -307,6 +426,11 @@ private:
 Picture readTiff(const std::string& path, std::uint64_t fileBytes)
 {
     return TiffReader(path, fileBytes).read();
+}
+
+Volume readTiffVolume(const std::string& path, std::uint64_t fileBytes)
+{
+    return TiffReader(path, fileBytes).readSlices();
 }
 
 }  // namespace orvik::examples::codec

@@ -1,7 +1,7 @@
 # Sourced by the other scripts: what the project needs from Debian, and how it is installed.
 # shellcheck shell=bash
 
-# pytest, tqdm, pkg-config and zlib are for tests alone; all others are needed to build.
+# pytest, tqdm and pkg-config are for tests alone; all others are needed to build.
 orvikPackages=(g++ cmake ninja-build libboost-dev libboost-filesystem-dev libboost-thread-dev libboost-system-dev
     liblog4cplus-dev libtbb-dev libgtest-dev libpng-dev libjpeg-dev libtiff-dev libcli11-dev zlib1g-dev
     python3 python3-dev python3-numpy python3-pytest python3-tqdm pybind11-dev pkg-config)

@@ -1,6 +1,7 @@
+#include "PictureFiles.h"
+
 #include "OutputFiles.h"
 #include "PictureCodec.h"
-#include "PictureIo.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +10,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <limits>
 #include <map>
 #include <string>
@@ -23,55 +23,19 @@
 namespace orvik::examples { namespace {
 
 namespace fs = std::filesystem;
-using Bytes = std::vector<unsigned char>;
 using Values = std::vector<double>;
 
 /// Small pictures that the tests read, or damage first: what is in them is told where they are read.
 const std::string g_pictures = ORVIK_TEST_PICTURES "/";
-
-template<typename Sample>
-Bytes bytesOf(const std::vector<Sample>& samples)
-{
-    const auto* first = reinterpret_cast<const unsigned char*>(samples.data());
-    return Bytes(first, first + samples.size() * sizeof(Sample));
-}
-
-Bytes readBytes(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(file), {});
-}
 
 Bytes bytesOfPicture(const std::string& name)
 {
     return readBytes(g_pictures + name);
 }
 
-/// Files are made in a folder of their own, one after the other under the same name, and nothing may be printed.
-class PictureIo : public testing::Test
+class PictureIo : public PictureFiles
 {
 protected:
-    PictureIo() : m_folder(fs::temp_directory_path() / ("PictureIoTest-" + std::to_string(getpid())))
-    {
-        fs::create_directory(m_folder);
-        testing::internal::CaptureStderr();
-    }
-
-    ~PictureIo() override
-    {
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "a codec printed";
-        fs::remove_all(m_folder);
-    }
-
-    std::string in(const std::string& name) const { return (m_folder / name).string(); }
-
-    std::string written(const Bytes& bytes) const
-    {
-        fs::remove(in("bytes"));  // file systems wait for the disk when a file is cut and written anew
-        std::ofstream(in("bytes"), std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-        return in("bytes");
-    }
-
     static Values valuesOf(const std::string& path)
     {
         const Picture picture = readPicture(path);
@@ -81,27 +45,10 @@ protected:
         return values;
     }
 
-    /// The text of the error that `f` gives, without the part that names the file.
-    template<class F>
-    static std::string reason(const std::string& start, F&& f)
-    {
-        try {
-            f();
-        } catch (const PictureError& error) {
-            EXPECT_EQ(std::string(error.what()).substr(0, start.size()), start);
-            return std::string(error.what()).substr(start.size());
-        }
-        return "no error";
-    }
-
     static std::string reasonOf(const std::string& path)
     {
         return reason("cannot read '" + path + "': ", [&] { readPicture(path); });
     }
-
-    std::size_t filesInFolder() const { return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()); }
-
-    fs::path m_folder;
 };
 
 TEST_F(PictureIo, WritesWhatItReads)

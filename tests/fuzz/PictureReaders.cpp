@@ -1,7 +1,7 @@
-// Any bytes as a picture: it is read, with as many samples as its size says, or refused with the reader's own error. No other
-// exception, and no memory beyond what so short a file is worth.
+// Any bytes as a picture and as a volume: it is read, with as many samples as its size says, or refused with the reader's own
+// error. No other exception, and no memory beyond what so short a file is worth.
 
-#include "PictureIo.h"
+#include "VolumeIo.h"
 
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -23,6 +23,7 @@ namespace {
 
 using orvik::examples::Picture;
 using orvik::examples::PictureError;
+using orvik::examples::Volume;
 using Bytes = std::vector<std::uint8_t>;
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -95,13 +96,24 @@ void check(const Picture& picture)
         fail("what is shown of the picture has another size");
 }
 
-void read(const Bytes& bytes)
+void check(const Volume& volume)
+{
+    const std::size_t bytes = orvik::examples::bytesPerSample(volume.sampleType), count = volume.samples.size() / bytes;
+    if (count == 0 || count / volume.sizeX / volume.sizeY != volume.sizeZ
+        || volume.samples.size() != volume.sizeX * volume.sizeY * volume.sizeZ * bytes) {
+        fail("a volume of " + orvik::examples::sizeText(volume) + " with " + std::to_string(volume.samples.size())
+             + " bytes");
+    }
+}
+
+template<class Read>
+void read(const Bytes& bytes, Read&& readFile)
 {
     static MemoryFile file;
     const long before = peakKibibytes();
     const std::string& path = file.write(bytes);
     try {
-        check(orvik::examples::readPicture(path));
+        check(readFile(path));
     } catch (const PictureError& error) {
         const std::string text = error.what(), start = "cannot read '" + path + "': ";
         if (text.size() <= start.size() || text.compare(0, start.size(), start) != 0)
@@ -111,6 +123,12 @@ void read(const Bytes& bytes)
     const long after = peakKibibytes(), most = 64 * 1024 + 24 * static_cast<long>(bytes.size());
     if (after > before && after - before > most)
         fail(std::to_string(bytes.size()) + " bytes made the memory grow by " + std::to_string(after - before) + " KiB");
+}
+
+void read(const Bytes& bytes)
+{
+    read(bytes, orvik::examples::readPicture);
+    read(bytes, orvik::examples::readVolume);
 }
 
 /// Puts the checksums of a PNG file right: without them no change of its bytes gets any further.
