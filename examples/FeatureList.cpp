@@ -61,17 +61,21 @@ void addListOptions(CLI::App& app, ListOptions& options)
     addCommonOptions(app, options.common);
 }
 
+void addList(OutputFiles& files, const std::string& path, const ListOptions& options, const FeatureList& list)
+{
+    files.addText(path, toText(list, options.format));
+}
+
 ListFiles writeList(const ListOptions& options, const std::string& what, const FeatureList& list, const Picture& picture,
                     const std::vector<unsigned char>& mask)
 {
-    const std::string text = toText(list, options.format);
     const std::vector<unsigned char> overlay = drawOverlay(picture, mask);
     makeFolder(options.folder);
     namespace fs = std::filesystem;
     const std::string start = (fs::path(options.folder) / fs::path(options.picture).stem()).string() + "-" + what;
     const ListFiles files = {start + "." + options.format, start + "-overlay.png"};
     OutputFiles output;
-    output.addText(files.list, text);
+    addList(output, files.list, options, list);
     addRgbPng(output, files.overlay, picture.sizeX, picture.sizeY, overlay.data(), 3 * static_cast<long>(picture.sizeX));
     output.putInPlace();
     return files;

@@ -25,13 +25,17 @@ struct FeatureList
     std::vector<std::vector<double>> rows;
 };
 
+/// Adds a list as csv or json among files of which all appear or none does. Numbers are written so that they read back as
+/// they were.
+void addList(OutputFiles& files, const std::string& path, const ListOptions& options, const FeatureList& list);
+
 struct ListFiles
 {
     std::string list, overlay;
 };
 
 /// Writes NAME-what.csv, or .json, and NAME-what-overlay.png, the picture in grey with the pixels of a mask in red; both
-/// files or none of them. Numbers are written so that they read back as they were.
+/// files or none of them.
 ListFiles writeList(const ListOptions& options, const std::string& what, const FeatureList& list, const Picture& picture,
                     const std::vector<unsigned char>& mask);
 

@@ -129,6 +129,19 @@ auto withSampleType(SampleType sampleType, Work&& work)
     return work(float());
 }
 
+/// How samples are shown in 8 bit: as toDisplay8() says, by all samples given.
+class GreyScale
+{
+public:
+    GreyScale(SampleType sampleType, const unsigned char* samples, std::size_t count);
+
+    unsigned char levelOf(double value) const;
+
+private:
+    bool m_isStretched;
+    double m_smallest, m_largest;
+};
+
 /// Grey of a colour, rounded to nearest.
 std::uint16_t luma16(std::uint16_t red, std::uint16_t green, std::uint16_t blue);
 

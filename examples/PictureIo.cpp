@@ -72,30 +72,44 @@ std::vector<unsigned char> toDisplay8(const Picture& picture)
     if (picture.sampleType == SampleType::UInt8)
         return picture.samples;
 
-    const auto valueOf = [&](std::size_t i) {
-        return sampleAsNumber(picture.sampleType, picture.samples.data() + i * bytes);
-    };
-    double smallest = std::numeric_limits<double>::infinity();
-    double largest = -smallest;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double value = valueOf(i);
-        if (std::isfinite(value)) {
-            smallest = std::min(smallest, value);
-            largest = std::max(largest, value);
-        }
-    }
-
+    const GreyScale scale(picture.sampleType, picture.samples.data(), count);
     std::vector<unsigned char> display(count, 0);
-    if (smallest < largest) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const double value = valueOf(i);
-            if (!std::isnan(value)) {
-                const double share = (std::clamp(value, smallest, largest) - smallest) / (largest - smallest);
-                display[i] = static_cast<unsigned char>(std::lround(255.0 * share));
-            }
-        }
-    }
+    withSampleType(picture.sampleType, [&](auto sample) {
+        for (std::size_t i = 0; i < count; ++i)
+            display[i] = scale.levelOf(loadSample<decltype(sample)>(picture.samples.data() + i * bytes));
+    });
     return display;
 }
+
+namespace codec {
+
+GreyScale::GreyScale(SampleType sampleType, const unsigned char* samples, std::size_t count)
+    : m_isStretched(sampleType != SampleType::UInt8), m_smallest(std::numeric_limits<double>::infinity()),
+      m_largest(-m_smallest)
+{
+    if (!m_isStretched)
+        return;
+    withSampleType(sampleType, [&](auto sample) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const double value = loadSample<decltype(sample)>(samples + i * sizeof sample);
+            if (std::isfinite(value)) {
+                m_smallest = std::min(m_smallest, value);
+                m_largest = std::max(m_largest, value);
+            }
+        }
+    });
+}
+
+unsigned char GreyScale::levelOf(double value) const
+{
+    if (!m_isStretched)
+        return static_cast<unsigned char>(value);
+    if (!(m_smallest < m_largest) || std::isnan(value))
+        return 0;
+    const double share = (std::clamp(value, m_smallest, m_largest) - m_smallest) / (m_largest - m_smallest);
+    return static_cast<unsigned char>(std::lround(255.0 * share));
+}
+
+}  // namespace codec
 
 }  // namespace orvik::examples

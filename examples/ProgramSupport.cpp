@@ -153,6 +153,11 @@ void addPicture(CLI::App& app, std::string& picture)
     app.add_option("PICTURE", picture, "file to read; colour is taken as grey")->required()->type_name("");
 }
 
+void addPictureOrVolume(CLI::App& app, std::string& file)
+{
+    app.add_option("FILE", file, "picture or volume to read; colour is taken as grey")->required()->type_name("");
+}
+
 void addFolder(CLI::App& app, std::string& folder)
 {
     app.add_option("-o,--output", folder, "folder to write to, made if missing (default: the current one)")

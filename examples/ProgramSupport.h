@@ -46,6 +46,7 @@ void addCommonOptions(CLI::App& app, CommonOptions& options);
 
 /// What every program reads, its first argument, and the folder that it writes to.
 void addPicture(CLI::App& app, std::string& picture);
+void addPictureOrVolume(CLI::App& app, std::string& file);
 void addFolder(CLI::App& app, std::string& folder);
 
 /// An option that takes one of these names.

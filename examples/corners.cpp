@@ -1,6 +1,5 @@
 // Lists the corners of a picture: reads a PNG, JPEG or TIFF file, writes a list of points and the picture with them.
 
-#include "PictureIo.h"
 #include "PointList.h"
 #include "ProgramSupport.h"
 
@@ -29,10 +28,10 @@ struct Options
 // Through the processor, not through the function harrisCorner2d that does the same in one call: only a processor tells
 // its progress.
 
-FoundPoints findCorners(const Picture& picture, const Options& options)
+FoundPoints findInPlanes(const imaproc::ConstImagePtr& image, const Options& options)
 {
     const auto corners = processor::createInitialised<imaproc::fd::HarrisCorner2dLvl1>();
-    corners->set<attr::InImg>(wrapPicture(picture));
+    corners->set<attr::InImg>(image);
     corners->set<attr::InLocalExtremaConfig>(attr::createLocalExtremaConfig(options.threshold, options.points.list.max));
     corners->set<attr::InOptGradStdDev>(static_cast<float>(options.sigma));
     corners->set<attr::InFeaturesDistX>(options.points.distance);
@@ -46,7 +45,7 @@ FoundPoints findCorners(const Picture& picture, const Options& options)
     if (options.measure == "harris")
         settings << ", k " << options.k;
     settings << "\nthreshold   " << options.threshold << " squared grey levels per pixel\n";
-    return {corners->getStorage<attr::OutPIPixels2d>()->getEntry(PlanIndex()), settings.str(),
+    return {toList(*corners->getStorage<attr::OutPIPixels2d>(), *image), settings.str(),
             "response " + lastKernelOf("orvik::imaproc::fd::HarrisCorner2dImgLvl3") + ", extrema "
                 + lastKernelOf("orvik::imaproc::fd::ExtractLocalExtrema2dLvl3")};
 }
@@ -61,7 +60,7 @@ int main(int argc, char** argv)
                  "corners");
     Options options;
     options.points.list.max = 500;
-    addPicture(app, options.points.list.picture);
+    addPictureOrVolume(app, options.points.list.picture);
     addNumber(app, "--sigma", options.sigma,
               "standard deviation of the gradient and of its smoothing, 0.1 to 1000 pixels (default: 1)",
               isNumberFrom(0.1, 1000), "PIXELS");
@@ -75,6 +74,7 @@ int main(int argc, char** argv)
               isNumberFrom(0), "VALUE");
     addPointOptions(app, options.points, "no pixel this near along x and y has a greater value");
     return runProgram(app, argc, argv, options.points.list.common, [&] {
-        listPoints(options.points, "corners", [&](const Picture& picture) { return findCorners(picture, options); });
+        listPoints(options.points, "corners",
+                   {[&](const imaproc::ConstImagePtr& image) { return findInPlanes(image, options); }, nullptr});
     });
 }

@@ -1,10 +1,11 @@
-// Lists the local extrema of a picture: reads a PNG, JPEG or TIFF file, writes a list of points and the picture with them.
+// Lists the local extrema of a picture or volume: reads a PNG, JPEG, TIFF or NIfTI file, writes a list of points and pictures
+// with them.
 
-#include "PictureIo.h"
 #include "PointList.h"
 #include "ProgramSupport.h"
 
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl1.h"
+#include "Processor/ExtractLocalExtrema3d/ExtractLocalExtrema3dLvl1.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
@@ -32,29 +33,50 @@ const std::map<std::string, attr::eLocalExtremumType> g_kinds = {{"maxima", attr
                                                                  {"strict-maxima", attr::eLET_StrictMaxima},
                                                                  {"strict-minima", attr::eLET_StrictMinima}};
 
-// Through the processor, not through the function extractLocalExtrema2d that does the same in one call: only a processor
-// tells its progress.
-
-FoundPoints findExtrema(const Picture& picture, const Options& options)
+Ptr<attr::LocalExtremaConfig> createConfig(const Options& options)
 {
     const attr::eLocalExtremumType kind = g_kinds.at(options.kind);
     const double all = attr::isMinima(kind) ? 3.4028235e38 : -3.4028235e38;  // no value of a picture lies beyond
-    const auto extrema = processor::createInitialised<imaproc::fd::ExtractLocalExtrema2dLvl1>();
-    extrema->set<attr::InImg>(wrapPicture(picture));
-    extrema->set<attr::InFeaturesDistX>(options.points.distance);
-    extrema->set<attr::InFeaturesDistY>(options.points.distance);
-    extrema->set<attr::InOptLocalExtremaConfig>(attr::LocalExtremaConfig::createNode(kind, options.threshold.value_or(all),
-                                                                                     options.points.list.max));
-    runToEnd(*extrema, "extrema", options.points.list.common);
+    return attr::LocalExtremaConfig::createNode(kind, options.threshold.value_or(all), options.points.list.max);
+}
 
+std::string describe(const Options& options)
+{
     std::ostringstream settings;
     settings << "kind        " << options.kind << "\nthreshold   ";
     if (options.threshold)
         settings << *options.threshold << " grey levels\n";
     else
         settings << "none\n";
-    return {extrema->getStorage<attr::OutPIPixels2d>()->getEntry(PlanIndex()), settings.str(),
+    return settings.str();
+}
+
+// Through the processors, not through the functions extractLocalExtrema2d and extractLocalExtrema3d that do the same in one
+// call: only a processor tells its progress.
+
+FoundPoints findInPlanes(const imaproc::ConstImagePtr& image, const Options& options)
+{
+    const auto extrema = processor::createInitialised<imaproc::fd::ExtractLocalExtrema2dLvl1>();
+    extrema->set<attr::InImg>(image);
+    extrema->set<attr::InFeaturesDistX>(options.points.distance);
+    extrema->set<attr::InFeaturesDistY>(options.points.distance);
+    extrema->set<attr::InOptLocalExtremaConfig>(createConfig(options));
+    runToEnd(*extrema, "extrema", options.points.list.common);
+    return {toList(*extrema->getStorage<attr::OutPIPixels2d>(), *image), describe(options),
             "extrema " + lastKernelOf("orvik::imaproc::fd::ExtractLocalExtrema2dLvl3")};
+}
+
+FoundPoints findInVolume(const imaproc::ConstImagePtr& image, const Options& options)
+{
+    const auto extrema = processor::createInitialised<imaproc::fd::ExtractLocalExtrema3dLvl1>();
+    extrema->set<attr::InImg3d>(image);
+    extrema->set<attr::InFeaturesDistX>(options.points.distance);
+    extrema->set<attr::InFeaturesDistY>(options.points.distance);
+    extrema->set<attr::InFeaturesDistZ>(options.points.getDistanceZ());
+    extrema->set<attr::InOptLocalExtremaConfig>(createConfig(options));
+    runToEnd(*extrema, "extrema", options.points.list.common);
+    return {toList(*extrema->getStorage<attr::OutPIVoxels3d>()->getEntry(PlanIndex())), describe(options),
+            "extrema " + lastKernelOf("orvik::imaproc::fd::ExtractLocalExtrema3dLvl3")};
 }
 
 }  // namespace
@@ -62,13 +84,14 @@ FoundPoints findExtrema(const Picture& picture, const Options& options)
 // NOLINTNEXTLINE(bugprone-exception-escape): what runProgram does not catch is a lack of memory for the options
 int main(int argc, char** argv)
 {
-    CLI::App app("Lists the local extrema of a PNG, JPEG or TIFF picture, the most extreme ones first. Writes\n"
-                 "NAME-extrema.csv, a line of x, y and value for each, and NAME-extrema-overlay.png, the picture in grey\n"
-                 "with red crosses.",
+    CLI::App app("Lists the local extrema of a PNG, JPEG or TIFF picture, or of a volume in a NIfTI file or the pages of a\n"
+                 "TIFF file, the most extreme ones first. Writes NAME-extrema.csv, a line of x, y (z) and value for each,\n"
+                 "and NAME-extrema-overlay.png, the picture in grey with red crosses; of a volume NAME-extrema-slices.png,\n"
+                 "three planes through its middle, and NAME-extrema-projections.png, the brightest voxels along each axis.",
                  "extrema");
     Options options;
     options.points.list.max = 1000;
-    addPicture(app, options.points.list.picture);
+    addPictureOrVolume(app, options.points.list.picture);
     addChoice(app, "--kind", options.kind, "maxima, minima, strict-maxima or strict-minima (default: maxima)",
               {"maxima", "minima", "strict-maxima", "strict-minima"});
     addNumber(app, "--threshold", options.threshold,
@@ -76,6 +99,8 @@ int main(int argc, char** argv)
               isNumberFrom(-std::numeric_limits<double>::max()), "LEVELS");
     addPointOptions(app, options.points, "no pixel this near along x and y is more extreme");
     return runProgram(app, argc, argv, options.points.list.common, [&] {
-        listPoints(options.points, "extrema", [&](const Picture& picture) { return findExtrema(picture, options); });
+        listPoints(options.points, "extrema",
+                   {[&](const imaproc::ConstImagePtr& image) { return findInPlanes(image, options); },
+                    [&](const imaproc::ConstImagePtr& image) { return findInVolume(image, options); }});
     });
 }

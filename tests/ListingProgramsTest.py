@@ -5,10 +5,11 @@ import csv
 import json
 import math
 import os
+import struct
 import sys
 import unittest
 
-from programs import ProgramTestCase, read_png, write_png
+from programs import ProgramTestCase, read_png, write_nifti, write_png
 
 
 def read_csv(path, names):
@@ -78,6 +79,52 @@ class ExtremaProgramTest(PointProgram, ProgramTestCase):
         self.assertEqual([(1, 1, 90)], self.list_of("--distance", "4"))
         self.assertEqual([(1, 1, 90)], self.list_of("--distance", "1", "--kind", "strict-maxima"))
         self.assertEqual([(3, 2, 5)], self.list_of("--distance", "2", "--kind", "minima", "--threshold", "8"))
+
+
+    def voxels_of(self, *options):
+        """What is listed of six slices of ten columns and eight lines."""
+        peaks = {(2, 2, 1): 90, (3, 2, 3): 80, (7, 6, 5): 70, (7, 6, 4): 60}
+        slices = [[[peaks.get((x, y, z), 10) for x in range(10)] for y in range(8)] for z in range(6)]
+        write_nifti(self.path("peaks.nii.gz"), slices, (0.5, 0.5, 2))
+        self.report = self.succeed("peaks.nii.gz", "--threshold", "50", *options)
+        return read_csv(self.path("peaks-extrema.csv"), ["x", "y", "z", "value"])
+
+    def test_lists_voxels_of_a_volume(self):
+        self.assertEqual([(2, 2, 1, 90), (7, 6, 5, 70)], self.voxels_of("--distance", "2"))
+        for told in ("peaks.nii.gz, 10 x 8 x 6, 8 bit unsigned\nvoxel       0.5 x 0.5 x 2 mm\n", "2 x 2 x 2 voxels", "2 listed, at most"):
+            self.assertIn(told, self.report)
+        self.assertEqual([(2, 2, 1, 90), (3, 2, 3, 80), (7, 6, 5, 70)],
+                         self.voxels_of("--distance", "2", "--distance-z", "1"))
+        # Side by side, with z upwards where it is seen.
+        shown = read_png(self.path("peaks-extrema-projections.png"))
+        self.assertEqual((8, 10 + 4 + 10 + 4 + 8), (len(shown), len(shown[0])))
+        for x, y, z in ((2, 2, 1), (3, 2, 3), (7, 6, 5)):
+            for column, row in ((x, y), (14 + x, 5 - z), (28 + y, 5 - z)):
+                self.assertEqual((255, 0, 0), shown[row][column])
+        cuts = read_png(self.path("peaks-extrema-slices.png"))  # at x 5, y 4, z 3
+        crosses = {(x, 2) for x in range(7)} | {(3, y) for y in range(6)} | {(2, 2), (7, 6)}
+        self.assertEqual(crosses, {(x, y) for x in range(10) for y in range(8) if cuts[y][x] == (255, 0, 0)})
+        self.assertEqual((10, 10, 10), cuts[0][0])
+        self.assertEqual((0, 0, 0), cuts[0][10])
+
+    def test_takes_slices_for_pictures_when_told(self):
+        self.assertEqual([(2, 2, 1, 90), (3, 2, 3, 80), (7, 6, 4, 60), (7, 6, 5, 70)],
+                         self.voxels_of("--distance", "2", "--slice-by-slice", "--max", "1"))
+        self.assertIn("4 listed, at most 1 per slice\n", self.report)
+        self.refuse(2, ["--distance-z"], "peaks.nii.gz", "--slice-by-slice", "--distance-z", "1")
+        self.refuse(2, ["--distance-z"], "discs.v1.png", "--distance-z", "1")
+
+    def test_reads_raw_samples(self):
+        with open(self.path("raw.bin"), "wb") as file:
+            file.write(struct.pack(">24h", *(300 if i == 17 else i for i in range(24))))
+        options = ("raw.bin", "--raw-type", "int16", "--raw-big-endian", "--raw-size")
+        self.succeed(*options, "4x3x2", "--max", "1")
+        self.assertEqual([(1, 1, 1, 300)], read_csv(self.path("raw-extrema.csv"), ["x", "y", "z", "value"]))
+        self.refuse(1, ["'raw.bin'", "4 x 3 x 3", "72 bytes", "has 48"], *options, "4x3x3")
+        for size in ("4x3", "4x3x0", "4x3x2x1", "-4x3x2", "4X3X2", "x", "9999999999x1x1"):
+            self.refuse(2, ["--raw-size", size], "raw.bin", "--raw-size=" + size)
+        self.refuse(2, ["--raw-type"], "raw.bin", "--raw-type", "int16")
+        self.refuse(2, ["--raw-type", "int64"], "raw.bin", "--raw-size", "4x3x2", "--raw-type", "int64")
 
 
 class CornersProgramTest(PointProgram, ProgramTestCase):

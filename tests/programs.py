@@ -1,5 +1,6 @@
-"""What the tests of the example programs share: pictures, running a program, what a refusal looks like."""
+"""What the tests of the example programs share: pictures and volumes, running a program, what a refusal looks like."""
 
+import gzip
 import os
 import random
 import struct
@@ -46,6 +47,31 @@ def read_png(path):
         rows.append([tuple(line[i:i + 3]) for i in range(0, len(line), 3)] if colour else list(line))
         above = line
     return rows
+
+
+def write_nifti(path, slices, spacing=(1, 1, 1)):
+    """Slices of rows of numbers from 0 to 255."""
+    sizes = (len(slices[0][0]), len(slices[0]), len(slices))
+    header = bytearray(352)
+    struct.pack_into("<i", header, 0, 348)
+    struct.pack_into("<8h", header, 40, 3, *sizes, 1, 1, 1, 1)
+    struct.pack_into("<2h", header, 70, 2, 8)  # unsigned bytes
+    struct.pack_into("<5f", header, 76, 1, *spacing, 0)
+    struct.pack_into("<3f", header, 108, 352, 1, 0)
+    header[123] = 2  # millimetres
+    header[344:348] = b"n+1\0"
+    with (gzip.open if path.endswith(".gz") else open)(path, "wb") as file:
+        file.write(bytes(header) + bytes(value for rows in slices for row in rows for value in row))
+
+
+def read_nifti(path):
+    """Slices of rows of a file of unsigned bytes, and its header."""
+    with (gzip.open if path.endswith(".gz") else open)(path, "rb") as file:
+        data = file.read()
+    width, height, depth, kind = *struct.unpack("<3h", data[42:48]), struct.unpack("<h", data[70:72])[0]
+    assert kind == 2 and len(data) == 352 + width * height * depth, (kind, len(data))
+    rows = [list(data[at:at + width]) for at in range(352, len(data), width)]
+    return [rows[at:at + height] for at in range(0, len(rows), height)], data[:352]
 
 
 def textured(width, height):
