@@ -6,7 +6,6 @@
 
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl3.h"
-#include "siblings/Filtering/SeparableFilter.h"
 
 namespace orvik::test { namespace {
 
@@ -135,52 +134,6 @@ TEST(GaussianGradient, RefusesWhatMakesNoKernelAndImagesThatDoNotGoTogether)
                        {"gaussianGradient2dImg failed: outX and outY are both null", to(in, ImagePtr(), ImagePtr())},
                    });
     EXPECT_NO_THROW(with(1, 1048576, 1)()) << "the largest half-size";
-}
-
-TEST(SeparableFilter, CombinesTheSlicesOfVolumesByTheFormula)
-{
-    typedef imaproc::LineZStrip3dWithKernelParser<short, imaproc::BaseInputZStrip3dWithKernelAttribute> Parser;
-    const unsigned long sizeX = 70, sizeY = 3, sizeZ = 21, aligned = 128, halfSizeX = 2;
-    const double stdDev = 1.3, coverage = 4.0, tolerance = 1e-13 * 32768;
-    const ImagePtr volume = randomImage(image::eIBT_Int16, {sizeX, sizeY, sizeZ}, 9);
-    const GaussianWeights weights = makeGaussianWeights(stdDev, coverage, sizeZ);
-    image::TypedOwnBuffer tile;
-    tile.init(kBlock * (2 * weights.halfSize() + g_nbLinesAtOnce), eDT_Real64);
-    CombinedLines combined[2];       // smoothed, differentiated
-    std::vector<Plane> expected[2];  // of x and z, by y
-    for (const int derivative : {0, 1}) {
-        combined[derivative].init(eDT_Real64, aligned, sizeY, halfSizeX);
-        for (unsigned long y = 0; y < sizeY; ++y) {
-            Plane plane = {static_cast<long>(sizeX), static_cast<long>(sizeZ), {}};
-            forEachSample({sizeX, 1, sizeZ},
-                          [&](auto x, auto, auto z, auto...) { plane.samples.push_back(sampleAt(*volume, x, y, z)); });
-            expected[derivative].push_back(filtered(plane, false, derivative == 1, stdDev, coverage));
-        }
-    }
-    for (const auto& [start, count] : {std::pair<unsigned long, unsigned long>{0, sizeZ}, {2, 17}, {20, 1}}) {
-        const auto strip = boost::make_shared<image::InputImageZStrip3dWithKernel>(
-            volume, PlanIndex(), start, count, makeGaussianMargins(image::eSA_Z, stdDev, coverage, *volume));
-        ASSERT_TRUE(checkGaussianMargins(*strip, weights.halfSize()).getValue());
-        Parser parser;
-        parser.init(strip);
-        parser.setBorder3dPolicy(image::nearestBorder3d());
-        parser.start(kBlock);
-        for (unsigned long line = 0; line < parser.getNbLines(); ++line) {
-            parser.beginLine(line);
-            combineElements(*strip, processor::ProcessingInfo{aligned, sizeX, 0, line, 0}, weights, halfSizeX,
-                            static_cast<double*>(tile.getDataPtr()),
-                            [&](unsigned long slice, unsigned long row, unsigned long x, double* to, unsigned long) {
-                                widenBlock(to, parser.accessBuffer(slice, row) + x);
-                            },
-                            {{&combined[0], &combined[1]}});
-            const long z = static_cast<long>(start + line / sizeY);
-            for (long x = -static_cast<long>(halfSizeX); x < static_cast<long>(sizeX + halfSizeX); ++x)
-                for (const int derivative : {0, 1})
-                    ASSERT_NEAR(expected[derivative][line % sizeY].at(x, z),
-                                combined[derivative].getOfStrip<double>(line)[x], tolerance)
-                        << x << ", " << line << ", derivative " << derivative;
-        }
-    }
 }
 
 }  // namespace

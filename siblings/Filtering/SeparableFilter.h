@@ -101,20 +101,20 @@ void narrowBlock(Sample* __restrict to, const Sum* __restrict from)
     }
 }
 
-/// What the pass across elements makes of one value per sample; null where it is not wanted.
+/// What the pass across lines makes of one value per sample; null where it is not wanted.
 struct Combination
 {
     const CombinedLines *smooth, *derivative;
 };
 
-/// Blocks of that many elements, which lie `distance` apart, as do those before and after that the kernel reads: the sums.
+/// Blocks of that many lines, or slices, which lie `distance` apart, as do those before and after that the kernel reads: the
+/// sums, from line `line` on.
 template<class Sum>
-void filterElements(const Sum* first, unsigned long distance, unsigned long nbElements,
-                    const TypedGaussianWeights<Sum>& weights, unsigned long line, unsigned long nbRows, unsigned long x,
-                    const Combination& to)
+void filterBlocks(const Sum* first, unsigned long distance, unsigned long nbBlocks, const TypedGaussianWeights<Sum>& weights,
+                  unsigned long line, unsigned long x, const Combination& to)
 {
     Sum* const none = nullptr;
-    for (unsigned long i = 0; i < nbElements; ++i, line += nbRows) {
+    for (unsigned long i = 0; i < nbBlocks; ++i, ++line) {
         const Sum* const centre = first + i * distance;
         if (to.smooth && to.derivative)
             filterBlock<true, true>(centre, distance, weights, to.smooth->get<Sum>(line) + x,
@@ -126,35 +126,37 @@ void filterElements(const Sum* first, unsigned long distance, unsigned long nbEl
     }
 }
 
-/// A column of blocks, one per element that the pass reads, which lie a block apart: the sums of those elements that go
+/// A column of blocks, one per line, or slice, that the pass reads, which lie a block apart: the sums of those that go
 /// together, the first of them where the kernel's half-size ends.
 template<class Sum>
-void filterTile(const Sum* tile, unsigned long nbElements, const TypedGaussianWeights<Sum>& weights, unsigned long line,
-                unsigned long nbRows, unsigned long x, const Combination& to)
+void filterTile(const Sum* tile, unsigned long nbBlocks, const TypedGaussianWeights<Sum>& weights, unsigned long line,
+                unsigned long x, const Combination& to)
 {
-    filterElements(tile + weights.halfSize() * kBlock, kBlock, nbElements, weights, line, nbRows, x, to);
+    filterBlocks(tile + weights.halfSize() * kBlock, kBlock, nbBlocks, weights, line, x, to);
 }
 
-/// The pass along a line, with the one rounding to the samples of the result.
+/// The last pass of a line, with the one rounding to the samples of the result: along it, or, where `stride` tells how far
+/// lines are apart, across.
 template<bool Differentiate, class Sum, class Sample>
-void filterLine(const Sum* line, unsigned long n, const TypedGaussianWeights<Sum>& weights, void* result)
+void filterLine(const Sum* line, unsigned long stride, unsigned long n, const TypedGaussianWeights<Sum>& weights,
+                void* result)
 {
     Sample* const to = static_cast<Sample*>(result);
     for (unsigned long x = 0; x < n; x += kBlock) {
         if constexpr (std::is_same<Sample, float>::value) {
-            filterBlock<!Differentiate, Differentiate>(line + x, 1, weights, to + x, to + x);
+            filterBlock<!Differentiate, Differentiate>(line + x, stride, weights, to + x, to + x);
         } else {
             alignas(64) Sum block[kBlock];
-            filterBlock<!Differentiate, Differentiate>(line + x, 1, weights, block, block);
+            filterBlock<!Differentiate, Differentiate>(line + x, stride, weights, block, block);
             narrowBlock(to + x, block);
         }
     }
 }
 
 template<class Sum>
-using LineFilter = void (*)(const Sum*, unsigned long, const TypedGaussianWeights<Sum>&, void*);
+using LineFilter = void (*)(const Sum*, unsigned long, unsigned long, const TypedGaussianWeights<Sum>&, void*);
 
-/// The pass along lines for a type of result; null for no type.
+/// The last pass for a type of result; null for no type.
 template<bool Differentiate, class Sum>
 LineFilter<Sum> lineFilterFor(image::eImageBufferType type)
 {
@@ -167,43 +169,40 @@ LineFilter<Sum> lineFilterFor(image::eImageBufferType type)
     return filter;
 }
 
-/// Repeats the first and the last of `sizeX` values of the first lines, as far as the pass along them reads.
+/// Repeats the first and the last of the line's values in the first lines, as far as the pass along them reads.
 template<class Sum>
-void extendLines(const CombinedLines& lines, unsigned long nbLines, unsigned long sizeX, unsigned long alignedSizeX,
+void extendLines(const Combination& combination, unsigned long nbLines, const processor::ProcessingInfo& info,
                  unsigned long halfSize)
 {
-    for (unsigned long i = 0; i < nbLines; ++i) {
-        Sum* const line = lines.get<Sum>(i);
-        std::fill(line - halfSize, line, line[0]);
-        std::fill(line + sizeX, line + alignedSizeX + halfSize, line[sizeX - 1]);
-    }
+    for (const CombinedLines* const lines : {combination.smooth, combination.derivative})
+        for (unsigned long i = 0; lines && i < nbLines; ++i) {
+            Sum* const line = lines->get<Sum>(i);
+            std::fill(line - halfSize, line, line[0]);
+            std::fill(line + info.nbData, line + info.nbAlignedData + halfSize, line[info.nbData - 1]);
+        }
 }
 
-/// The pass across the elements of a strip, at its lines that begin elements which go together, of which it combines all
-/// lines; nothing at other lines. `fill(element, row, x, to, distance)` makes a block of each value that is combined, from
-/// column x of a line of the parser's window, at `to` and each `distance` further; `tile` has room for these blocks of all
-/// elements of a window. `halfSizeX` is that of the pass along lines which follows.
-template<class Sum, unsigned long N, class Fill>
-void combineElements(const image::BaseImageFragment& strip, const processor::ProcessingInfo& info,
-                     const TypedGaussianWeights<Sum>& weights, unsigned long halfSizeX, Sum* tile, const Fill& fill,
-                     const Combination (&combinations)[N])
+/// The pass across lines, at line `y` of `sizeY` of a strip or slice: where it begins those that go together, these are
+/// combined, and otherwise nothing is done. `fill(line, x, to, distance)` makes a block of each of N values that are combined,
+/// from column x of a line of the kernel, at `to` and each `distance` further; `tile` has room for these blocks of all lines
+/// that are read. `halfSizeX` is that of the pass along lines which follows.
+template<class Sum, class Fill>
+void combineLines(unsigned long y, unsigned long sizeY, const processor::ProcessingInfo& info,
+                  const TypedGaussianWeights<Sum>& weights, unsigned long halfSizeX, Sum* tile, const Fill& fill,
+                  const Combination* combinations, unsigned long nbCombinations)
 {
-    const unsigned long nbRows = strip.getNbLinesOfElement();
-    if (info.lineIndex % (g_nbLinesAtOnce * nbRows) != 0)
+    if (y % g_nbLinesAtOnce != 0)
         return;
-    const unsigned long nbElements = std::min(g_nbLinesAtOnce, strip.getNbElements() - info.lineIndex / nbRows);
-    const unsigned long nbRead = nbElements + 2 * weights.halfSize(), distance = nbRead * kBlock;
-    for (unsigned long row = 0; row < nbRows; ++row)
-        for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
-            for (unsigned long element = 0; element < nbRead; ++element)
-                fill(element, row, x, tile + element * kBlock, distance);
-            for (unsigned long i = 0; i < N; ++i)
-                filterTile(tile + i * distance, nbElements, weights, row, nbRows, x, combinations[i]);
-        }
-    for (const Combination& to : combinations)
-        for (const CombinedLines* const lines : {to.smooth, to.derivative})
-            if (lines)
-                extendLines<Sum>(*lines, nbElements * nbRows, info.nbData, info.nbAlignedData, halfSizeX);
+    const unsigned long nbLines = std::min(g_nbLinesAtOnce, sizeY - y);
+    const unsigned long nbRead = nbLines + 2 * weights.halfSize(), distance = nbRead * kBlock;
+    for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
+        for (unsigned long line = 0; line < nbRead; ++line)
+            fill(line, x, tile + line * kBlock, distance);
+        for (unsigned long i = 0; i < nbCombinations; ++i)
+            filterTile(tile + i * distance, nbLines, weights, 0, x, combinations[i]);
+    }
+    for (unsigned long i = 0; i < nbCombinations; ++i)
+        extendLines<Sum>(combinations[i], nbLines, info, halfSizeX);
 }
 
 }  // namespace

@@ -5,28 +5,25 @@
 
 namespace orvik { namespace imaproc { namespace filter {
 
-/// Elements of a strip, lines or slices, that go through the pass across elements together: what they share is made once.
+/// Lines that go through the pass across lines together: what they share is made once.
 constexpr unsigned long g_nbLinesAtOnce = 8;
 /// Strips of fewer lines spend too much on the lines of their margins.
 constexpr unsigned long g_minStripLines = 4 * g_nbLinesAtOnce;
 
-/// Margins of strips along `axis` of an image for a Gaussian kernel across their elements: its half-size, and behind, for
-/// the elements that go together, g_nbLinesAtOnce - 1 more. Elements farther than the image is large are all the same one;
-/// its kernel is folded there.
-image::StripMargins makeGaussianMargins(image::eStripAxis axis, double stdDev, double coverage,
-                                        const image::BaseImage& image);
+/// Margins of strips of a plane for a Gaussian kernel across their lines: its half-size, and behind, for the lines that go
+/// together, g_nbLinesAtOnce - 1 more. Lines farther than the plane is high are all the same one; its kernel is folded there.
+image::StripMargins makeGaussianMargins(double stdDev, double coverage, const image::BaseImage& plane);
 
-/// False, with the half-size, for a strip whose margins along its axis are not those of a kernel of that half-size.
+/// False, with the half-size, for a strip whose margins are not those of a kernel of that half-size.
 BoolResult checkGaussianMargins(const image::BaseImageFragment& strip, unsigned long halfSize);
 
-/// Sums of the pass across elements, g_nbLinesAtOnce elements of them, with the margins of the pass along lines.
+/// Sums of the pass across lines or slices, g_nbLinesAtOnce lines of them, with the margins of the pass along lines.
 class CombinedLines
 {
 public:
-    /// For elements of `nbRows` lines of `sizeX` values, a whole number of blocks, and a kernel of `halfSize` along them.
-    void init(eDataType type, unsigned long sizeX, unsigned long nbRows, unsigned long halfSize,
-              unsigned long nbElements = g_nbLinesAtOnce);
-    /// Value 0 of a line of these elements; lies as aligned vectors do.
+    /// For lines of `sizeX` values, a whole number of blocks, and a kernel of `halfSize` along them.
+    void init(eDataType type, unsigned long sizeX, unsigned long halfSize, unsigned long nbLines = g_nbLinesAtOnce);
+    /// Value 0 of a line; lies as aligned vectors do.
     template<class Sum>
     Sum* get(unsigned long line) const
     {

@@ -45,17 +45,15 @@ BoolResult GaussianGradient2dImgLvl3::genericProcessFunction(const processor::Pr
     if (!strip)
         return wrongSampleType();
     const auto& in = *strip->in;
-    const Combination combined[] = {{strip->outX ? &m_smooth : nullptr, strip->outY ? &m_derivative : nullptr}};
-    combineElements(
-        in.getStrip(), info, m_y, m_x.halfSize(), static_cast<double*>(m_tile.getDataPtr()),
-        [&](unsigned long line, unsigned long, unsigned long x, double* to, unsigned long) {
-            widenBlock(to, in.accessBuffer(line) + x);
-        },
-        combined);
+    const Combination combined = {strip->outX ? &m_smooth : nullptr, strip->outY ? &m_derivative : nullptr};
+    combineLines(
+        info.lineIndex, in.getStrip().getNbLines(), info, m_y, m_x.halfSize(), static_cast<double*>(m_tile.getDataPtr()),
+        [&](unsigned long line, unsigned long x, double* to, unsigned long) { widenBlock(to, in.accessBuffer(line) + x); },
+        &combined, 1);
     if (strip->outX)
-        strip->writeX(m_smooth.getOfStrip<double>(info.lineIndex), info.nbAlignedData, m_x, strip->outX->accessSamples());
+        strip->writeX(m_smooth.getOfStrip<double>(info.lineIndex), 1, info.nbAlignedData, m_x, strip->outX->accessSamples());
     if (strip->outY)
-        strip->writeY(m_derivative.getOfStrip<double>(info.lineIndex), info.nbAlignedData, m_x,
+        strip->writeY(m_derivative.getOfStrip<double>(info.lineIndex), 1, info.nbAlignedData, m_x,
                       strip->outY->accessSamples());
     return success();
 }

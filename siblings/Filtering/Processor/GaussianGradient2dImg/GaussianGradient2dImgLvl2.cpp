@@ -27,9 +27,8 @@ processor::RulePtr GaussianGradient2dImgLvl2::createRule() const
 processor::RetrievalResult GaussianGradient2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
                                                                        processor::ProviderPtr& provider)
 {
-    const image::StripMargins margins = makeGaussianMargins(image::eSA_Y, value<InStdDevY>(),
-                                                            value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(),
-                                                            *value<InSubImg2d>());
+    const image::StripMargins margins = makeGaussianMargins(
+        value<InStdDevY>(), value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(), *value<InSubImg2d>());
     return dispatch<GaussianGradient2dImgLvl3>(priority, provider,
                                                stripsWithMargins<InKnlYStrip2d>(value<InSubImg2d>(), margins),
                                                same(attribute<InStdDevX>()), same(attribute<InStdDevY>()),

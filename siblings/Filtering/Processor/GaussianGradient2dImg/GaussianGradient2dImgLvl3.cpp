@@ -32,9 +32,9 @@ processor::StageResult GaussianGradient2dImgLvl3::preProcess()
     const unsigned long sizeX = processor::alignedCount(strip.getSizeX(), getRunGranularity());
     m_tile.init(kBlock * (2 * m_y.halfSize() + g_nbLinesAtOnce), eDT_Real64);
     if (value<OutOptGradXYStrip2d>())
-        m_smooth.init(eDT_Real64, sizeX, strip.getNbLinesOfElement(), m_x.halfSize());
+        m_smooth.init(eDT_Real64, sizeX, m_x.halfSize());
     if (value<OutOptGradYYStrip2d>())
-        m_derivative.init(eDT_Real64, sizeX, strip.getNbLinesOfElement(), m_x.halfSize());
+        m_derivative.init(eDT_Real64, sizeX, m_x.halfSize());
     return processor::eSRT_Done;
 }
 

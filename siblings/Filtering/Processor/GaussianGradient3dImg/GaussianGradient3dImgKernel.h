@@ -63,35 +63,34 @@ struct VolumeStrip
                 for (unsigned long k = 0; k <= 2 * halfSize; ++k)
                     widenPart(tile + k * kBlock, static_cast<const Sample*>(buffers.lines[k]) + x, nbLeft,
                               slices.hasSlack());
-                filterTile(tile, 1, buffers.z, row, 1, x, to);
+                filterTile(tile, 1, buffers.z, row, x, to);
             }
         }
     }
 
     /// The pass across the lines of a slice, of as many as go together from `y` on.
-    void combineLines(const CombinedLines& from, unsigned long y, const processor::ProcessingInfo& info,
+    void combineSlice(const CombinedLines& from, unsigned long y, const processor::ProcessingInfo& info,
                       const Combination& to) const
     {
         if (!to.smooth && !to.derivative)
             return;
         double* const tile = static_cast<double*>(buffers.tile.getDataPtr());
         const unsigned long halfSize = buffers.y.halfSize(), nbLines = std::min(g_nbLinesAtOnce, slices.getSizeY() - y);
-        const bool isInside = y >= halfSize && y + nbLines + halfSize <= slices.getSizeY();
-        for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock) {
-            if (isInside) {
-                const auto distance = static_cast<unsigned long>(from.get<double>(1) - from.get<double>(0));
-                filterElements(from.get<double>(y) + x, distance, nbLines, buffers.y, 0, 1, x, to);
-                continue;
-            }
-            for (unsigned long k = 0; k < nbLines + 2 * halfSize; ++k) {
-                const double* const line = from.get<double>(nearestElement(y + k, halfSize, slices.getSizeY()));
-                std::copy_n(line + x, kBlock, tile + k * kBlock);
-            }
-            filterTile(tile, nbLines, buffers.y, 0, 1, x, to);
+        if (y < halfSize || y + nbLines + halfSize > slices.getSizeY()) {
+            combineLines(
+                y, slices.getSizeY(), info, buffers.y, buffers.x.halfSize(), tile,
+                [&](unsigned long k, unsigned long x, double* block, unsigned long) {
+                    const double* const line = from.get<double>(nearestElement(y + k, halfSize, slices.getSizeY()));
+                    std::copy_n(line + x, kBlock, block);
+                },
+                &to, 1);
+            return;
         }
-        for (const CombinedLines* const lines : {to.smooth, to.derivative})
-            if (lines)
-                extendLines<double>(*lines, nbLines, info.nbData, info.nbAlignedData, buffers.x.halfSize());
+        // The lines lie as they are read.
+        const auto distance = static_cast<unsigned long>(from.get<double>(1) - from.get<double>(0));
+        for (unsigned long x = 0; x < info.nbAlignedData; x += kBlock)
+            filterBlocks(from.get<double>(y) + x, distance, nbLines, buffers.y, 0, x, to);
+        extendLines<double>(to, nbLines, info, buffers.x.halfSize());
     }
 };
 
@@ -118,17 +117,17 @@ BoolResult GaussianGradient3dImgLvl3::genericProcessFunction(const processor::Pr
     if (y == 0)
         strip->combineSlices(strip->slices.getStripStartOffsetZ() + info.lineIndex / sizeY, n);
     if (y % g_nbLinesAtOnce == 0) {
-        strip->combineLines(m_buffers.smoothed, y, info,
+        strip->combineSlice(m_buffers.smoothed, y, info,
                             {strip->outX ? &m_buffers.ofX : nullptr, strip->outY ? &m_buffers.ofY : nullptr});
-        strip->combineLines(m_buffers.derived, y, info, {strip->outZ ? &m_buffers.ofZ : nullptr, nullptr});
+        strip->combineSlice(m_buffers.derived, y, info, {strip->outZ ? &m_buffers.ofZ : nullptr, nullptr});
     }
     const unsigned long line = y % g_nbLinesAtOnce;
     if (strip->outX)
-        strip->writeX(m_buffers.ofX.template get<double>(line), n, m_buffers.x, strip->outX->accessSamples());
+        strip->writeX(m_buffers.ofX.template get<double>(line), 1, n, m_buffers.x, strip->outX->accessSamples());
     if (strip->outY)
-        strip->writeY(m_buffers.ofY.template get<double>(line), n, m_buffers.x, strip->outY->accessSamples());
+        strip->writeY(m_buffers.ofY.template get<double>(line), 1, n, m_buffers.x, strip->outY->accessSamples());
     if (strip->outZ)
-        strip->writeZ(m_buffers.ofZ.template get<double>(line), n, m_buffers.x, strip->outZ->accessSamples());
+        strip->writeZ(m_buffers.ofZ.template get<double>(line), 1, n, m_buffers.x, strip->outZ->accessSamples());
     return success();
 }
 

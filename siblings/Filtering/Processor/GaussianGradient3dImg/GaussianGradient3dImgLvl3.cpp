@@ -35,7 +35,7 @@ processor::StageResult GaussianGradient3dImgLvl3::preProcess()
                       eDT_Real64);
     const auto initIf = [&](bool isWanted, CombinedLines& lines, unsigned long nbLines, unsigned long halfSize) {
         if (isWanted)
-            lines.init(eDT_Real64, sizeX, 1, halfSize, nbLines);
+            lines.init(eDT_Real64, sizeX, halfSize, nbLines);
     };
     const bool hasX = value<OutOptGradXZStrip3d>() != nullptr, hasY = value<OutOptGradYZStrip3d>() != nullptr,
                hasZ = value<OutOptGradZZStrip3d>() != nullptr;

@@ -68,15 +68,16 @@ BoolResult StructureTensor2dImgLvl3::genericProcessFunction(const processor::Pro
     const TensorKernels<Sum>& weights = kernels<Sum>();
     const Combination products[] = {{&m_combined[0], nullptr}, {&m_combined[1], nullptr}, {&m_combined[2], nullptr}};
     alignas(64) Sum roomX[kBlock], roomY[kBlock];
-    combineElements(
-        gx.getStrip(), info, weights.y, weights.x.halfSize(), static_cast<Sum*>(m_tile.getDataPtr()),
-        [&](unsigned long line, unsigned long, unsigned long x, Sum* to, unsigned long distance) {
+    combineLines(
+        info.lineIndex, gx.getStrip().getNbLines(), info, weights.y, weights.x.halfSize(),
+        static_cast<Sum*>(m_tile.getDataPtr()),
+        [&](unsigned long line, unsigned long x, Sum* to, unsigned long distance) {
             multiplyBlock(widened(gx.accessBuffer(line) + x, roomX), widened(gy.accessBuffer(line) + x, roomY), to,
                           to + distance, to + 2 * distance);
         },
-        products);
+        products, 3);
     for (unsigned long p = 0; p < 3; ++p)
-        strip->write[p](m_combined[p].getOfStrip<Sum>(info.lineIndex), info.nbAlignedData, weights.x,
+        strip->write[p](m_combined[p].getOfStrip<Sum>(info.lineIndex), 1, info.nbAlignedData, weights.x,
                         strip->out[p]->accessSamples());
     return success();
 }

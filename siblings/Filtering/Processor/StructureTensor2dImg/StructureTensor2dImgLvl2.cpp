@@ -30,7 +30,7 @@ processor::RulePtr StructureTensor2dImgLvl2::createRule() const
 processor::RetrievalResult StructureTensor2dImgLvl2::retrieveProvider(const core::BasePriority& priority,
                                                                       processor::ProviderPtr& provider)
 {
-    const image::StripMargins margins = makeGaussianMargins(image::eSA_Y, static_cast<double>(value<InSmoothingStdDev>()),
+    const image::StripMargins margins = makeGaussianMargins(static_cast<double>(value<InSmoothingStdDev>()),
                                                             value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(),
                                                             *value<InSubGxImg2d>());
     return dispatch<StructureTensor2dImgLvl3>(

@@ -54,7 +54,7 @@ processor::StageResult StructureTensor2dImgLvl3::preProcess()
     const eDataType sum = isFloat ? eDT_Real32 : eDT_Real64;
     m_tile.init(3 * kBlock * (2 * halfSizeY + g_nbLinesAtOnce), sum);
     for (CombinedLines& lines : m_combined)
-        lines.init(sum, processor::alignedCount(gx.getSizeX(), getRunGranularity()), gx.getNbLinesOfElement(), halfSizeX);
+        lines.init(sum, processor::alignedCount(gx.getSizeX(), getRunGranularity()), halfSizeX);
     return processor::eSRT_Done;
 }
 
