@@ -5,6 +5,7 @@
 #include "TestImages.h"
 
 #include <algorithm>
+#include <array>
 
 namespace orvik::test {
 
@@ -73,6 +74,47 @@ inline void expectPlane(const Plane& expected, const image::BaseImage& found, do
                 << ", " << y;
         });
     });
+}
+
+/// Samples of a volume, x fastest, then y and z.
+inline std::vector<double> samplesOf(const image::BaseImage& volume)
+{
+    std::vector<double> samples;
+    forEachSample(volume.getGeometry().getSizes(),
+                  [&](auto x, auto y, auto z, auto...) { samples.push_back(sampleAt(volume, x, y, z)); });
+    return samples;
+}
+
+/// Samples of a volume with one kernel along one axis, by planes of x and that axis, or of y and z.
+inline std::vector<double> filteredAlong(const std::vector<double>& samples, const image::ImageSizes& sizes, int axis,
+                                         bool derivative, double stdDev, double coverage)
+{
+    const std::array<unsigned long, 3> size = {sizes.x, sizes.y, sizes.z}, step = {1, sizes.x, sizes.x * sizes.y};
+    const std::size_t along = static_cast<std::size_t>(axis);
+    std::vector<double> result(samples.size());
+    for (std::size_t first = 0; first < samples.size(); ++first) {
+        if (first / step[along] % size[along] != 0)
+            continue;
+        Plane line = {static_cast<long>(size[along]), 1, {}};
+        for (unsigned long i = 0; i < size[along]; ++i)
+            line.samples.push_back(samples[first + i * step[along]]);
+        const Plane found = filtered(line, true, derivative, stdDev, coverage);
+        for (unsigned long i = 0; i < size[along]; ++i)
+            result[first + i * step[along]] = found.samples[i];
+    }
+    return result;
+}
+
+/// As expectPlane, slice by slice.
+inline void expectVolume(const std::vector<double>& expected, const image::BaseImage& found, double tolerance)
+{
+    const unsigned long sizeX = found.getSizeX(), sizeY = found.getSizeY();
+    for (unsigned long z = 0; z < found.getSizeZ(); ++z) {
+        const auto begin = expected.begin() + static_cast<long>(z * sizeX * sizeY);
+        const Plane slice = {static_cast<long>(sizeX), static_cast<long>(sizeY),
+                             std::vector<double>(begin, begin + static_cast<long>(sizeX * sizeY))};
+        expectPlane(slice, *found.getView(PlanIndex(z, 0, 0), 1), tolerance);
+    }
 }
 
 }  // namespace orvik::test

@@ -13,46 +13,17 @@ namespace orvik::test { namespace {
 
 using namespace imaproc::filter;
 
-/// Samples of a volume with one kernel along one axis, by planes of x and that axis, or of y and z.
-std::vector<double> filteredAlong(const std::vector<double>& samples, const ImageSizes& sizes, int axis, bool derivative,
-                                  double stdDev, double coverage)
-{
-    const std::array<unsigned long, 3> size = {sizes.x, sizes.y, sizes.z}, step = {1, sizes.x, sizes.x * sizes.y};
-    const std::size_t along = static_cast<std::size_t>(axis);
-    std::vector<double> result(samples.size());
-    for (std::size_t first = 0; first < samples.size(); ++first) {
-        if (first / step[along] % size[along] != 0)
-            continue;
-        Plane line = {static_cast<long>(size[along]), 1, {}};
-        for (unsigned long i = 0; i < size[along]; ++i)
-            line.samples.push_back(samples[first + i * step[along]]);
-        const Plane found = filtered(line, true, derivative, stdDev, coverage);
-        for (unsigned long i = 0; i < size[along]; ++i)
-            result[first + i * step[along]] = found.samples[i];
-    }
-    return result;
-}
-
 /// Along x first, then y and z: the processors go the other way round, which differs in the last bits of doubles alone.
 void expectFormula(const ImagePtr& in, int axis, const std::array<double, 3>& stdDevs, double coverage, const BaseImage& out)
 {
     const ImageSizes sizes = in->getGeometry().getSizes();
-    std::vector<double> samples;
+    std::vector<double> samples = samplesOf(*in);
     double largest = 0;
-    forEachSample(sizes, [&](auto x, auto y, auto z, auto...) {
-        samples.push_back(sampleAt(*in, x, y, z));
-        largest = std::max(largest, std::fabs(samples.back()));
-    });
+    for (const double sample : samples)
+        largest = std::max(largest, std::fabs(sample));
     for (int along = 0; along < 3; ++along)
         samples = filteredAlong(samples, sizes, along, along == axis, stdDevs[static_cast<std::size_t>(along)], coverage);
-    // As a plane of all lines below one another.
-    const Plane expected = {static_cast<long>(sizes.x), static_cast<long>(sizes.y * sizes.z), samples};
-    for (unsigned long z = 0; z < sizes.z; ++z) {
-        const auto begin = expected.samples.begin() + static_cast<long>(z * sizes.x * sizes.y);
-        const Plane slice = {static_cast<long>(sizes.x), static_cast<long>(sizes.y),
-                             std::vector<double>(begin, begin + static_cast<long>(sizes.x * sizes.y))};
-        expectPlane(slice, *out.getView(PlanIndex(z, 0, 0), 1), 1e-13 * largest);
-    }
+    expectVolume(samples, out, 1e-13 * largest);
 }
 
 typedef KernelTest<GaussianGradient3dImgLvl3> Gradient3dKernel;

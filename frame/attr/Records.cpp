@@ -23,6 +23,11 @@ boost::shared_ptr<CornerDetectionParams> createCornerDetectionParams2d()
     return CornerDetectionParams::createNode(eCRT_Harris, 0.04f);
 }
 
+boost::shared_ptr<CornerDetectionParams> createCornerDetectionParams3d()
+{
+    return CornerDetectionParams::createNode(eCRT_Harris, 0.005f);
+}
+
 boost::shared_ptr<LocalExtremaConfig> createLocalExtremaConfig()
 {
     return createLocalExtremaConfig(NumericLimits<unsigned long>::s_max);

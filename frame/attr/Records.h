@@ -28,6 +28,8 @@ ORVIK_API boost::shared_ptr<GaussianCoverage> createGaussianCoverage();
 ORVIK_RECORD(CornerDetectionParams, (eCornerResponseType, CornerResponseType)(float, HarrisK));
 /// The Harris measure of planes, k = 0.04.
 ORVIK_API boost::shared_ptr<CornerDetectionParams> createCornerDetectionParams2d();
+/// That of volumes, k = 0.005: it is cubic there, and from k = 1/27 on no corner is above 0.
+ORVIK_API boost::shared_ptr<CornerDetectionParams> createCornerDetectionParams3d();
 
 /// Which local extrema are listed: their type, those at or beyond the threshold (compared as 32-bit floats), at most that
 /// many per plane or volume, the most extreme ones first.

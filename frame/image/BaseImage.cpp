@@ -188,6 +188,12 @@ boost::shared_ptr<BaseImage> BaseImage::getView(const PlanIndex& index, unsigned
     return makeView(index, sizeZ);
 }
 
+boost::shared_ptr<BaseImage> BaseImage::getViewAlongZ()
+{
+    const ImageGeometry geometry(ImageSizes(getSizeX(), getSizeZ(), getSizeY()), getBufferType());
+    return boost::make_shared<BaseImage>(m_memory, m_origin, geometry, ImageStrides(m_strides.z, m_strides.y), m_hasSlack);
+}
+
 boost::shared_ptr<BaseImage> createImage(eImageBufferType type, const ImageSizes& sizes)
 {
     checkTypeAndSizes(type, sizes);

@@ -141,6 +141,8 @@ public:
     /// A view of `sizeZ` slices from `index`, of one channel and one time, that shares this image's memory.
     boost::shared_ptr<const BaseImage> getView(const PlanIndex& index, unsigned long sizeZ) const;
     boost::shared_ptr<BaseImage> getView(const PlanIndex& index, unsigned long sizeZ);
+    /// A view of the first volume with Y and Z exchanged: its slice `i` has line `i` of every slice of this image.
+    boost::shared_ptr<BaseImage> getViewAlongZ();
 
 private:
     BasePlanStorage planStorage(const PlanIndex& index) const;

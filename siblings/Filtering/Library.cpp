@@ -13,6 +13,9 @@ const char* const g_toolTips[] = {
     /* 5 */ "Level 1: gradient of all volumes by derivatives of a Gaussian",
     /* 6 */ "Level 2: gradient of one volume by derivatives of a Gaussian",
     /* 7 */ "Level 3: gradient of one strip of slices by derivatives of a Gaussian",
+    /* 8 */ "Level 2: smoothed products of the gradients of one volume",
+    /* 9 */ "Level 3: products of the gradients of one strip of slices, smoothed within each",
+    /* 10 */ "Level 3: samples of one strip of a volume, smoothed across slices",
 };
 
 }  // namespace

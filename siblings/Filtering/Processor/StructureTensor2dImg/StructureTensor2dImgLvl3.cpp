@@ -12,18 +12,6 @@ using namespace attr;
 
 ORVIK_DEFINE_ALGORITHM(StructureTensor2dImgLvl3)
 
-template<>
-const TensorKernels<float>& StructureTensor2dImgLvl3::kernels<float>() const
-{
-    return m_floatKernels;
-}
-
-template<>
-const TensorKernels<double>& StructureTensor2dImgLvl3::kernels<double>() const
-{
-    return m_doubleKernels;
-}
-
 processor::RulePtr StructureTensor2dImgLvl3::createRule() const
 {
     return matchSizeAndType(attribute<InGxKnlYStrip2d>(), attribute<InGyKnlYStrip2d>())
@@ -35,26 +23,16 @@ processor::RulePtr StructureTensor2dImgLvl3::createRule() const
 processor::StageResult StructureTensor2dImgLvl3::preProcess()
 {
     const image::InputImageYStrip2dWithKernel &gx = *value<InGxKnlYStrip2d>(), &gy = *value<InGyKnlYStrip2d>();
-    const double stdDev = static_cast<double>(value<InSmoothingStdDev>());
-    const double coverage = value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>();
-    m_doubleKernels.x = makeGaussianWeights(stdDev, coverage, gx.getSizeX());
-    m_doubleKernels.y = makeGaussianWeights(stdDev, coverage, gx.getImageSizeY());
-    m_floatKernels.x = toFloat(m_doubleKernels.x);
-    m_floatKernels.y = toFloat(m_doubleKernels.y);
-    const unsigned long halfSizeX = m_doubleKernels.x.halfSize(), halfSizeY = m_doubleKernels.y.halfSize();
+    m_buffers.init(gx.getBufferType(), static_cast<double>(value<InSmoothingStdDev>()),
+                   value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>(), gx.getSizeX(), gx.getImageSizeY(),
+                   processor::alignedCount(gx.getSizeX(), getRunGranularity()), 3);
     for (const image::InputImageYStrip2dWithKernel* const strip : {&gx, &gy}) {
-        const BoolResult fits = checkGaussianMargins(*strip, halfSizeY);
+        const BoolResult fits = checkGaussianMargins(*strip, m_buffers.doubleWeights.y.halfSize());
         if (!fits)
             return failure(getObjectName() + ": " + fits.getMessage());
     }
     setBorder<InGxKnlYStrip2d>(image::nearestBorder2d());
     setBorder<InGyKnlYStrip2d>(image::nearestBorder2d());
-
-    const bool isFloat = image::toDataType(gx.getBufferType()) == eDT_Real32;
-    const eDataType sum = isFloat ? eDT_Real32 : eDT_Real64;
-    m_tile.init(3 * kBlock * (2 * halfSizeY + g_nbLinesAtOnce), sum);
-    for (CombinedLines& lines : m_combined)
-        lines.init(sum, processor::alignedCount(gx.getSizeX(), getRunGranularity()), halfSizeX);
     return processor::eSRT_Done;
 }
 

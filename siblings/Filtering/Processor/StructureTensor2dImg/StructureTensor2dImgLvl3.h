@@ -1,21 +1,12 @@
 #pragma once
 
-#include "siblings/Filtering/GaussianWeights.h"
 #include "siblings/Filtering/Library.h"
-#include "siblings/Filtering/SeparableStrips.h"
+#include "siblings/Filtering/TensorBuffers.h"
 
 #include "frame/attr/Declarations.h"
-#include "frame/image/Buffers.h"
 #include "frame/imaproc/ProcessingAlgorithm.h"
 
 namespace orvik { namespace imaproc { namespace filter {
-
-/// What products of gradients are summed in.
-template<class Sum>
-struct TensorKernels
-{
-    TypedGaussianWeights<Sum> x, y;
-};
 
 /// Level 3: one strip. The margin of its lines is the half-size and, below, g_nbLinesAtOnce - 1 more.
 class ORVIK_API StructureTensor2dImgLvl3
@@ -35,18 +26,8 @@ class ORVIK_API StructureTensor2dImgLvl3
 
 private:
     processor::RulePtr createRule() const;
-    template<class Sum>
-    const TensorKernels<Sum>& kernels() const;
 
-    TensorKernels<float> m_floatKernels;
-    TensorKernels<double> m_doubleKernels;
-    image::TypedOwnBuffer m_tile;  // the three products in a block of columns of all lines of the kernel
-    CombinedLines m_combined[3];   // smoothed along y: xx, yy, xy
+    TensorBuffers m_buffers;
 };
-
-template<>
-const TensorKernels<float>& StructureTensor2dImgLvl3::kernels<float>() const;
-template<>
-const TensorKernels<double>& StructureTensor2dImgLvl3::kernels<double>() const;
 
 }}}  // namespace orvik::imaproc::filter
