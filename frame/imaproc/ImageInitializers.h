@@ -161,6 +161,14 @@ processor::InitializerPtr promoteUnary(const boost::shared_ptr<Out>& out, const 
     return initializer;
 }
 
+/// Enters such an initialiser for each of some outputs.
+template<class In, class... Out>
+void promoteEach(processor::InitializerMap& initializers, const boost::shared_ptr<In>& in,
+                 const boost::shared_ptr<Out>&... outs)
+{
+    (void(initializers[Out::getObjectNameStr()] = promoteUnary(outs, in)), ...);
+}
+
 template<class Out>
 processor::InitializerPtr customOutput(const boost::shared_ptr<Out>& out, const boost::shared_ptr<BaseCustomImageInfo>& info)
 {

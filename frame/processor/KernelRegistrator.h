@@ -108,7 +108,10 @@ struct KernelTypesOfSet<Types, core::eIS_Avx>
 
 /// Last line of a kernel, in the namespace of its Level 3 class: registers it for the set that the unit is compiled for,
 /// while its library is loaded. In the unit of plain code, which every class has, the class itself comes first.
-#define ORVIK_REGISTER_KERNELS(X, Types) \
+#define ORVIK_REGISTER_KERNELS(X, Types) ORVIK_REGISTER_KERNELS_OF(X, Types, ORVIK_UNIT_SET)
+/// The same of a class whose kernels have two sets as template arguments.
+#define ORVIK_REGISTER_KERNEL_PAIRS(X, Types) ORVIK_REGISTER_KERNELS_OF(X, Types, ORVIK_UNIT_FIRST_SET, ORVIK_UNIT_SET)
+#define ORVIK_REGISTER_KERNELS_OF(X, Types, ...) \
     ORVIK_REGISTER_CLASS_OF_KERNELS(X) \
     namespace { namespace details { \
     /** Always true: kernels that could not be registered are logged, and less efficient ones serve. */ \
@@ -116,7 +119,7 @@ struct KernelTypesOfSet<Types, core::eIS_Avx>
     { \
         static const ::orvik::processor::KernelRegistrator< \
             X, typename ::orvik::processor::details::KernelTypesOfSet<::orvik::processor::Types, ORVIK_UNIT_SET>::type, \
-            ORVIK_UNIT_SET> \
+            __VA_ARGS__> \
             registrator(__BASE_FILE__); \
         return true; \
     } \

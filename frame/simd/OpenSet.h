@@ -5,6 +5,8 @@
 #if defined(__clang__)
 #if defined(ORVIK_UNIT_AVX512) && !defined(ORVIK_EMULATE_AVX512)
 #pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx512dq,avx512vl"))), apply_to = function)
+#elif defined(ORVIK_UNIT_FMA3_AVX2)
+#pragma clang attribute push(__attribute__((target("avx2,fma"))), apply_to = function)
 #elif defined(ORVIK_UNIT_AVX2)
 #pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
 #elif defined(ORVIK_UNIT_AVX)
@@ -16,6 +18,8 @@
 #pragma GCC push_options
 #if defined(ORVIK_UNIT_AVX512) && !defined(ORVIK_EMULATE_AVX512)
 #pragma GCC target("avx512f,avx512bw,avx512dq,avx512vl,prefer-vector-width=512")
+#elif defined(ORVIK_UNIT_FMA3_AVX2)
+#pragma GCC target("avx2,fma")
 #elif defined(ORVIK_UNIT_AVX2)
 #pragma GCC target("avx2")
 #elif defined(ORVIK_UNIT_AVX)

@@ -225,11 +225,23 @@ inline Lanes<float>::type fma(Lanes<float>::type a, Lanes<float>::type b, Lanes<
 {
 #if ORVIK_SET_BYTES == 64 && !defined(ORVIK_EMULATE_AVX512)  // emulated it would round twice
     return _mm512_fmadd_ps(a, b, c);
+#elif defined(ORVIK_UNIT_FMA3_AVX2)
+    return _mm256_fmadd_ps(a, b, c);
 #else
     Lanes<float>::type r;
     for (unsigned long i = 0; i < Lanes<float>::count; ++i)
         r[i] = __builtin_fmaf(a[i], b[i], c[i]);
     return r;
+#endif
+}
+
+/// a * b + c, rounded once where the unit has fused operations beside its set, and otherwise twice.
+inline Lanes<float>::type multiplyAdd(Lanes<float>::type a, Lanes<float>::type b, Lanes<float>::type c)
+{
+#if defined(ORVIK_UNIT_FMA3_AVX2)
+    return fma(a, b, c);
+#else
+    return a * b + c;
 #endif
 }
 

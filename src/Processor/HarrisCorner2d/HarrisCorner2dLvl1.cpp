@@ -30,9 +30,7 @@ processor::RulePtr HarrisCorner2dLvl1::createRule() const
 
 void HarrisCorner2dLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutWk1Img>(initializers, promoteUnary(attribute<OutWk1Img>(), attribute<InImg>()));
-    addInitializer<OutWk2Img>(initializers, promoteUnary(attribute<OutWk2Img>(), attribute<InImg>()));
-    addInitializer<OutWk3Img>(initializers, promoteUnary(attribute<OutWk3Img>(), attribute<InImg>()));
+    promoteEach(initializers, attribute<InImg>(), attribute<OutWk1Img>(), attribute<OutWk2Img>(), attribute<OutWk3Img>());
     addInitializer<OutPIPixels2d>(initializers, fromImage(attribute<OutPIPixels2d>(), attribute<InImg>()));
 }
 

@@ -29,10 +29,8 @@ processor::RulePtr HarrisCorner2dImgLvl1::createRule() const
 
 void HarrisCorner2dImgLvl1::initInitializers(processor::InitializerMap& initializers)
 {
-    addInitializer<OutWk1Img>(initializers, promoteUnary(attribute<OutWk1Img>(), attribute<InImg>()));
-    addInitializer<OutWk2Img>(initializers, promoteUnary(attribute<OutWk2Img>(), attribute<InImg>()));
-    addInitializer<OutWk3Img>(initializers, promoteUnary(attribute<OutWk3Img>(), attribute<InImg>()));
-    addInitializer<OutImg>(initializers, promoteUnary(attribute<OutImg>(), attribute<InImg>()));
+    promoteEach(initializers, attribute<InImg>(), attribute<OutWk1Img>(), attribute<OutWk2Img>(), attribute<OutWk3Img>(),
+                attribute<OutImg>());
 }
 
 processor::RetrievalResult HarrisCorner2dImgLvl1::retrieveProvider(const core::BasePriority& priority,
