@@ -5,6 +5,7 @@
 #include "siblings/GlobalMeasure/CumulativeHistogramData.h"
 #include "siblings/GlobalMeasure/Processor/HistogramMsr/HistogramMsr2dLvl2.h"
 #include "siblings/GlobalMeasure/Processor/StatsMsr/StatsMsr2dLvl2.h"
+#include "siblings/GlobalMeasure/Processor/StatsMsr/StatsMsrLvl1.h"
 
 #include <numeric>
 
@@ -197,6 +198,19 @@ TEST(Quantiles, OfAHistogramThatDisagreesWithItselfAreRefused)
     EXPECT_EQ("HistogramResult: values from 3.000000 to 2.000000 are no range of bins", refusal(false, 3, 2));
     EXPECT_EQ("HistogramResult: values from 0.000000 to inf are no range of bins", refusal(false, 0, kInfinity));
     EXPECT_EQ("HistogramResult: values from 3.000000 to 5.000000 need a bin each, there are 2", refusal(true, 3, 5));
+}
+
+TEST(Stats, OfAllPlanesAreThoseOfTheSamplesInOneLine)
+{
+    const ImagePtr volume = samplesOf(eIBT_Real32, {9, 5, 4, 2, 3});
+    Numbers samples;
+    forEachSample(volume->getGeometry().getSizes(), [&](auto... at) { samples.push_back(sampleAt(*volume, at...)); });
+    const auto stats = StatsResult::createNode(1, 2, 3, 4, 5, 6);
+    ran<StatsMsrLvl1, InImg, OutStatsResult>(volume, stats);
+    const Numbers expected = statsOf(lineOf(eIBT_Real32, samples)), found = numbersOf(stats);
+    for (const std::size_t exact : {0u, 1u, 3u, 4u, 5u})
+        EXPECT_EQ(expected[exact], found[exact]) << exact;
+    EXPECT_NEAR(expected[2], found[2], 1e-9 * expected[2]) << "squares are summed line by line";
 }
 
 }  // namespace

@@ -99,6 +99,18 @@ ORVIK_RECORD(HoughCircle2dPpties, (double, X)(double, Y)(double, Radius)(double,
 ORVIK_RECORD_COLL(HoughCircles2dPpties, HoughCircle2dPpties);
 ORVIK_PLAN_INDEXED(PlanIndexedHoughCircles2dPpties, HoughCircles2dPpties);
 
+/// A place on the shells about a centre: its offset in voxels, its direction, its exact radius, and how many places its shell,
+/// that of the same radius rounded, counts for.
+ORVIK_RECORD(HoughSpheresKernelXYZElt, (long, OffsetX)(long, OffsetY)(long, OffsetZ)(float, UnitX)(float, UnitY)(float, UnitZ)
+                                       (float, Radius)(unsigned long, NbPts));
+ORVIK_RECORD_COLL(HoughSpheresKernelXYZ, HoughSpheresKernelXYZElt);
+
+/// A sphere of a volume: centre and radius in voxels, from the centre of the first voxel; `Value` is that of the accumulator
+/// at the centre. Lists of them per volume are filed under z 0.
+ORVIK_RECORD(HoughSphere3dPpties, (double, X)(double, Y)(double, Z)(double, Radius)(double, Value));
+ORVIK_RECORD_COLL(HoughSpheres3dPpties, HoughSphere3dPpties);
+ORVIK_PLAN_INDEXED(PlanIndexedHoughSpheres3dPpties, HoughSpheres3dPpties);
+
 /// Which peaks of an accumulator count: those from `AbsoluteThreshold` on, and from that share of the greatest value on.
 ORVIK_RECORD(AccumIntensityThreshold, (double, AbsoluteThreshold)(double, RatioOfMax));
 /// From half of the greatest value on.

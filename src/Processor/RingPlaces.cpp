@@ -1,12 +1,12 @@
 #include "Processor/RingPlaces.h"
 
+#include "Processor/PlaceRecords.h"
+
 #include "frame/attr/Records.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-
-#include <unistd.h>
 
 namespace orvik { namespace imaproc { namespace fd {
 
@@ -52,17 +52,15 @@ long ringOf(int dx, int dy)
 BoolResult checkRingMemory(long minRadius, long maxRadius)
 {
     if (maxRadius < 0)
-        return failure("The greatest radius, " + std::to_string(maxRadius) + ", is negative");
+        return radiusIsNegative(maxRadius);
     const double side = 2.0 * static_cast<double>(maxRadius) + 1.0, inner = std::max(0.0, static_cast<double>(minRadius));
     const double outer = static_cast<double>(maxRadius) + 1.0;
     const double nbPlaces = std::max(0.0, M_PI * (outer * outer - inner * inner));
     const double perPlace = sizeof(attr::HoughCirclesKernelXYElt) + sizeof(void*) * 2 + sizeof(RingPlace);
     const double bytes = side * side + nbPlaces * perPlace;
-    const double memory = static_cast<double>(sysconf(_SC_PHYS_PAGES)) * static_cast<double>(sysconf(_SC_PAGE_SIZE));
-    if (side * side < 4294967296.0 && bytes < memory)
-        return success();
-    return failure("The rings of radii from " + std::to_string(minRadius) + " to " + std::to_string(maxRadius) + " take "
-                   + std::to_string(static_cast<unsigned long>(bytes)) + " bytes, more than can be held");
+    const std::string what = "The rings of radii from " + std::to_string(minRadius) + " to " + std::to_string(maxRadius);
+    const double mostPixels = 4294967296.0;  // that an index of 32 bits counts
+    return checkMemory(what, bytes, side * side < mostPixels);
 }
 
 std::vector<RingPlace> ringPlaces(long minRadius, long maxRadius, unsigned int nbMaxPts)

@@ -1,7 +1,5 @@
 #include "Processor/RingVotes.h"
 
-#include "frame/attr/Enumerations.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -59,13 +57,6 @@ private:
 
 }  // namespace
 
-GradientCone makeCone(int circleIntensityType, double maxAngle)
-{
-    const double cosine = std::cos(maxAngle);
-    return {static_cast<float>(cosine), 1.0 - cosine != 0.0, circleIntensityType == attr::eCIT_Both,
-            circleIntensityType == attr::eCIT_Inward};
-}
-
 template<unsigned int NbWeights>
 Rings<NbWeights>::Rings(std::vector<Element> elements, long maxRadius, const GradientCone& cone)
     : m_elements(std::move(elements)), m_maxRadius(maxRadius), m_cone(cone),
@@ -75,7 +66,7 @@ Rings<NbWeights>::Rings(std::vector<Element> elements, long maxRadius, const Gra
 {
     m_rowBegins.assign(static_cast<std::size_t>(2 * maxRadius + 2), 0);
     const auto isFinite = [](const Element& e) {
-        bool all = std::isfinite(e.unitX) && std::isfinite(e.unitY);
+        bool all = std::isfinite(e.units[0]) && std::isfinite(e.units[1]);
         for (const float weight : e.weights)
             all = all && std::isfinite(weight);
         return all;
@@ -114,8 +105,8 @@ void Rings<NbWeights>::makeTable() const
         // Seen from the gradient the centre lies opposite.
         float* const place =
             &m_table[static_cast<std::size_t>(m_maxRadius - e.dy) * m_pitch + static_cast<std::size_t>(m_maxRadius - e.dx)];
-        place[0] = -e.unitX;
-        place[m_planeSize] = -e.unitY;
+        place[0] = -e.units[0];
+        place[m_planeSize] = -e.units[1];
         for (unsigned int i = 0; i < NbWeights; ++i)
             place[(2 + i) * m_planeSize] = e.weights[i];
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Centres of circles, and the circles that are made of them.
+// Centres of circles and spheres, and what is made of them.
 
 #include "frame/attr/Records.h"
 
@@ -40,6 +40,13 @@ inline boost::shared_ptr<attr::HoughCircle2dPpties> circleAt(const attr::Pixel2d
 {
     return attr::HoughCircle2dPpties::createNode(center.get<attr::Pixel2d::X>(), center.get<attr::Pixel2d::Y>(), radius,
                                                  center.get<attr::Pixel2d::Value>());
+}
+
+/// The sphere of a centre.
+inline boost::shared_ptr<attr::HoughSphere3dPpties> sphereAt(const attr::Voxel3d& center, double radius)
+{
+    return attr::HoughSphere3dPpties::createNode(center.get<attr::Voxel3d::X>(), center.get<attr::Voxel3d::Y>(),
+                                                 center.get<attr::Voxel3d::Z>(), radius, center.get<attr::Voxel3d::Value>());
 }
 
 }}}  // namespace orvik::imaproc::fd

@@ -31,4 +31,11 @@ inline boost::shared_ptr<attr::HoughCirclesRadiusRange> narrowedRangeOfPlane(
     return narrowedRange(range, std::min(image.getSizeX(), image.getSizeY()));
 }
 
+/// And for spheres in its volumes.
+inline boost::shared_ptr<attr::HoughCirclesRadiusRange> narrowedRangeOfVolume(
+    const boost::shared_ptr<const attr::HoughCirclesRadiusRange>& range, const image::BaseImage& image)
+{
+    return narrowedRange(range, std::min({image.getSizeX(), image.getSizeY(), image.getSizeZ()}));
+}
+
 }}}  // namespace orvik::imaproc::fd

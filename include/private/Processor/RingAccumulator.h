@@ -4,6 +4,7 @@
 // each gradient votes for the pixels that lie ahead of it. Both add to a pixel in the raster order of the gradients, so they
 // give the same bits. Compiled once per instruction set.
 
+#include "Processor/PlaceSums.h"
 #include "Processor/RingBuffers.h"
 #include "Processor/UnitGradients.h"
 
@@ -18,82 +19,6 @@
 #include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd { namespace {
-
-typedef Lanes<float>::type RingVector;
-
-inline RingVector all(float value)
-{
-    return RingVector{} + value;
-}
-
-/// What of a gradient's share along the radius, `d`, counts. The two accumulators part where it is no number: that of real
-/// values takes nothing, that of complex ones all.
-template<unsigned int NbWeights, class Vector>
-Vector keptOf(Vector d, Vector cosine)
-{
-    if constexpr (NbWeights == 1)
-        return d > cosine ? d : Vector{};
-    else
-        return d <= cosine ? Vector{} : d;
-}
-
-/// Adds what `U` elements, in this order, give to `n` pixels. `places` point to the directions of the gradients that they look
-/// at, whose other parts lie `pitch` and twice that apart.
-template<unsigned int NbWeights, bool IsBoth, int U>
-void addElements(const RingElement<NbWeights>* first, const float* const* places, unsigned long pitch, float sign,
-                 float cosine, unsigned long begin, unsigned long n, float (*sums)[NbWeights][256])
-{
-    RingVector unitX[U], unitY[U], weights[U][NbWeights];
-    const float* place[U];
-    for (int u = 0; u < U; ++u) {
-        unitX[u] = all(sign * first[u].unitX);
-        unitY[u] = all(sign * first[u].unitY);
-        for (unsigned int i = 0; i < NbWeights; ++i)
-            weights[u][i] = all(first[u].weights[i]);
-        place[u] = places[u] + begin;
-    }
-    const RingVector least = all(cosine);
-    for (unsigned long x = 0; x < n; x += Lanes<float>::count) {
-        RingVector sum[NbWeights];
-        for (unsigned int i = 0; i < NbWeights; ++i)
-            sum[i] = load((*sums)[i] + x);
-        for (int u = 0; u < U; ++u) {
-            RingVector d = load(place[u] + x) * unitX[u] + load(place[u] + pitch + x) * unitY[u];
-            if constexpr (IsBoth)
-                d = d < RingVector{} ? -d : d;
-            const RingVector share = keptOf<NbWeights>(d, least) * load(place[u] + 2 * pitch + x);
-            for (unsigned int i = 0; i < NbWeights; ++i)
-                sum[i] += share * weights[u][i];
-        }
-        for (unsigned int i = 0; i < NbWeights; ++i)
-            store((*sums)[i] + x, sum[i]);
-    }
-}
-
-/// One line of the accumulator, from the rows of gradients that the rings reach.
-template<unsigned int NbWeights, bool IsBoth>
-void gatherLine(const Rings<NbWeights>& rings, const RingBuffers& buffers, std::size_t firstElement, unsigned long n,
-                float* const (&out)[NbWeights])
-{
-    const auto& elements = rings.getElements();
-    const float sign = rings.getCone().isInward ? -1.0f : 1.0f, cosine = rings.getCone().cosine;
-    const unsigned long tile = 256;  // sums and the gradients of a row stay in the nearest cache
-    alignas(64) float sums[NbWeights][tile];
-    for (unsigned long x = 0; x < n; x += tile) {
-        const unsigned long size = std::min(tile, n - x);
-        std::memset(sums, 0, sizeof sums);
-        std::size_t k = firstElement;
-        for (; k + 4 <= elements.size(); k += 4)
-            addElements<NbWeights, IsBoth, 4>(&elements[k], &buffers.places[k], buffers.gradientsPitch, sign, cosine, x,
-                                              size, &sums);
-        for (; k < elements.size(); ++k)
-            addElements<NbWeights, IsBoth, 1>(&elements[k], &buffers.places[k], buffers.gradientsPitch, sign, cosine, x,
-                                              size, &sums);
-        for (unsigned int i = 0; i < NbWeights; ++i)
-            for (unsigned long j = 0; j < size; j += Lanes<float>::count)
-                store(out[i] + x + j, withOneNan(load(sums[i] + j)));
-    }
-}
 
 /// What all votes of a list have in common.
 template<unsigned int NbWeights>
@@ -194,9 +119,9 @@ void findSources(const Rings<NbWeights>& rings, unsigned long nbDirections, cons
     const int half = static_cast<int>(2 * nbBins), last = static_cast<int>(nbBins) - 1;
     sources.clear();
     for (unsigned long first = 0; first < n; first += lanes) {
-        RingVector x = load(unitX + first) * all(towards), y = load(unitY + first) * all(towards);
-        const RingVector size = load(magnitude + first);
-        const RingVector absX = x < RingVector{} ? -x : x, absY = y < RingVector{} ? -y : y, sum = absX + absY;
+        PlaceVector x = load(unitX + first) * all(towards), y = load(unitY + first) * all(towards);
+        const PlaceVector size = load(magnitude + first);
+        const PlaceVector absX = x < PlaceVector{} ? -x : x, absY = y < PlaceVector{} ? -y : y, sum = absX + absY;
         // Flat gradients stay below the cosine, and no numbers below nothing; both are left out.
         const auto isOdd = NbWeights == 1 ? size > all(NumericLimits<float>::s_max)
                                           : (size > all(NumericLimits<float>::s_max)) | (sum != sum);
@@ -207,13 +132,13 @@ void findSources(const Rings<NbWeights>& rings, unsigned long nbDirections, cons
         if (bits == 0)
             continue;
         if (isMirrored) {
-            const auto isBelow = y < RingVector{};
+            const auto isBelow = y < PlaceVector{};
             x = isBelow ? -x : x;
             y = isBelow ? -y : y;
         }
         Whole bin = __builtin_convertvector(absY / sum * all(static_cast<float>(nbBins)), Whole);
         bin = bin > last ? Whole{} + last : bin;
-        const Whole isLeft = x < RingVector{}, isBelow = y < RingVector{};
+        const Whole isLeft = x < PlaceVector{}, isBelow = y < PlaceVector{};
         const Whole quadrant = isBelow ? (isLeft ? Whole{} + 2 : Whole{} + 3) : (isLeft ? Whole{} + 1 : Whole{});
         const Whole direction = isOdd ? Whole{} + static_cast<int>(nbDirections) : quadrant * (last + 1) + bin;
         for (; bits != 0; bits &= bits - 1) {
@@ -292,7 +217,9 @@ public:
             const auto [gx, gy] = gradients(static_cast<unsigned long>(row + m_radius));
             m_lists ? vote(i + row, gx, gy) : enter(i, row, gx, gy);
         }
-        m_lists ? handOver(i, out) : gather(i, out);
+        if (!m_lists)
+            return gather(i, isCancelled, out);
+        handOver(i, out);
         return true;
     }
 
@@ -303,9 +230,11 @@ private:
             m_buffers.gradients.rollUpFragments();
         const unsigned long pitch = m_buffers.gradientsPitch;
         float* const to = static_cast<float*>(m_buffers.gradients.getDataPtr(static_cast<unsigned long>(row + m_radius)));
-        toUnitGradients(gx, gy, m_nbAligned + 2 * static_cast<unsigned long>(m_radius) + 1, to, to + pitch, to + 2 * pitch);
+        toUnitGradients<Sample, 2>({gx, gy}, m_nbAligned + 2 * static_cast<unsigned long>(m_radius) + 1, {to, to + pitch},
+                                   to + 2 * pitch);
     }
-    void gather(long i, float* const (&out)[NbWeights])
+    template<class IsCancelled>
+    bool gather(long i, const IsCancelled& isCancelled, float* const (&out)[NbWeights])
     {
         const auto& elements = m_rings.getElements();
         // Places above the image are passed over, all others read nothing outside of it.
@@ -315,8 +244,17 @@ private:
             m_buffers.places[k] = static_cast<const float*>(
                                       m_buffers.gradients.getDataPtr(static_cast<unsigned long>(elements[k].dy + m_radius)))
                                   + elements[k].dx + m_radius;
-        m_rings.getCone().isBoth ? gatherLine<NbWeights, true>(m_rings, m_buffers, first, m_nbAligned, out)
-                                 : gatherLine<NbWeights, false>(m_rings, m_buffers, first, m_nbAligned, out);
+        const auto addAll = [&](auto& sums) {
+            const std::size_t some = 16384;
+            for (std::size_t k = first; k < elements.size(); k += some) {
+                if (isCancelled())
+                    return false;
+                sums.add(&elements[k], std::min(some, elements.size() - k),
+                         [&](std::size_t u) { return m_buffers.places[k + u]; });
+            }
+            return true;
+        };
+        return gatherLine<RingElement<NbWeights>>(m_rings.getCone(), m_buffers.gradientsPitch, m_nbAligned, addAll, out);
     }
     /// Gradients of row `row` of the strip, which may lie beyond it, for all that they reach.
     void vote(long row, const Sample* gx, const Sample* gy)
@@ -338,7 +276,7 @@ private:
             return;
         const unsigned long side = m_buffers.line.size() / 3;
         float* const unitX = m_buffers.line.data();
-        toUnitGradients(gx + m_radius, gy + m_radius, m_nbData, unitX, unitX + side, unitX + 2 * side);
+        toUnitGradients<Sample, 2>({gx + m_radius, gy + m_radius}, m_nbData, {unitX, unitX + side}, unitX + 2 * side);
         findSources(m_rings, m_lists->nbDirections, unitX, unitX + side, unitX + 2 * side, m_nbData, m_buffers.sources);
         voteRow(m_rings, *m_lists, m_buffers, row, m_nbLines);
     }

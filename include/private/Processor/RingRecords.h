@@ -2,6 +2,7 @@
 
 // Rings between the levels of a family: as records for the attributes, as plain elements for the kernels.
 
+#include "Processor/PlaceRecords.h"
 #include "Processor/RingPlaces.h"
 #include "Processor/RingVotes.h"
 
@@ -21,8 +22,7 @@ inline RingElement<1> elementOf(const attr::HoughCirclesKernelXYElt& place)
     typedef attr::HoughCirclesKernelXYElt E;
     return {static_cast<int>(place.get<E::OffsetX>()),
             static_cast<int>(place.get<E::OffsetY>()),
-            place.get<E::UnitX>(),
-            place.get<E::UnitY>(),
+            {place.get<E::UnitX>(), place.get<E::UnitY>()},
             {1.0f / static_cast<float>(place.get<E::NbPts>())}};
 }
 inline RingElement<2> elementOf(const attr::HoughCirclesPhaseCodedKernelXYElt& place)
@@ -30,8 +30,7 @@ inline RingElement<2> elementOf(const attr::HoughCirclesPhaseCodedKernelXYElt& p
     typedef attr::HoughCirclesPhaseCodedKernelXYElt E;
     return {static_cast<int>(place.get<E::OffsetX>()),
             static_cast<int>(place.get<E::OffsetY>()),
-            place.get<E::UnitX>(),
-            place.get<E::UnitY>(),
+            {place.get<E::UnitX>(), place.get<E::UnitY>()},
             {place.get<E::PhaseRe>(), place.get<E::PhaseIm>()}};
 }
 
@@ -48,7 +47,7 @@ BoolResult makeRings(const Places& places, const attr::HoughCirclesRadiusRange& 
 {
     const long radius = range.get<attr::HoughCirclesRadiusRange::MaxRadius>();
     if (radius < 0)
-        return failure("The greatest radius, " + std::to_string(radius) + ", is negative");
+        return radiusIsNegative(radius);
     const auto& nodes = places.template get<typename Places::Coll>().getNodes();
     std::vector<RingElement<NbWeights>> elements;
     elements.reserve(nodes.size());
@@ -56,8 +55,7 @@ BoolResult makeRings(const Places& places, const attr::HoughCirclesRadiusRange& 
     for (const auto& node : nodes) {
         const long dx = node->template get<typename Place::OffsetX>(), dy = node->template get<typename Place::OffsetY>();
         if (dx < -radius || dx > radius || dy < -radius || dy > radius)
-            return failure("A place of the rings, at offset (" + std::to_string(dx) + ", " + std::to_string(dy)
-                           + "), lies beyond the greatest radius, " + std::to_string(radius));
+            return placeIsBeyond("rings", {dx, dy}, radius);
         elements.push_back(elementOf(*node));
     }
     rings = boost::make_shared<Rings<NbWeights>>(std::move(elements), radius, cone);
@@ -72,22 +70,10 @@ BoolResult makeRingsOnce(const Places& places, const attr::HoughCirclesRadiusRan
     return rings ? success() : makeRings(places, range, makeCone(type, maxAngle), rings);
 }
 
-/// The places of radii as records of any kind; `toNode` gives that of a place.
-template<class Places, class ToNode>
-boost::shared_ptr<Places> placeRecords(const attr::HoughCirclesRadiusRange& range, unsigned int nbMaxPts,
-                                       const ToNode& toNode)
+inline std::vector<RingPlace> ringPlaces(const attr::HoughCirclesRadiusRange& range, unsigned int nbMaxPts)
 {
     typedef attr::HoughCirclesRadiusRange Range;
-    const std::vector<RingPlace> places = ringPlaces(range.get<Range::MinRadius>(), range.get<Range::MaxRadius>(), nbMaxPts);
-    const boost::shared_ptr<Places> records = Places::createNode();
-    auto& nodes = records->template access<typename Places::Coll>().accessNodes();
-    nodes.reserve(places.size());
-    const boost::shared_ptr<typename Places::Coll::NodeType[]> block = Places::Coll::NodeType::createNodes(places.size());
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        nodes.emplace_back(block, &block[static_cast<std::ptrdiff_t>(i)]);
-        toNode(places[i], *nodes.back());
-    }
-    return records;
+    return ringPlaces(range.get<Range::MinRadius>(), range.get<Range::MaxRadius>(), nbMaxPts);
 }
 
 /// The leaves that all kinds of places have.
@@ -104,7 +90,7 @@ void setPlace(const RingPlace& place, Node& node)
 inline boost::shared_ptr<attr::HoughCirclesKernelXY> makeKernelXY(const attr::HoughCirclesRadiusRange& range,
                                                                   unsigned int nbMaxPts)
 {
-    return placeRecords<attr::HoughCirclesKernelXY>(range, nbMaxPts,
+    return placeRecords<attr::HoughCirclesKernelXY>(ringPlaces(range, nbMaxPts),
                                                     [](const RingPlace& place, attr::HoughCirclesKernelXYElt& node) {
                                                         setPlace(place, node);
                                                         node.set<attr::HoughCirclesKernelXYElt::NbPts>(place.nbPts);

@@ -3,6 +3,8 @@
 // Which places about a gradient can hold the centre of a circle that it points along: what accumulators that vote go through
 // instead of all places of all rings.
 
+#include "Processor/GradientCone.h"
+
 #include <map>
 #include <memory>
 #include <mutex>
@@ -10,32 +12,14 @@
 
 namespace orvik { namespace imaproc { namespace fd {
 
-/// The two ways of an accumulator to the same bits.
-enum eRingForm : unsigned int
-{
-    eRF_ByCost = 0,  ///< the cheaper one
-    eRF_Gather = 1,  ///< each pixel looks at all places of its rings
-    eRF_Votes = 2    ///< each gradient adds to the pixels that lie in its direction, where its direction limits them at all
-};
-
 /// A place of the rings with what it counts for: one weight, or the two parts of a complex one.
 template<unsigned int NbWeights>
 struct RingElement
 {
     int dx, dy;
-    float unitX, unitY;
+    float units[2];
     float weights[NbWeights];
 };
-
-/// Which gradients count.
-struct GradientCone
-{
-    float cosine;   // of the greatest angle between gradient and radius; NaN for an angle that is none
-    bool isOpen;    // whether the angle is not so small that nothing passes
-    bool isBoth;    // whether either direction counts
-    bool isInward;  // otherwise: whether from the rim to the centre
-};
-GradientCone makeCone(int circleIntensityType, double maxAngle);
 
 /// Vectors of pixels that a gradient votes for, by its direction. A vector is told by where it stands in the table of places
 /// and how far it lies from the gradient's own pixel in the accumulator.

@@ -21,6 +21,15 @@ inline std::array<double, 2> centerOf(const attr::Pixel2d& pixel)
 {
     return {pixel.get<attr::Pixel2d::X>(), pixel.get<attr::Pixel2d::Y>()};
 }
+inline std::array<double, 3> centerOf(const attr::HoughSphere3dPpties& sphere)
+{
+    typedef attr::HoughSphere3dPpties Sphere;
+    return {sphere.get<Sphere::X>(), sphere.get<Sphere::Y>(), sphere.get<Sphere::Z>()};
+}
+inline std::array<double, 3> centerOf(const attr::Voxel3d& voxel)
+{
+    return {voxel.get<attr::Voxel3d::X>(), voxel.get<attr::Voxel3d::Y>(), voxel.get<attr::Voxel3d::Z>()};
+}
 
 /// The features that stay, in their order.
 template<class Feature>

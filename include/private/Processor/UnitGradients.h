@@ -10,21 +10,26 @@
 namespace orvik { namespace imaproc { namespace fd { namespace {
 
 /// Parts gradients into unit vectors and magnitudes; those of hardly any magnitude stay as they are, with magnitude 1, so
-/// that they count for next to nothing. All buffers have room for whole blocks.
-template<class Sample>
-void toUnitGradients(const Sample* gx, const Sample* gy, unsigned long n, float* unitX, float* unitY, float* magnitude)
+/// that they count for next to nothing. A buffer for each axis; all have room for whole blocks.
+template<class Sample, unsigned int Dims>
+void toUnitGradients(const Sample* const (&gradients)[Dims], unsigned long n, float* const (&units)[Dims], float* magnitude)
 {
     typedef Lanes<float>::type Vector;
-    alignas(64) float roomX[kBlock], roomY[kBlock];
+    alignas(64) float rooms[Dims][kBlock];
     for (unsigned long x = 0; x < n; x += kBlock) {
-        const float* const fromX = widened<float>(gx + x, roomX);
-        const float* const fromY = widened<float>(gy + x, roomY);
+        const float* from[Dims];
+        for (unsigned int axis = 0; axis < Dims; ++axis)
+            from[axis] = widened<float>(gradients[axis] + x, rooms[axis]);
         for (unsigned long i = 0; i < kBlock; i += Lanes<float>::count) {
-            const Vector vx = load(fromX + i), vy = load(fromY + i);
-            const Vector length = squareRoot(vx * vx + vy * vy);
+            Vector v[Dims], squares = {};
+            for (unsigned int axis = 0; axis < Dims; ++axis) {
+                v[axis] = load(from[axis] + i);
+                squares = axis == 0 ? v[axis] * v[axis] : squares + v[axis] * v[axis];
+            }
+            const Vector length = squareRoot(squares);
             const auto isLong = length >= Vector{} + NumericLimits<float>::s_eps;
-            store(unitX + x + i, isLong ? vx / length : vx);
-            store(unitY + x + i, isLong ? vy / length : vy);
+            for (unsigned int axis = 0; axis < Dims; ++axis)
+                store(units[axis] + x + i, isLong ? v[axis] / length : v[axis]);
             store(magnitude + x + i, isLong ? length : Vector{} + 1.0f);
         }
     }

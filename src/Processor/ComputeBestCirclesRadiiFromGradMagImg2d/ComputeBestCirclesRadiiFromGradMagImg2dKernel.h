@@ -5,7 +5,7 @@
 #include "Processor/CircleCenters.h"
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl3.h"
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/RadiusScores.h"
-#include "Processor/RingVotes.h"
+#include "Processor/GradientCone.h"
 #include "Processor/UnitGradients.h"
 
 #include "frame/attr/StripAttributes.h"
@@ -51,8 +51,8 @@ RadiusScores::Row lookAtRow(const Strip& strip, long row, unsigned long line, un
         rows[block] = row;
         const unsigned long x = block * kBlock;
         float unitX[kBlock], unitY[kBlock], magnitudes[kBlock];
-        toUnitGradients(strip.gx->accessBuffer(line) + x, strip.gy->accessBuffer(line) + x, kBlock, unitX, unitY,
-                        magnitudes);
+        const auto *const gx = strip.gx->accessBuffer(line) + x, *const gy = strip.gy->accessBuffer(line) + x;
+        toUnitGradients({gx, gy}, kBlock, {unitX, unitY}, magnitudes);
         for (unsigned long i = 0; i < kBlock; ++i)
             known.codes[x + i] = RadiusScores::codeOf(unitX[i], unitY[i]);
         for (unsigned long i = 0; i < kBlock; ++i)

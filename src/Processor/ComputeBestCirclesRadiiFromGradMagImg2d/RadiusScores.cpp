@@ -1,9 +1,10 @@
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/RadiusScores.h"
 
+#include "Processor/PlaceRecords.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <string>
 
 namespace orvik { namespace imaproc { namespace fd {
 
@@ -27,14 +28,11 @@ BoolResult RadiusScores::init(const HoughCirclesKernelXY& kernel, const HoughCir
                               unsigned long nbColumns)
 {
     typedef HoughCirclesKernelXYElt Elt;
-    minRadius = range.get<HoughCirclesRadiusRange::MinRadius>();
-    maxRadius = range.get<HoughCirclesRadiusRange::MaxRadius>();
-    if (maxRadius < 0)
-        return failure("The greatest radius, " + std::to_string(maxRadius) + ", is negative");
+    const BoolResult fits = initSums(range);
+    if (!fits)
+        return fits;
     const auto& nodes = kernel.get<HoughCirclesKernelXY::Coll>().getNodes();
     const std::size_t nbRadii = static_cast<std::size_t>(maxRadius) + 1, nbRows = 2 * nbRadii - 1;
-    sums.assign(nbRadii, 0.0);
-    counts.assign(nbRadii, 0);
     m_nbBlocks = (nbColumns + nbRows) / g_block + 1;
     m_pitch = (m_nbBlocks + 1) * g_block;
     m_gradients.assign(m_pitch * nbRows, Gradient());
@@ -47,8 +45,7 @@ BoolResult RadiusScores::init(const HoughCirclesKernelXY& kernel, const HoughCir
         const long dx = node->get<Elt::OffsetX>(), dy = node->get<Elt::OffsetY>();
         const long radius = static_cast<long>(node->get<Elt::Radius>());
         if (std::max({std::labs(dx), std::labs(dy), radius}) > maxRadius)
-            return failure("A place of the rings, at offset (" + std::to_string(dx) + ", " + std::to_string(dy)
-                           + "), lies beyond the greatest radius, " + std::to_string(maxRadius));
+            return placeIsBeyond("rings", {dx, dy}, maxRadius);
         if (runs.empty() || runs.back().dy != dy
             || runs.back().dx + static_cast<long>(places.size() - runs.back().begin) != dx)
             runs.push_back({dx, dy, places.size(), places.size()});
@@ -59,20 +56,6 @@ BoolResult RadiusScores::init(const HoughCirclesKernelXY& kernel, const HoughCir
     }
     codes.resize(places.size() + 2 * g_block);
     return success();
-}
-
-double RadiusScores::best()
-{
-    double radius = static_cast<double>(minRadius), highest = 0.0;
-    for (long r = std::max(minRadius, 0l); r <= maxRadius; ++r) {
-        const std::size_t i = static_cast<std::size_t>(r);
-        const double score = counts[i] != 0 ? sums[i] / static_cast<double>(counts[i]) : sums[i];
-        if (score > highest) {
-            highest = score;
-            radius = static_cast<double>(r);
-        }
-    }
-    return radius;
 }
 
 }}}  // namespace orvik::imaproc::fd

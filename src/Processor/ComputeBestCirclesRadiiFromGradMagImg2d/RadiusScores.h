@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Processor/RadiusSums.h"
+
 #include "frame/attr/Records.h"
 #include "frame/util/ProcessingResult.h"
 
@@ -11,7 +13,7 @@ namespace orvik { namespace imaproc { namespace fd {
 
 /// The places that radii are scored on, in raster order, the gradients about centres, as far as they were
 /// looked at, and what a score is summed in.
-struct RadiusScores
+struct RadiusScores : RadiusSums
 {
     /// Places of a row whose columns follow one another.
     struct Run
@@ -39,8 +41,6 @@ struct RadiusScores
     /// For lines of `nbColumns` pixels with margins. Fails for places beyond the greatest radius.
     BoolResult init(const attr::HoughCirclesKernelXY& kernel, const attr::HoughCirclesRadiusRange& range,
                     unsigned long nbColumns);
-    /// The best radius, by what `sums` holds.
-    double best();
     /// Row `y` of the strip, which lies in the place of the one that is no longer within reach.
     Row row(long y);
     /// Where it is told which row the blocks of that place have.
@@ -50,12 +50,9 @@ struct RadiusScores
     static unsigned char codeOf(float x, float y);
     static constexpr double g_codesPerRadian = 128.0 / 3.141592653589793, g_codeError = 0.58;
 
-    long minRadius = 0, maxRadius = 0;
     std::vector<Run> runs;
     std::vector<Place> places;
     std::vector<unsigned char> codes;  // of their directions
-    std::vector<double> sums;          // by whole radius
-    std::vector<unsigned int> counts;  // of places
 
 private:
     std::size_t m_pitch = 0, m_nbBlocks = 0;

@@ -43,7 +43,7 @@ static Ptr<HoughCirclesPhaseCodedKernelXY> makePhaseCodedKernelXY(const HoughCir
     typedef HoughCirclesPhaseCodedKernelXYElt E;
     const long least = range.get<HoughCirclesRadiusRange::MinRadius>();
     const double span = static_cast<double>(range.get<HoughCirclesRadiusRange::MaxRadius>()) - static_cast<double>(least);
-    return placeRecords<HoughCirclesPhaseCodedKernelXY>(range, nbMaxPts, [=](const RingPlace& place, E& node) {
+    return placeRecords<HoughCirclesPhaseCodedKernelXY>(ringPlaces(range, nbMaxPts), [=](const RingPlace& place, E& node) {
         setPlace(place, node);
         const double wholeTurn = 6.283185307179586;
         const double phase = static_cast<double>(place.radius - static_cast<float>(least)) * wholeTurn / span;
