@@ -1,0 +1,2 @@
+#define ORVIK_UNIT_AVX
+#include "Processor/HoughSpheres3dImg/HoughSpheres3dImgKernel.h"
