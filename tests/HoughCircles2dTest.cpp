@@ -226,25 +226,6 @@ TEST_P(PhaseKernel, ReadsRadiiFromAnglesForStripsAndThreads)
 
 // --- the whole search
 
-/// Removal as it is defined, on a list of x, y, radius and value.
-std::vector<Numbers> withoutTooClose(std::vector<Numbers> circles, double factor)
-{
-    for (std::size_t j = 1; j < circles.size();) {
-        bool isClose = false;
-        for (std::size_t i = 0; i < j; ++i) {
-            const double dx = circles[j][0] - circles[i][0], dy = circles[j][1] - circles[i][1];
-            const double limit = std::min(circles[j][2], circles[i][2]) * (factor - 1.0)
-                                 + std::max(circles[j][2], circles[i][2]);
-            isClose = isClose || limit * limit > dx * dx + dy * dy;
-        }
-        if (isClose)
-            circles.erase(circles.begin() + static_cast<std::ptrdiff_t>(j));
-        else
-            ++j;
-    }
-    return circles;
-}
-
 struct SearchOptions
 {
     RingOptions rings;
@@ -276,15 +257,7 @@ Numbers stageByStage(const ImagePtr& gx, const ImagePtr& gy, const SearchOptions
             gx, gy, rings.type, range, rings.angle, rings.nbPts,
             extractLocalExtrema2d(re, 1, 1, createLocalExtremaConfig(eLET_StrictMaxima, threshold)), list);
     }
-    std::vector<Numbers> circles;
-    for (const auto& circle : list->get<HoughCircles2dPpties::Coll>().getNodes())
-        circles.push_back(numbersOf(*circle));
-    if (o.isRemoved)
-        circles = withoutTooClose(circles, o.factor);
-    Numbers all = {static_cast<double>(circles.size())};
-    for (const Numbers& circle : circles)
-        append(all, circle);
-    return all;
+    return o.isRemoved ? withoutTooClose(numbersOf(list), 4, o.factor) : numbersOf(list);
 }
 
 TEST(HoughCircles2d, IsItsStages)

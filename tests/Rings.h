@@ -115,7 +115,31 @@ private:
     std::vector<Gradient> m_gradients;
 };
 
-/// The same with one NaN for all.
+/// Removal as it is defined, on a list of features of `nbLeaves` numbers, the last two of them radius and value.
+inline Numbers withoutTooClose(const Numbers& list, std::size_t nbLeaves, double factor)
+{
+    std::vector<Numbers> kept;
+    for (auto leaves = list.begin() + 1; leaves != list.end(); leaves += static_cast<std::ptrdiff_t>(nbLeaves)) {
+        const Numbers feature(leaves, leaves + static_cast<std::ptrdiff_t>(nbLeaves));
+        const double radius = feature[nbLeaves - 2];
+        const bool isClose = std::any_of(kept.begin(), kept.end(), [&](const Numbers& other) {
+            const double limit = std::min(radius, other[nbLeaves - 2]) * (factor - 1.0)
+                                 + std::max(radius, other[nbLeaves - 2]);
+            double squares = 0;
+            for (std::size_t axis = 0; axis + 2 < nbLeaves; ++axis)
+                squares += (feature[axis] - other[axis]) * (feature[axis] - other[axis]);
+            return limit * limit > squares;
+        });
+        if (!isClose)
+            kept.push_back(feature);
+    }
+    Numbers all = {static_cast<double>(kept.size())};
+    for (const Numbers& feature : kept)
+        append(all, feature);
+    return all;
+}
+
+/// Numbers with one NaN for all.
 inline Numbers withOneNan(Numbers numbers)
 {
     for (double& number : numbers)

@@ -204,6 +204,13 @@ boost::shared_ptr<Image> planesOf(const BasePlanIndexedColl& coll, const boost::
     return image && coll.getNbPlans() == 1 ? image->getView(PlanIndex(), 1) : image;
 }
 
+/// The same for volumes.
+template<class Image>
+boost::shared_ptr<Image> volumesOf(const BasePlanIndexedColl& coll, const boost::shared_ptr<Image>& image)
+{
+    return image && coll.getNbPlans() == 1 ? image->getView(PlanIndex(), image->getSizeZ()) : image;
+}
+
 template<class A, class Key>
 struct ResultsOf
 {

@@ -1,8 +1,8 @@
 #include "Processor/HoughCircles2d/HoughCircles2dLvl1.h"
 
+#include "Processor/AccumulatorSearch.h"
 #include "Processor/HoughCircles2d/HoughCircles2dLvl2.h"
 #include "Processor/RadiusRange.h"
-#include "Rule/RealImageRule.h"
 
 #include "frame/attr/ImageAttributes.h"
 #include "frame/attr/ValueAttributes.h"
@@ -18,13 +18,6 @@ namespace orvik { namespace imaproc { namespace fd {
 using namespace attr;
 
 ORVIK_DEFINE_PROCESSOR(HoughCircles2dLvl1)
-
-/// Where a result is given, it has the size of the input, and floats.
-template<class In, class Out>
-static processor::RulePtr fitsIfSet(const boost::shared_ptr<In>& in, const boost::shared_ptr<Out>& out)
-{
-    return If(processor::isSet(out), matchSize(in, out) && isReal(in, out));
-}
 
 template<class In>
 static processor::RulePtr radiusFits(const boost::shared_ptr<In>& in,

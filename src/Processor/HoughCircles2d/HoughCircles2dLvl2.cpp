@@ -1,5 +1,6 @@
 #include "Processor/HoughCircles2d/HoughCircles2dLvl2.h"
 
+#include "Processor/AccumulatorSearch.h"
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl1.h"
 #include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl2.h"
 #include "Processor/ExtractLocalExtrema2d/ExtractLocalExtrema2dLvl2.h"
@@ -64,21 +65,10 @@ processor::RetrievalResult HoughCircles2dLvl2::houghCirclePhaseCoded(const core:
                                                      same<OutComplexImImg>(value<OutOptRealImg2>()));
 }
 
-double HoughCircles2dLvl2::ratioOfMax() const
-{
-    return value<InAccumIntensityThreshold>()->get<AccumIntensityThreshold::RatioOfMax>();
-}
-
-// A ratio that is none asks for no measure: written so that NaN is none.
-static bool isMeasured(double ratioOfMax)
-{
-    return ratioOfMax > NumericLimits<double>::s_eps;
-}
-
 processor::RetrievalResult HoughCircles2dLvl2::statsMsr(const core::BasePriority& priority, processor::ProviderPtr& provider)
 {
     m_stats = StatsResult::createNode();
-    if (!isMeasured(ratioOfMax()))
+    if (!isMaxNeeded(*value<InAccumIntensityThreshold>()))
         return processor::eRRT_ProviderRetrieved;
     return delegate<glbmsr::StatsMsrLvl2>(priority, provider, same<InSubImg2d>(value<OutRealImg1>()),
                                           same<OutStatsResult>(m_stats));
@@ -88,7 +78,7 @@ processor::RetrievalResult HoughCircles2dLvl2::maxL2Norm(const core::BasePriorit
                                                          processor::ProviderPtr& provider)
 {
     m_stats = StatsResult::createNode();
-    if (!isMeasured(ratioOfMax()))
+    if (!isMaxNeeded(*value<InAccumIntensityThreshold>()))
         return processor::eRRT_ProviderRetrieved;
     return delegate<MaxL2Norm2MsrLvl2>(priority, provider, same<InSubImg2d1>(value<OutRealImg1>()),
                                        same<InSubImg2d2>(value<OutOptRealImg2>()), same<OutStatsResult>(m_stats));
@@ -96,11 +86,7 @@ processor::RetrievalResult HoughCircles2dLvl2::maxL2Norm(const core::BasePriorit
 
 double HoughCircles2dLvl2::getThreshold() const
 {
-    const double absolute = value<InAccumIntensityThreshold>()->get<AccumIntensityThreshold::AbsoluteThreshold>();
-    if (!isMeasured(ratioOfMax()))
-        return absolute;
-    const double relative = ratioOfMax() * m_stats->get<StatsResult::Max>();
-    return relative > absolute ? relative : absolute;
+    return lowestPeak(*value<InAccumIntensityThreshold>(), *m_stats);
 }
 
 processor::RetrievalResult HoughCircles2dLvl2::localExtrema(const core::BasePriority& priority,

@@ -26,7 +26,6 @@ class ORVIK_API HoughCircles2dLvl2
 
 private:
     bool isPhaseCoded() const;
-    double ratioOfMax() const;
     processor::RetrievalResult houghCircle(const core::BasePriority& priority, processor::ProviderPtr& provider);
     processor::RetrievalResult houghCirclePhaseCoded(const core::BasePriority& priority, processor::ProviderPtr& provider);
     processor::RetrievalResult statsMsr(const core::BasePriority& priority, processor::ProviderPtr& provider);
