@@ -89,7 +89,7 @@ protected:
     }
 };
 /// Label and binary images are served by the kernels of their sample types.
-std::vector<TypeAndSet> kernelsOfSamples()
+std::vector<TypeAndSets> kernelsOfSamples()
 {
     return kernelsOf({eIBT_Int8, eIBT_UInt8, eIBT_Int16, eIBT_UInt16, eIBT_Int32, eIBT_UInt32, eIBT_Real32});
 }
