@@ -65,6 +65,8 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     ORVIK_CALLS(cannySurfaces3dImg, planes, planes, planes, thresholds);
     ORVIK_CALLS(harrisCorner2dImg, planes, 1.0f);
     ORVIK_PLANE_CALLS(harrisCorner2d, 1.0f, 5ul, 2u);
+    ORVIK_CALLS(harrisCorner3dImg, planes, 1.0f);
+    ORVIK_PLANE_CALLS(harrisCorner3d, 1.0f, 5ul, 2u);
     ORVIK_PLANE_CALLS(extractLocalExtrema2d, 2u, 1u);
     ORVIK_PLANE_CALLS(extractLocalExtrema3d, 2u, 1u, 1u);
     ORVIK_CALLS(houghCircles2dImg, plane, other, radii);

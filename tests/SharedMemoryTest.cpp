@@ -9,6 +9,8 @@
 #include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
+#include "Processor/HarrisCorner3d/HarrisCorner3dLvl1.h"
+#include "Processor/HarrisCorner3dImg/HarrisCorner3dImgLvl1.h"
 #include "Processor/HoughCircles2d/HoughCircles2dLvl1.h"
 #include "Processor/HoughCircles2dImg/HoughCircles2dImgLvl1.h"
 #include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgLvl1.h"
@@ -30,6 +32,7 @@
 #include "siblings/Filtering/Processor/GaussianGradient2dImg/GaussianGradient2dImgLvl1.h"
 #include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"
 #include "siblings/Filtering/Processor/StructureTensor2dImg/StructureTensor2dImgLvl2.h"
+#include "siblings/Filtering/Processor/StructureTensor3dImg/StructureTensor3dImgLvl2.h"
 #include "siblings/Utility/Processor/BasicThresholdImg/BasicThresholdImgLvl1.h"
 
 #include <set>
@@ -131,6 +134,32 @@ ImagesOfClass tensor()
         Results<OutGxGxImg, OutGyGyImg, OutGxGyImg>());
 }
 
+typedef std::vector<std::pair<std::string, std::string>> Pairs;
+
+ImagesOfClass harris3d(eImageBufferType in)
+{
+    Pairs same = {{"InImg3d", "OutImg"}};
+    for (const char* const wk : {"OutWk1Img", "OutWk2Img", "OutWk3Img", "OutWk4Img", "OutWk5Img", "OutWk6Img"})
+        same.emplace_back(wk, "OutImg");
+    for (const char* const wk : {"OutWk4Img", "OutWk5Img", "OutWk6Img"})
+        same.emplace_back("InImg3d", wk);
+    TypesAndSizes images(8, {eIBT_Real32, g_planes});
+    images[0].first = in;
+    return imagesOf<fd::HarrisCorner3dImgLvl1, InImg3d, OutWk1Img, OutWk2Img, OutWk3Img, OutWk4Img, OutWk5Img, OutWk6Img,
+                    OutImg>(images, same, with<>(), Results<OutImg>());
+}
+
+ImagesOfClass tensor3d(eImageBufferType out)
+{
+    TypesAndSizes images(9, {out, g_planes});
+    images[7].first = eIBT_Real32;
+    return imagesOf<filter::StructureTensor3dImgLvl2, InSubGxImg3d, InSubGyImg3d, InSubGzImg3d, OutGxGxImg, OutGyGyImg,
+                    OutGzGzImg, OutGxGyImg, OutGxGzImg, OutGyGzImg>(
+        images, {{"InSubGxImg3d", "OutGxGxImg"}, {"InSubGyImg3d", "OutGyGyImg"}, {"InSubGzImg3d", "OutGzGzImg"}},
+        with<InSmoothingStdDev, InGaussianCoverage>(1.0f, GaussianCoverage::createNode(4.0)),
+        Results<OutGxGxImg, OutGyGyImg, OutGzGzImg, OutGxGyImg, OutGxGzImg, OutGyGzImg>());
+}
+
 /// From a grey image, or from its gradient.
 ImagesOfClass circles(bool isGrey)
 {
@@ -169,6 +198,16 @@ std::vector<ImagesOfClass> allClasses()
             TypesAndSizes(4, {eIBT_Real32, g_planes}), {{"InImg", "OutWk3Img"}},
             with<InLocalExtremaConfig, InFeaturesDistX, InFeaturesDistY>(createLocalExtremaConfig(), 2, 1),
             Results<OutPIPixels2d>()),
+        harris3d(eIBT_Real32),
+        harris3d(eIBT_Int32),
+        tensor3d(eIBT_Real32),
+        tensor3d(eIBT_Int16),
+        imagesOf<fd::HarrisCorner3dLvl1, InImg3d, OutWk1Img, OutWk2Img, OutWk3Img, OutWk4Img, OutWk5Img, OutWk6Img>(
+            TypesAndSizes(7, {eIBT_Real32, g_planes}),
+            {{"InImg3d", "OutWk4Img"}, {"InImg3d", "OutWk5Img"}, {"InImg3d", "OutWk6Img"}},
+            with<InLocalExtremaConfig, InFeaturesDistX, InFeaturesDistY, InFeaturesDistZ>(createLocalExtremaConfig(), 2, 1,
+                                                                                          1),
+            Results<OutPIVoxels3d>()),
         circles(true),
         circles(false),
         imagesOf<fd::HoughCircles2dImgLvl1, InGxGreyImg2d, InGyGreyImg2d, OutRealImg>(

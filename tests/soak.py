@@ -40,6 +40,8 @@ ARGUMENTS = {
     "extractLocalExtrema3d": lambda draw, a, b: ((a, seldom(draw, -1, 1, 4), 2, draw.choice([0, 2])), {}),
     "harrisCorner2dImg": lambda draw, a, b: ((a, seldom(draw, 0, 0.5, 2), draw.choice([None, numpy.empty(a.shape, "f4")])), {}),
     "harrisCorner2d": lambda draw, a, b: ((a, seldom(draw, -1, 20), 3), {"harrisK": draw.choice([None, 0.1])}),
+    "harrisCorner3dImg": lambda draw, a, b: ((a, seldom(draw, 0, 0.5, 2)), {"harrisK": draw.choice([None, 0.02])}),
+    "harrisCorner3d": lambda draw, a, b: ((a, seldom(draw, -1, 20), 3), {"cornerResponseType": draw.choice([None, 0])}),
     "houghLines2dImg": lambda draw, a, b: ((a,), {"nbThetaBins": seldom(draw, 0, 10, 90)}),
     "houghLines2d": lambda draw, a, b: ((a,), {"peakDist": seldom(draw, "x", 1, 5)}),
     "houghLinesGradient2dImg": lambda draw, a, b: ((a, b), {"nbThetaBins": seldom(draw, 0, 10, 90)}),

@@ -8,6 +8,8 @@
 #include "Processor/ExtractLocalExtrema3d/ExtractLocalExtrema3dLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
 #include "Processor/HarrisCorner2dImg/HarrisCorner2dImgLvl1.h"
+#include "Processor/HarrisCorner3d/HarrisCorner3dLvl1.h"
+#include "Processor/HarrisCorner3dImg/HarrisCorner3dImgLvl1.h"
 #include "Processor/HoughCircles2d/HoughCircles2dLvl1.h"
 #include "Processor/HoughCircles2dImg/HoughCircles2dImgLvl1.h"
 #include "Processor/HoughCirclesPhaseCoded2dImg/HoughCirclesPhaseCoded2dImgLvl1.h"

@@ -38,6 +38,12 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
        == small, maxNbCorners=9, featuresDistX=3, featuresDistY=3, nbStdDev=4, cornerResponseType=1, harrisK=0.04
        != small, 1.5, 9, 3 != small, 8, 3 != small, 9, 4 != small, 1, 9, 4000, 3, 3 != small, 9, 3, nbStdDev=2
        != small, 9, 3, cornerResponseType=0 != small, 9, 3, harrisK=0.1""",
+    """harrisCorner3dImg: many == inImg3d=many == many, 1, nbStdDev=4, cornerResponseType=1, harrisK=0.005
+       != many, 1.5 != many, nbStdDev=2 != many, cornerResponseType=0 != many, harrisK=0.02""",
+    """harrisCorner3d: many, 9, 3 == many, 1, 9, 3 == many, None, 9, None, 3, 3, 3 == many, 1, 9, -1e30, featuresDist=3
+       == inImg3d=many, maxNbCorners=9, featuresDistX=3, featuresDistY=3, featuresDistZ=3, nbStdDev=4, harrisK=0.005
+       != many, 1.5, 9, 3 != many, 8, 3 != many, 9, 1 != many, 1, 9, 1e9, 3, 3, 3 != many, 9, 3, nbStdDev=2
+       != many, 9, 3, cornerResponseType=0 != many, 9, 3, harrisK=0.02""",
     """houghLines2dImg: small == small, rhoStep=1, thetaMin=0, thetaMax=3.141592653589793, nbThetaBins=180, pixelThreshold=0
        != small, rhoStep=2 != small, thetaMin=1 != small, thetaMax=1 != small, nbThetaBins=90 != small, pixelThreshold=9""",
     """houghLines2d: edge == edge, rhoStep=1, thetaMin=0, thetaMax=3.141592653589793, nbThetaBins=180, pixelThreshold=0
@@ -215,6 +221,20 @@ def test_volumesHaveOneListEach(rng):
         assert (many[t, c][z, y, x] == found["Value"]).all() and many[t, c].max() == found["Value"][0]
     with pytest.raises(orvik_fd.Error, match="one volume is expected, not 6"):
         orvik_fd.extractLocalExtrema3d(many, 2, 2, 1)
+
+
+def test_cornersOfVolumesAreThoseOfABox(rng):
+    volume = numpy.zeros((20, 24, 28), numpy.uint8)
+    volume[5:15, 6:18, 7:21] = 200
+    lists = orvik_fd.multiSlice_harrisCorner3d(numpy.stack([volume, volume[::-1]]), 8, 4)
+    assert lists.keys() == {(0, 0, 0), (0, 1, 0)}
+    for found in lists.values():
+        assert {tuple(corner)[:3] for corner in found.tolist()} == {(x, y, z) for x in (8, 19) for y in (7, 16) for z in (6, 13)}
+    response = orvik_fd.harrisCorner3dImg(volume)
+    assert response.max() == lists[0, 0, 0]["Value"][0] > 100
+    assert orvik_fd.harrisCorner3dImg(volume[:4, :4, :4]).max() == pytest.approx(2 ** (-23 / 3), rel=1e-5)
+    with pytest.raises(TypeError, match="takes featuresDist or featuresDistX, featuresDistY and featuresDistZ, not both"):
+        orvik_fd.harrisCorner3d(volume, maxNbCorners=3, featuresDist=3, featuresDistZ=3)
 
 
 def test_theExampleOfTheReadmeFindsTheSquare():

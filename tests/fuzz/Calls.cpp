@@ -248,6 +248,9 @@ const Exceptions floatVotes = {[](const Scenario& scenario, const Setting& setti
 /// The same; and vectors have an arc tangent of their own.
 const Exceptions gradientVotes = {[](const Scenario&, const Setting& setting) { return setting.nbThreads > 1; }, true};
 
+/// The pair of sets with fused operations, which is the newest there.
+const Exceptions fusedCorners = {[](const Scenario&, const Setting& setting) { return setting.set == core::eIS_Avx2; }};
+
 // --- the functions
 
 struct Family
@@ -302,6 +305,17 @@ const Family kFamilies[] = {
     family("harrisCorner2d, deviation", none, PLANES(harrisCorner2d), in, stdDev, most, distance),
     family("harrisCorner2d, all", none, PLANES(harrisCorner2d), in, stdDev, coverageRecord, cornerParams, most, threshold,
            distance, distance),
+    family("harrisCorner3dImg", fusedCorners, FUNCTION(harrisCorner3dImg), in),
+    family("harrisCorner3dImg, deviation", fusedCorners, FUNCTION(harrisCorner3dImg), in, stdDev),
+    family("harrisCorner3dImg, into", fusedCorners, FUNCTION(harrisCorner3dImg), in, stdDev, coverageRecord, cornerParams, out),
+    family("HarrisCorner3dImgLvl1", fusedCorners,
+           processorCall<HarrisCorner3dImgLvl1, OutImg, InImg3d, InOptGradStdDev, InOptGradientGaussianCoverage,
+                         InOptCornerDetectionParams3d, OutWk1Img, OutWk4Img, OutWk6Img, OutImg>,
+           in, stdDev, coverageRecord, cornerParams, working, working, working, outOrNone),
+    family("harrisCorner3d", fusedCorners, PLANES(harrisCorner3d), in, most, distance),
+    family("harrisCorner3d, deviation", fusedCorners, PLANES(harrisCorner3d), in, stdDev, most, distance),
+    family("harrisCorner3d, all", fusedCorners, PLANES(harrisCorner3d), in, stdDev, coverageRecord, cornerParams, most,
+           threshold, distance, distance, distance),
     family("extractLocalExtrema2d", none, PLANES(extractLocalExtrema2d), in, distance, distance),
     family("extractLocalExtrema2d, all", none, PLANES(extractLocalExtrema2d), in, distance, distance, extremaConfig),
     family("extractLocalExtrema3d", none, PLANES(extractLocalExtrema3d), in, distance, distance, distance),
