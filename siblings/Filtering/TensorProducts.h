@@ -33,10 +33,10 @@ public:
         if (out)
             m_products[m_nbProducts++] = {a, b, out, lineFilterFor<false, Sum>(type)};
     }
-    const In& getGradients() const { return *m_gradients[0]; }
+    const In& getGradient(unsigned long i) const { return *m_gradients[i]; }
 
-    /// Line `y` of `sizeY` of a plane or slice. Lines of a product that is a gradient are overwritten here: the parsers have
-    /// copied theirs and those below before. `row(gradient, line)` is a line of the kernel.
+    /// Line `y` of `sizeY` of a plane or slice. Lines of a product that is a gradient are overwritten here: those of the kernel
+    /// were copied before. `row(gradient, line)` is one of them.
     template<class Row>
     void smooth(TensorBuffers& buffers, unsigned long y, unsigned long sizeY, const processor::ProcessingInfo& info,
                 const Row& row) const
@@ -51,7 +51,7 @@ public:
             [&](unsigned long line, unsigned long x, Sum* to, unsigned long distance) {
                 const Sum* gradients[N];
                 for (unsigned long i = 0; i < N; ++i)
-                    gradients[i] = widened(row(*m_gradients[i], line) + x, rooms[i]);
+                    gradients[i] = widened(row(i, line) + x, rooms[i]);
                 for (unsigned long p = 0; p < m_nbProducts; ++p) {
                     const Sum* const a = gradients[m_products[p].a];
                     const Sum* const b = gradients[m_products[p].b];

@@ -30,8 +30,10 @@ BoolResult StructureTensor2dImgLvl3::genericProcessFunction(const processor::Pro
     });
     if (!strip)
         return wrongSampleType();
-    strip->smooth(m_buffers, info.lineIndex, strip->getGradients().getStrip().getNbLines(), info,
-                  [](const auto& gradient, unsigned long line) { return gradient.accessBuffer(line); });
+    strip->smooth(m_buffers, info.lineIndex, strip->getGradient(0).getStrip().getNbLines(), info,
+                  [&](unsigned long gradient, unsigned long line) {
+                      return strip->getGradient(gradient).accessBuffer(line);
+                  });
     return success();
 }
 

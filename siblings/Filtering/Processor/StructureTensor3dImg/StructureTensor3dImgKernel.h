@@ -34,9 +34,12 @@ BoolResult StructureTensor3dImgLvl3::genericProcessFunction(const processor::Pro
     });
     if (!strip)
         return wrongSampleType();
-    const unsigned long sizeY = strip->getGradients().getStrip().getNbLinesOfElement();
-    strip->smooth(m_buffers, info.lineIndex % sizeY, sizeY, info,
-                  [](const auto& gradient, unsigned long line) { return gradient.accessBuffer(0, line); });
+    const unsigned long sizeY = strip->getGradient(0).getStrip().getNbLinesOfElement();
+    const unsigned long y = info.lineIndex % sizeY;
+    readLines(info.lineIndex);
+    strip->smooth(m_buffers, y, sizeY, info, [&](unsigned long gradient, unsigned long line) {
+        return static_cast<const Sample*>(getLine(gradient, y, line));
+    });
     return success();
 }
 

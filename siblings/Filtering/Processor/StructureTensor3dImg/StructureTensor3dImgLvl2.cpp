@@ -1,7 +1,6 @@
 #include "siblings/Filtering/Processor/StructureTensor3dImg/StructureTensor3dImgLvl2.h"
 
 #include "siblings/Filtering/GaussianRules.h"
-#include "siblings/Filtering/GaussianWeights.h"
 #include "siblings/Filtering/Processor/SmoothSlices3dImg/SmoothSlices3dImgLvl3.h"
 #include "siblings/Filtering/Processor/StructureTensor3dImg/StructureTensor3dImgLvl3.h"
 
@@ -69,12 +68,7 @@ void StructureTensor3dImgLvl2::clearIntermediateData() noexcept
 processor::RetrievalResult StructureTensor3dImgLvl2::multiply(
     const core::BasePriority& priority, processor::ProviderPtr& provider, const ImagePtr (&products)[6]) const
 {
-    const double coverage = value<InGaussianCoverage>()->get<GaussianCoverage::NbStdDev>();
-    image::StripMargins margins;
-    margins.startY = margins.endY =
-        std::min(static_cast<unsigned long>(getGaussianHalfSize(value<InSmoothingStdDev>(), coverage)),
-                 value<InSubGxImg3d>()->getSizeY());
-    margins.endX = 63;  // with the sample that every line has beyond it a block, so that lines begin where vectors do
+    const image::StripMargins margins;  // slices are for themselves, and have all their lines
     return dispatch<StructureTensor3dImgLvl3>(
         priority, provider, stripsWithMargins<InGxKnlZStrip3d>(value<InSubGxImg3d>(), margins),
         stripsWithMargins<InGyKnlZStrip3d>(value<InSubGyImg3d>(), margins),
