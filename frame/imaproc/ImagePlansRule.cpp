@@ -25,7 +25,9 @@ public:
     bool testRule() const override
     {
         const boost::shared_ptr<const BaseAttribute> coll = getAttribute1(), image = getAttribute2();
-        if (!coll->hasValue() || !image->hasValue() || planIndexed(*coll)->getNbPlans() == 0)
+        if (!coll->hasValue() || !image->hasValue())
+            return true;
+        if (coll->isOutput() && planIndexed(*coll)->getNbPlans() == 0)  // gets an entry for each
             return true;
         return planIndexed(*coll)->getPlans() == plansOf(sizesOf(*image), m_policy);
     }

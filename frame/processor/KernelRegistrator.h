@@ -33,6 +33,11 @@ typedef KernelTypes<KernelType<image::eIBT_Real32, float>> Real32KernelTypes;
 typedef KernelTypes<KernelType<image::eIBT_UInt8, unsigned char>, KernelType<image::eIBT_Binary, unsigned char>,
                     KernelType<image::eIBT_Label8, unsigned char>>
     UInt8KernelTypes;
+/// What labels are kept in: unsigned integers by any name.
+typedef KernelTypes<KernelType<image::eIBT_UInt8, unsigned char>, KernelType<image::eIBT_UInt16, unsigned short>,
+                    KernelType<image::eIBT_UInt32, unsigned int>, KernelType<image::eIBT_Label8, unsigned char>,
+                    KernelType<image::eIBT_Label16, unsigned short>, KernelType<image::eIBT_Label32, unsigned int>>
+    LabelKernelTypes;
 
 /// Logs, at TRACE, kernels that could not be registered: a less efficient one serves.
 ORVIK_API void logFailedRegistrations(const std::string& failures, const char* file);

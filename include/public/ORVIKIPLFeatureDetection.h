@@ -17,6 +17,7 @@
 #include "Processor/HoughLines2dImg/HoughLines2dImgLvl1.h"
 #include "Processor/HoughLinesGradient2d/HoughLinesGradient2dLvl1.h"
 #include "Processor/HoughLinesGradient2dImg/HoughLinesGradient2dImgLvl1.h"
+#include "Processor/HoughSpheres3dLabelImg/HoughSpheres3dLabelImgLvl1.h"
 #include "Processor/HoughSpheres3d/HoughSpheres3dLvl1.h"
 #include "Processor/HoughSpheres3dImg/HoughSpheres3dImgLvl1.h"
 

@@ -1,0 +1,56 @@
+#include "Processor/HoughSpheres3dLabelImg/HoughSpheres3dLabelImgLvl3.h"
+
+#include "Processor/HoughSpheres3dLabelImg/HoughSpheres3dLabelImgKernel.h"
+
+#include "frame/attr/StripAttributes.h"
+#include "frame/attr/ValueAttributes.h"
+
+#include <algorithm>
+
+namespace orvik { namespace imaproc { namespace fd {
+
+using namespace attr;
+
+ORVIK_DEFINE_ALGORITHM(HoughSpheres3dLabelImgLvl3)
+
+processor::StageResult HoughSpheres3dLabelImgLvl3::preProcess()
+{
+    const image::OutputImageZStrip3d& strip = *value<OutLabelZStrip3d>();
+    if (!m_slice)
+        m_slice = boost::make_shared<SphereSlice>();
+    SphereSlice& slice = *m_slice;
+    slice.sizeX = strip.getSizeX();
+    slice.sizeY = strip.getSizeY();
+    slice.rowSize = processor::alignedCount(slice.sizeX, getRunGranularity());
+    slice.depths.init(slice.rowSize * slice.sizeY, eDT_Real32);
+    slice.labels.init(slice.rowSize * slice.sizeY, eDT_UInt32);
+    slice.isDrawn.assign(slice.sizeY, 0);
+
+    const unsigned long firstSlice = strip.getStripStartOffsetZ();
+    const unsigned long endSlice = firstSlice + strip.getNbLines() / slice.sizeY;
+    slice.spheres.clear();
+    unsigned int label = 0;
+    for (const auto& sphere : value<InHoughSpheres3dPpties>()->get<HoughSpheres3dPpties::Coll>().getNodes()) {
+        ++label;
+        if (!sphere)
+            continue;
+        const auto leaf = [](double value) { return static_cast<float>(value); };
+        DrawnSphere drawn{leaf(sphere->get<HoughSphere3dPpties::X>()),
+                          leaf(sphere->get<HoughSphere3dPpties::Y>()),
+                          leaf(sphere->get<HoughSphere3dPpties::Z>()),
+                          leaf(sphere->get<HoughSphere3dPpties::Radius>()),
+                          label,
+                          0,
+                          0};
+        if (!(drawn.radius >= 0))
+            continue;
+        const Reach reach(static_cast<double>(drawn.z), reachOf(drawn), endSlice);
+        drawn.firstSlice = std::max(reach.first, firstSlice);
+        drawn.endSlice = reach.end;
+        if (drawn.firstSlice < drawn.endSlice)
+            slice.spheres.push_back(drawn);
+    }
+    return processor::eSRT_Done;
+}
+
+}}}  // namespace orvik::imaproc::fd
