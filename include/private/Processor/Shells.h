@@ -9,10 +9,16 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <cmath>
 #include <cstddef>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 namespace orvik { namespace imaproc { namespace fd {
+
+struct ShellVoteLists;
 
 /// A place of the shells with what it counts for.
 struct ShellElement
@@ -21,6 +27,13 @@ struct ShellElement
     float units[3];
     float weights[1];
 };
+
+/// The distance of a place, in single precision as it is told.
+inline float radiusOf(int dx, int dy, int dz)
+{
+    return std::sqrt(static_cast<float>(static_cast<long>(dx) * dx + static_cast<long>(dy) * dy
+                                        + static_cast<long>(dz) * dz));
+}
 
 class Shells
 {
@@ -33,6 +46,9 @@ public:
     };
 
     Shells(std::vector<ShellElement> elements, long maxRadius, const GradientCone& cone);
+    ~Shells();
+    Shells(const Shells&) = delete;
+    Shells& operator=(const Shells&) = delete;
 
     const std::vector<ShellElement>& getElements() const { return m_elements; }
     const std::vector<Row>& getRows() const { return m_rows; }
@@ -41,13 +57,26 @@ public:
     /// Whether places outside the volume, where the gradient is 0, add nothing: not where shells count for no places, and their
     /// weights are infinite.
     bool isFinite() const { return m_isFinite; }
+    /// The row of places at such an offset; null where there is none. Of lists that can vote alone.
+    const Row* rowAt(int dy, int dz) const;
+
+    /// Lists for an accumulator whose lines and slices lie that far apart; null when `nbVoxels` voxels are better served by
+    /// gathering, and for lists that are not shells as they are defined, alike in all octants.
+    const ShellVoteLists* votes(unsigned long linePitch, unsigned long slicePitch, double nbVoxels, eRingForm form) const;
 
 private:
+    bool areAlikeInOctants();
+
     std::vector<ShellElement> m_elements;
     std::vector<Row> m_rows;
     long m_maxRadius;
     GradientCone m_cone;
     bool m_isFinite;
+    bool m_canVote;
+    std::vector<int> m_rowPlaces;  // of each offset in y and z
+
+    mutable std::mutex m_mutex;
+    mutable std::map<std::pair<unsigned long, unsigned long>, std::unique_ptr<ShellVoteLists>> m_lists;
 };
 
 /// The shells of a list of places, which must lie within the greatest radius, for a class that has them as attributes, unless

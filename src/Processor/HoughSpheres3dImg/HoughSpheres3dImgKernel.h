@@ -39,7 +39,7 @@ BoolResult HoughSpheres3dImgLvl3::genericProcessFunction(const processor::Proces
     auto* const strip = onceAStrip(info, [&] {
         return ShellStrip{parser<attr::InGxKnlZStrip3d, Sample>(), parser<attr::InGyKnlZStrip3d, Sample>(),
                           parser<attr::InGzKnlZStrip3d, Sample>(), parser<attr::OutZStrip3d, float>(),
-                          ShellAccumulator<Sample>(*m_shells, *m_buffers, info, slices)};
+                          ShellAccumulator<Sample>(*m_shells, *m_buffers, info, slices, s_form)};
     });
     if (!strip)
         return wrongSampleType();

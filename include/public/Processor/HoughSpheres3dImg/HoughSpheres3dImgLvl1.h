@@ -36,9 +36,11 @@ class HoughSpheres3dImgLvl1;
 /// @throws processor::ORVIKBaseProcessingException  for null images, sizes or types that differ, an outImg that is not of
 /// floats or shares memory with an input, shells that take more memory than there is; the text names the attribute and both
 /// values.
-/// Cost: X * Y * Z * places * (about 0.1 ns with AVX-512); places grow with the cube of the radius, so the range decides.
-/// Memory: 2 * radius + 1 slices of four floats a voxel, each line 2 * radius longer, per strip of slices, and the list of
-/// places, some 150 bytes each. The same bits for any strips, threads and instruction set.
+/// Cost: X * Y * Z * places * (about 0.1 ns with AVX-512), or for small angles that of the places that a gradient points to, a
+/// twentieth of it; places grow with the cube of the radius, so the range decides. Memory per strip of slices: some more than
+/// 2 * radius + 1 slices of scores, each 2 * radius lines higher and wider, or for wide angles 2 * radius + 1 slices of four
+/// floats a voxel; for all strips the list of places, some 150 bytes each, and lists of directions. The same bits for any
+/// strips, threads and instruction set.
 ORVIK_API void houghSpheres3dImg(const ConstImagePtr& inGx, const ConstImagePtr& inGy, const ConstImagePtr& inGz,
                                  const ConstPtr<attr::HoughCirclesRadiusRange>& radiusRange,
                                  const attr::eCircleIntensityType& circleIntensityType, double maxAngleWithGradDir,
