@@ -35,12 +35,27 @@ struct Direction
 struct WideCone
 {
     Direction axis;
-    double angle;
+    double angle, squares;  // of the cosine
+
+    WideCone(const Direction& middle, double widest)
+        : axis(middle), angle(widest), squares(std::cos(widest) * std::cos(widest))
+    {
+    }
+    /// Calls f(i) for all whole offsets along an axis, of which the cone's own has `part`, that places up to a distance may have.
+    template<class F>
+    void forEachOffset(double part, int distance, const F& f) const
+    {
+        const double reach = distance + 1.0, turned = std::acos(std::min(1.0, part));
+        const double low = std::min(0.0, std::cos(turned + angle)), high = std::cos(std::max(0.0, turned - angle));
+        for (int i = std::max(-distance, static_cast<int>(std::floor(low * reach)));
+             i <= std::min(distance, static_cast<int>(std::ceil(high * reach))); ++i)
+            f(i);
+    }
 
     /// Limits of x so that (x, y, z) lies within; none where the lower one is greater.
     void limits(double y, double z, double& low, double& high) const
     {
-        const double cosine = std::cos(angle), squares = cosine * cosine, along = axis.y * y + axis.z * z;
+        const double along = axis.y * y + axis.z * z;
         // a x^2 + 2 b x + c >= 0, and axis.x * x + along >= 0
         const double a = axis.x * axis.x - squares, b = axis.x * along, c = along * along - squares * (y * y + z * z);
         const double root = std::sqrt(std::max(0.0, b * b - a * c)), nearlyNone = 1e-7;
@@ -84,7 +99,7 @@ std::vector<WideCone> conesOf(unsigned long nbBins, double open)
                 for (const double du : {0.0, 1.0})
                     for (const double dv : {0.0, 1.0})
                         farthest = std::max(farthest, middle.angleTo(at(du, dv)));
-                cones.push_back({middle, farthest + open + g_slack});
+                cones.emplace_back(middle, farthest + open + g_slack);
             }
     return cones;
 }
@@ -167,35 +182,39 @@ ShellVoteLists makeShellVoteLists(const Shells& shells, unsigned long linePitch,
         const double angle = open + 0.6 / nbBins;
         return static_cast<double>(shells.getElements().size()) * angle * angle / 8;
     };
-    while (lists.nbBins < 16 && static_cast<double>(lists.nbBins) * open < 0.8
+    while (lists.nbBins < 16 && static_cast<double>(lists.nbBins) * open < 1.7
            && 12.0 * static_cast<double>(lists.nbBins * lists.nbBins) * lengthFor(2.0 * static_cast<double>(lists.nbBins))
                   < g_mostEntries)
         lists.nbBins *= 2;
 
     const RowGroups rowGroups(shells);
     std::vector<std::uint32_t> numbers(static_cast<std::size_t>(side * side * nbGroups));  // of the groups that are used
-    for (const WideCone& cone : conesOf(lists.nbBins, open))
-        for (int qz = -radius; qz <= radius + 1; ++qz) {
-            lists.begins.push_back(static_cast<std::uint32_t>(lists.entries[0].size()));
-            for (int qy = -radius; qy <= radius && qz <= radius; ++qy) {
-                double low, high;
-                cone.limits(qy, qz, low, high);
-                if (low > high || qy * qy + qz * qz > (radius + 1) * (radius + 1))
-                    continue;
-                rowGroups.forEach(qy, qz, low, high, [&](long group) {
-                    const std::size_t place =
-                        static_cast<std::size_t>(((qz + radius) * side + qy + radius) * nbGroups + group);
-                    numbers[place] = 1;
-                    const long qx = group * lanes - radius;
-                    for (unsigned int mirrored = 0; mirrored < 4; ++mirrored) {
-                        const long y = mirrored & 1u ? -qy : qy, z = mirrored & 2u ? -qz : qz;
-                        lists.entries[mirrored].push_back({static_cast<std::uint32_t>(place),
-                                                           static_cast<std::int32_t>(qx + y * static_cast<long>(linePitch)
-                                                                                     + z * static_cast<long>(slicePitch))});
-                    }
-                });
+    const auto addRow = [&](const WideCone& cone, int qy, int qz) {
+        double low, high;
+        cone.limits(qy, qz, low, high);
+        if (low > high || qy * qy + qz * qz > (radius + 1) * (radius + 1))
+            return;
+        rowGroups.forEach(qy, qz, low, high, [&](long group) {
+            const std::size_t place = static_cast<std::size_t>(((qz + radius) * side + qy + radius) * nbGroups + group);
+            numbers[place] = 1;
+            const long qx = group * lanes - radius;
+            for (unsigned int mirrored = 0; mirrored < 4; ++mirrored) {
+                const long y = mirrored & 1u ? -qy : qy, z = mirrored & 2u ? -qz : qz;
+                lists.entries[mirrored].push_back(
+                    {static_cast<std::uint32_t>(place),
+                     static_cast<std::int32_t>(qx + y * static_cast<long>(linePitch) + z * static_cast<long>(slicePitch))});
             }
-        }
+        });
+    };
+    for (const WideCone& cone : conesOf(lists.nbBins, open)) {
+        const std::size_t first = lists.begins.size();
+        lists.begins.resize(first + static_cast<std::size_t>(side) + 1, static_cast<std::uint32_t>(lists.entries[0].size()));
+        cone.forEachOffset(cone.axis.z, radius, [&](int qz) {
+            cone.forEachOffset(cone.axis.y, radius, [&](int qy) { addRow(cone, qy, qz); });
+            std::fill(lists.begins.begin() + static_cast<std::ptrdiff_t>(first) + qz + radius + 1, lists.begins.end(),
+                      static_cast<std::uint32_t>(lists.entries[0].size()));
+        });
+    }
     std::uint32_t nbUsed = 0;
     for (std::uint32_t& number : numbers)
         if (number != 0)

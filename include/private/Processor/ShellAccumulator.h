@@ -111,7 +111,7 @@ public:
           m_nbData(info.nbData), m_firstSlice(static_cast<long>(strip.getStripStartOffsetZ())),
           m_endSlice(m_firstSlice + static_cast<long>(strip.getNbElements())), m_nbRows(static_cast<long>(strip.getSizeY())),
           m_nbSlices(static_cast<long>(strip.getImageSizeZ())),
-          m_lists(shells.votes(ShellBuffers::linePitchFor(m_nbAligned, m_radius),
+          m_lists(shells.votes(Lanes<float>::count, ShellBuffers::linePitchFor(m_nbAligned, m_radius),
                                ShellBuffers::slicePitchFor(m_nbAligned, strip.getSizeY(), m_radius),
                                static_cast<double>(m_nbAligned) * static_cast<double>(strip.getNbLines()), form))
     {

@@ -61,8 +61,9 @@ public:
     const Row* rowAt(int dy, int dz) const;
 
     /// Lists for an accumulator whose lines and slices lie that far apart; null when `nbVoxels` voxels are better served by
-    /// gathering, and for lists that are not shells as they are defined, alike in all octants.
-    const ShellVoteLists* votes(unsigned long linePitch, unsigned long slicePitch, double nbVoxels, eRingForm form) const;
+    /// gathering with vectors of `lanes`, and for lists that are not shells as they are defined, alike in all octants.
+    const ShellVoteLists* votes(unsigned long lanes, unsigned long linePitch, unsigned long slicePitch, double nbVoxels,
+                                eRingForm form) const;
 
 private:
     bool areAlikeInOctants();
