@@ -44,6 +44,8 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     // That of the largest sample alone, for the same reason.
     const auto gradientVotes = attr::HoughLinesGradientImgParams::createNode(1.0, -kPi, kPi, 60u, 20.0f);
     const auto radii = attr::createHoughCirclesRadiusRange(2, 6);
+    const ImagePtr volume = drawnImage(image::eIBT_Int16, {sizeX, sizeY, 9}, {0, 0, 1, 4, 9}, 6);
+    const auto shells = attr::createHoughCirclesRadiusRange(2, 4);
     const auto extraction = ConstPtr<attr::HoughLinesExtractionParams>();
 
 #define ORVIK_CALL(space, name, ...) calls.push_back({#name, [=] { return toBeRead(space::name(__VA_ARGS__)); }})
@@ -79,6 +81,10 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     ORVIK_PLANE_CALLS(houghLines2d, votes, extraction);
     ORVIK_CALLS(houghLinesGradient2dImg, plane, other, gradientVotes, 0.1f);
     ORVIK_CALLS(houghLinesGradient2d, plane, other, gradientVotes, extraction, 0.1f);
+
+    ORVIK_CALLS(houghSpheres3dImg, volume, volume, volume, shells);
+    ORVIK_PLANE_CALLS(houghSpheres3d, shells);
+    ORVIK_CALLS(houghSpheres3d, volume, volume, volume, shells, attr::eCIT_Both, 3ul, 0.2, 20u, nullptr, nullptr, nullptr);
 
 #undef ORVIK_CALL
 #undef ORVIK_BACKGROUND_CALL

@@ -5,6 +5,9 @@
 #include "Processor/CannyEdges2dImg/CannyEdges2dImgLvl1.h"
 #include "Processor/CannySurfaces3dImg/CannySurfaces3dImgLvl1.h"
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl1.h"
+#include "Processor/ComputeBestSpheresRadiiFromGradMagImg3d/ComputeBestSpheresRadiiFromGradMagImg3dLvl1.h"
+#include "Processor/HoughSpheres3d/HoughSpheres3dLvl1.h"
+#include "Processor/HoughSpheres3dImg/HoughSpheres3dImgLvl1.h"
 #include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl1.h"
 #include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
@@ -173,6 +176,19 @@ ImagesOfClass circles(bool isGrey)
         with<InOptHoughCircles2dAlgoMethod>(eHCAM_PhaseCoded), Results<OutPIHoughCircles2dPpties>());
 }
 
+/// From a grey volume, or from its gradient.
+ImagesOfClass spheres(bool isGrey)
+{
+    const eImageBufferType none = static_cast<eImageBufferType>(0), real = eIBT_Real32;
+    const std::pair<eImageBufferType, ImageSizes> grey = {isGrey ? eIBT_UInt8 : none, g_planes};
+    const std::pair<eImageBufferType, ImageSizes> gradient = {isGrey ? none : real, g_planes};
+    const std::pair<eImageBufferType, ImageSizes> made = {isGrey ? real : none, g_planes};
+    return imagesOf<fd::HoughSpheres3dLvl1, InOptGreyImg3d, InOptGxGreyImg3d, InOptGyGreyImg3d, InOptGzGreyImg3d,
+                    OutOptRealImg1, OutOptRealImg2, OutOptGradXImg3d, OutOptGradYImg3d, OutOptGradZImg3d>(
+        {grey, gradient, gradient, gradient, {real, g_planes}, {real, g_planes}, made, made, made}, {}, with<>(),
+        Results<OutPIHoughSpheres3dPpties, OutOptRealImg1>());
+}
+
 /// All classes of which a rule looks at more than one image.
 std::vector<ImagesOfClass> allClasses()
 {
@@ -182,6 +198,8 @@ std::vector<ImagesOfClass> allClasses()
     const ImagePtr votesOfGradientLines = fd::multiSlice_houghLinesGradient2d(voters, voters).second;
     const auto centers = Pixels2d::createNode();
     centers->access<Pixels2d::Coll>().push_back(Pixel2d::createNode(7, 9, 1));
+    const auto voxels = Voxels3d::createNode();
+    voxels->access<Voxels3d::Coll>().push_back(Voxel3d::createNode(7, 5, 1, 1));
     const auto radii = createHoughCirclesRadiusRange(2, 6);
     const TypesAndSizes twoPlanes(2, {eIBT_Real32, g_plane});
     const TypesAndSizes twoOfReals(2, {eIBT_Real32, g_planes});
@@ -224,6 +242,15 @@ std::vector<ImagesOfClass> allClasses()
             with<InHoughCircles2dCenters, InHoughCirclesRadiusRange, InMaxAngleWithGradDir, InNbMaxPtsPerCircle,
                  OutHoughCircles2dPpties>(centers, radii, 0.2, 99u, HoughCircles2dPpties::createNode()),
             Results<OutHoughCircles2dPpties>()),
+        spheres(true),
+        spheres(false),
+        imagesOf<fd::HoughSpheres3dImgLvl1, InGxGreyImg3d, InGyGreyImg3d, InGzGreyImg3d, OutRealImg>(
+            TypesAndSizes(4, {eIBT_Real32, g_planes}), {}, with<>(), Results<OutRealImg>()),
+        imagesOf<fd::ComputeBestSpheresRadiiFromGradMagImg3dLvl1, InGxGreyImg3d, InGyGreyImg3d, InGzGreyImg3d>(
+            TypesAndSizes(3, {eIBT_Int16, g_planes}), {},
+            with<InHoughSpheres3dCenters, InHoughCirclesRadiusRange, InMaxAngleWithGradDir, InNbMaxPtsPerCircle,
+                 OutHoughSpheres3dPpties>(voxels, radii, 0.2, 99u, HoughSpheres3dPpties::createNode()),
+            Results<OutHoughSpheres3dPpties>()),
         imagesOf<fd::HoughLines2dImgLvl1, InGreyImg2d, OutImg>(
             {{eIBT_UInt32, g_planes}, {eIBT_UInt32, votes->getGeometry().getSizes()}}, {}, with<>(), Results<OutImg>()),
         imagesOf<fd::HoughLines2dLvl1, InGreyImg2d, OutOptImg>({{eIBT_UInt32, g_planes},

@@ -1,4 +1,4 @@
-"""Feature detection in images: edges, corners, local extrema, lines and circles.
+"""Feature detection in images: edges, corners, local extrema, lines, circles and spheres.
 
 Images are NumPy arrays of shape (y, x), (z, y, x), (c, z, y, x) or (t, c, z, y, x), of int8, uint8, int16, uint16, int32,
 uint32, float32 or bool, which is the binary type; asLabel and asBinary mark integers as labels or binary. Inputs are not
@@ -24,6 +24,7 @@ from .images import *
 from .kernels import *
 from .lines import *
 from .measures import *
+from .spheres import *
 
 __version__ = "0.1.0"
 

@@ -35,19 +35,22 @@ def _setRings(run: Run[Any, Any], minRadius: Optional[int], maxRadius: Optional[
     run.set("InOptNbMaxPtsPerCircle", nbMaxPtsPerCircle=nbMaxPtsPerCircle)
 
 
-def _rowsOf(centers: Any) -> Any:
-    """X, Y and Value of centres: a structured array with these fields, the last one if it has it, or rows of two or three."""
+def _rowsOf(centers: Any, axes: str = "XY") -> Any:
+    """Coordinates and Value of centres: a structured array with such fields, the last one if it has it, or rows of coordinates
+    and perhaps a value."""
     array = numpy.asarray(centers)
     if array.dtype.names:
-        if not {"X", "Y"} <= set(array.dtype.names):
-            raise TypeError(f"centers: fields X and Y are expected, not {', '.join(array.dtype.names)}")
+        if not set(axes) <= set(array.dtype.names):
+            raise TypeError(f"centers: fields {' and '.join(axes)} are expected, not {', '.join(array.dtype.names)}")
         value = array["Value"] if "Value" in array.dtype.names else numpy.zeros(array.shape)
-        return numpy.stack([array["X"], array["Y"], value], axis=-1).astype(numpy.float64)
-    array = array.astype(numpy.float64).reshape(-1, 3) if array.size == 0 else array.astype(numpy.float64)
-    if array.ndim == 2 and array.shape[1] == 2:
+        return numpy.stack([array[axis] for axis in axes] + [value], axis=-1).astype(numpy.float64)
+    nbLeaves = len(axes) + 1
+    array = array.astype(numpy.float64).reshape(-1, nbLeaves) if array.size == 0 else array.astype(numpy.float64)
+    if array.ndim == 2 and array.shape[1] == len(axes):
         array = numpy.column_stack([array, numpy.zeros(len(array))])
-    if array.ndim != 2 or array.shape[1] != 3:
-        raise TypeError(f"centers: rows of x, y and perhaps a value are expected, not an array of shape {array.shape}")
+    if array.ndim != 2 or array.shape[1] != nbLeaves:
+        raise TypeError(f"centers: rows of {', '.join(axes.lower())} and perhaps a value are expected, not an array of shape "
+                        f"{array.shape}")
     return array
 
 

@@ -77,6 +77,23 @@ PACKAGE = pathlib.Path(__file__).resolve().parents[1]
        != gx, gy, [[20, 18], [9, 9]], 2, 9, circleIntensityType=1, maxAngleWithGradDir=0.8""",
     """extractRadiusFromHoughImg2d: gx, gy, [[20, 18]], 2, 9 == gx, gy, centers=[(20, 18, 0)], minRadius=2, maxRadius=9
        != gx, gy, [[20, 18]], 3, 9 != gx, gy, [[20, 18]], 2, 8 != gy, gx, [[20, 18]], 2, 9""",
+    """houghSpheres3dImg: many, many, many, 1, 2 == inGx=many, inGy=many, inGz=many, minRadius=1, maxRadius=2
+       == many, many, many, circleIntensityType=2, maxAngleWithGradDir=0.1, nbMaxPtsPerCircle=4294967295
+       != many, many, many, 2, 2 != many[::-1], many, many, 1, 2 != many, many[::-1], many, 1, 2
+       != many, many, many[::-1], 1, 2 != many, many, many, 1, 2, circleIntensityType=0
+       != many, many, many, 1, 2, maxAngleWithGradDir=0.5 != many, many, many, 1, 2, nbMaxPtsPerCircle=9""",
+    """houghSpheres3d: many, 1, 2 == inImg=many, minRadius=1, maxRadius=2, circleIntensityType=2, maxAngleWithGradDir=0.1
+       == many, 1, 2, nbMaxPtsPerCircle=4294967295, absoluteThreshold=0, ratioOfMax=0.5, removeTooClose=True, distanceFactor=1
+       == many, 1, 2, removeTooClose=False, distanceFactor=9 != many, 2, 2 != many, 1, 2, ratioOfMax=0.1
+       != many, 1, 2, circleIntensityType=1 != many, 1, 2, maxAngleWithGradDir=0.4 != many, 1, 2, nbMaxPtsPerCircle=5
+       != many, 1, 2, absoluteThreshold=1e9 != many, 1, 2, distanceFactor=9
+       != inGx=many, inGy=many, inGz=many, minRadius=1, maxRadius=2""",
+    """computeBestSpheresRadiiFromGradMagImg3d: many, many, many, [[9, 8, 2, 0], [4, 9, 1, 0]], 1, 4
+       == inGx=many, inGy=many, inGz=many, centers=numpy.array([[9, 8, 2], [4, 9, 1]]), minRadius=1, maxRadius=4
+       == many, many, many, numpy.array([(9, 8, 2), (4, 9, 1)], [("X", "f8"), ("Y", "f8"), ("Z", "f8")]), 1, 4
+       == many, many, many, [[9, 8, 2], [4, 9, 1]], 1, 4, circleIntensityType=2, maxAngleWithGradDir=0.1, nbMaxPtsPerCircle=7
+       != many, many, many, [[9, 8, 3], [4, 9, 1]], 1, 4 != many, many, many, [[9, 8, 2, 1], [4, 9, 1, 0]], 1, 4
+       != many, many, many, [[9, 8, 2], [4, 9, 1]], 7, 9""",
     "maxL2Norm2Msr: gx, gy == in1=gx, in2=gy == gy, gx != gx, gx != gy, gy",
 ], ids=lambda calls: calls.partition(":")[0])
 def test_argumentsReachTheLibrary(run, rng, calls):
@@ -180,6 +197,23 @@ def test_houghCircles2dFindsDiscsAndCentresOutsideHaveNoRadius():
             orvik_fd.computeBestCirclesRadiiFromGradMagImg2d(gx, gy, wrong, 10, 40)
     with pytest.raises(TypeError, match="together"):
         orvik_fd.houghCircles2d(picture.astype(numpy.uint8), 10)
+
+
+def test_houghSpheres3dFindsBallsAndCentresOutsideHaveNoRadius():
+    z, y, x = numpy.mgrid[:40, :44, :60]
+    distances = [numpy.sqrt((x - i) ** 2 + (y - j) ** 2 + (z - k) ** 2) for i, j, k in [(16, 20, 18), (45, 24, 22)]]
+    picture = (200 * (distances[0] < 9) + 150 * (distances[1] < 12)).astype(numpy.uint8)
+    found = orvik_fd.houghSpheres3d(picture, 5, 15, circleIntensityType=1, ratioOfMax=0.3)
+    assert found.dtype.names == ("X", "Y", "Z", "Radius", "Value") and len(found) == 2
+    order = found[numpy.argsort(found["X"])]
+    assert abs(order["X"] - [16, 45]).max() <= 1 and abs(order["Y"] - [20, 24]).max() <= 1
+    assert abs(order["Z"] - [18, 22]).max() <= 1 and abs(order["Radius"] - [9, 12]).max() <= 1
+    assert list(orvik_fd.multiSlice_houghSpheres3d(numpy.stack([picture, picture]), 5, 15)) == [(0, 0, 0), (0, 1, 0)]
+    g = orvik_fd.gaussianGradient3dImg(picture.astype(numpy.float32), 1)
+    rows = orvik_fd.computeBestSpheresRadiiFromGradMagImg3d(*g, [(16, 20, 18), (5, 5, -7)], 5, 15)
+    assert abs(rows["Radius"][0] - 9) <= 1 and numpy.isnan(list(rows[1])).all()
+    with pytest.raises(TypeError, match="rows of x, y, z and perhaps a value"):
+        orvik_fd.computeBestSpheresRadiiFromGradMagImg3d(*g, [(16, 20)], 5, 15)
 
 
 @pytest.mark.parametrize("call", ["extractLocalExtrema2d(many, 3, 3)", "harrisCorner2d(many, 7, 3)", "houghLines2d(many)",

@@ -5,6 +5,7 @@
 
 #include "ORVIKIPLFeatureDetection.h"
 #include "Processor/ComputeBestCirclesRadiiFromGradMagImg2d/ComputeBestCirclesRadiiFromGradMagImg2dLvl1.h"
+#include "Processor/ComputeBestSpheresRadiiFromGradMagImg3d/ComputeBestSpheresRadiiFromGradMagImg3dLvl1.h"
 #include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl1.h"
 #include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
 #include "Processor/MaxL2Norm2Msr/MaxL2Norm2MsrLvl1.h"
@@ -226,6 +227,22 @@ const auto centers = [](Scenario& scenario) {
     }
     return scenario.oneIn(32) ? nullptr : list;
 };
+const auto voxelCenters = [](Scenario& scenario) {
+    const auto list = Voxels3d::createNode();
+    for (unsigned int i = scenario.below(5); i > 0; --i) {
+        const double x = scenario.number("x", {3.0, 0.5, 20.49, 64.0}), y = scenario.number("y", {2.0, 7.5, 30.0}),
+                     z = scenario.number("z", {0.0, 1.5, 2.0, -1.0});
+        list->access<Voxels3d::Coll>().push_back(Voxel3d::createNode(x, y, z, 1.0));
+    }
+    return scenario.oneIn(32) ? nullptr : list;
+};
+/// Of radii that are not narrowed to the volume the great ones take long.
+const auto shortRadii = [](Scenario& scenario) {
+    const long min = scenario.number("minRadius", {1l, 2l, 0l, 4l}), max = scenario.number("maxRadius", {3l, 6l, 9l, 2l});
+    return record<HoughCirclesRadiusRange>(scenario, min, max);
+};
+const auto nbSpheres = [](Scenario& scenario) { return scenario.number("nbSpheres", {0ul, 3ul}); };
+const auto sphereList = [](Scenario& scenario) { return scenario.oneIn(32) ? nullptr : HoughSpheres3dPpties::createNode(); };
 const auto circleList = [](Scenario& scenario) { return scenario.oneIn(32) ? nullptr : HoughCircles2dPpties::createNode(); };
 
 // --- settings with which a result need not be that of plain code on one thread and in one strip
@@ -342,6 +359,19 @@ const Family kFamilies[] = {
                          InSingleGreyComplexImImg2d, InHoughCircles2dCenters, InHoughCirclesRadiusRange,
                          OutHoughCircles2dPpties>,
            in, in, centers, radii, circleList),
+    family("houghSpheres3dImg", none, FUNCTION(houghSpheres3dImg), in, in, in, radii),
+    family("houghSpheres3dImg, into", none, FUNCTION(houghSpheres3dImg), in, in, in, radii, circleType, circleAngle, nbPoints,
+           scores),
+    family("houghSpheres3d", none, PLANES(houghSpheres3d), in, radii),
+    family("houghSpheres3d, grey", none, PLANES(houghSpheres3d), in, radii, circleType, nbSpheres, nbPoints, circleThreshold,
+           tooClose),
+    family("houghSpheres3d, all", none, PLANES(houghSpheres3d), in, in, in, radii, circleType, nbSpheres, circleAngle, nbPoints,
+           circleThreshold, tooClose, scores),
+    family("ComputeBestSpheresRadiiFromGradMagImg3dLvl1", none,
+           processorCall<ComputeBestSpheresRadiiFromGradMagImg3dLvl1, OutHoughSpheres3dPpties, InGxGreyImg3d, InGyGreyImg3d,
+                         InGzGreyImg3d, InOptCircleIntensityType, InHoughCirclesRadiusRange, InMaxAngleWithGradDir,
+                         InNbMaxPtsPerCircle, InHoughSpheres3dCenters, OutHoughSpheres3dPpties>,
+           in, in, in, circleType, shortRadii, circleAngle, nbPoints, voxelCenters, sphereList),
     family("houghLines2dImg", floatVotes, FUNCTION(houghLines2dImg), in),
     family("houghLines2dImg, bins", floatVotes, FUNCTION(houghLines2dImg), in, greyBins),
     family("HoughLines2dImgLvl1", floatVotes,
