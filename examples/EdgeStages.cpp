@@ -52,7 +52,7 @@ void addEdgeOptions(CLI::App& app, EdgeOptions& options)
               "LEVELS");
     addNumber(app, "--high", options.high,
               "strong edges have one above this; weak edges count when they hang together with strong ones "
-              "(default: both thresholds from the picture)",
+              "(default: both thresholds from the picture or volume)",
               isNumberFrom(0), "LEVELS");
 }
 
@@ -67,8 +67,9 @@ Gradient findGradient(const Picture& picture, const EdgeOptions& options, const 
 {
     Gradient gradient;
     times.measure("gradient", [&] { computeGradient(gradient, picture, options.sigma, common); });
-    gradient.thresholds =
-        times.measure("thresholds", [&] { return chooseThresholds(options.low, options.high, *gradient.x, *gradient.y); });
+    gradient.thresholds = times.measure("thresholds", [&] {
+        return chooseThresholds(options.low, options.high, {gradient.x, gradient.y});
+    });
     return gradient;
 }
 
@@ -79,11 +80,18 @@ Edges findEdges(const Picture& picture, const EdgeOptions& options, bool viaLabe
     return {times.measure("edges", [&] { return detectEdges(gradient, viaLabels, common); }), gradient.thresholds};
 }
 
+std::string describe(const EdgeThresholds& thresholds)
+{
+    std::ostringstream text;
+    text << "thresholds  low " << thresholds.low << ", high " << thresholds.high << " grey levels per pixel ("
+         << thresholds.origin << ")\n";
+    return text.str();
+}
+
 std::string describe(const EdgeOptions& options, const EdgeThresholds& thresholds)
 {
     std::ostringstream text;
-    text << "sigma       " << options.sigma << " pixels\nthresholds  low " << thresholds.low << ", high " << thresholds.high
-         << " grey levels per pixel (" << thresholds.origin << ")\n";
+    text << "sigma       " << options.sigma << " pixels\n" << describe(thresholds);
     return text.str();
 }
 

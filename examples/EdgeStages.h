@@ -37,7 +37,8 @@ struct Edges
 Edges findEdges(const Picture& picture, const EdgeOptions& options, bool viaLabels, const CommonOptions& common,
                 StageTimes& times);
 
-/// Lines of a report: sigma and thresholds.
+/// Lines of a report: thresholds, and sigma with them.
+std::string describe(const EdgeThresholds& thresholds);
 std::string describe(const EdgeOptions& options, const EdgeThresholds& thresholds);
 
 /// A line of a report: how many pixels are edges.

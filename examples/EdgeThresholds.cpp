@@ -1,30 +1,38 @@
 #include "EdgeThresholds.h"
 
+#include "frame/image/BaseImage.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
 
 namespace orvik::examples {
 
 namespace {
 
-/// Magnitudes of a gradient in float images of one plane. Of large pictures a grid of up to a million pixels is taken:
-/// enough for a percentile.
-std::vector<float> sampleMagnitudes(const image::BaseImage& gradientX, const image::BaseImage& gradientY)
+/// Magnitudes of a gradient. Of large pictures and volumes a grid of about a million pixels is taken: enough for a
+/// percentile.
+std::vector<float> sampleMagnitudes(const std::vector<imaproc::ConstImagePtr>& gradient)
 {
-    const double nbPixels = static_cast<double>(gradientX.getSizeX()) * static_cast<double>(gradientX.getSizeY());
-    const unsigned long step = static_cast<unsigned long>(std::ceil(std::sqrt(nbPixels / 1e6)));
+    const image::BaseImage& first = *gradient.front();
+    const double nbPixels = static_cast<double>(first.getSizeX()) * static_cast<double>(first.getSizeY())
+                            * static_cast<double>(first.getSizeZ());
+    const double root = first.getSizeZ() > 1 ? std::cbrt(nbPixels / 1e6) : std::sqrt(nbPixels / 1e6);
+    const unsigned long step = static_cast<unsigned long>(std::ceil(root));
     std::vector<float> magnitudes;
-    for (unsigned long y = 0; y < gradientX.getSizeY(); y += step) {
-        const float* const gx = static_cast<const float*>(gradientX.getLine(y));
-        const float* const gy = static_cast<const float*>(gradientY.getLine(y));
-        for (unsigned long x = 0; x < gradientX.getSizeX(); x += step) {
-            const float magnitude = std::sqrt(gx[x] * gx[x] + gy[x] * gy[x]);
-            // Pictures of reals may hold NaN and infinities.
-            if (std::isfinite(magnitude))
-                magnitudes.push_back(magnitude);
+    for (unsigned long z = 0; z < first.getSizeZ(); z += step) {
+        for (unsigned long y = 0; y < first.getSizeY(); y += step) {
+            for (unsigned long x = 0; x < first.getSizeX(); x += step) {
+                float squares = 0;
+                for (const imaproc::ConstImagePtr& part : gradient) {
+                    const float value = static_cast<const float*>(part->getLine(y, z))[x];
+                    squares += value * value;
+                }
+                // Pictures of reals may hold NaN and infinities.
+                if (std::isfinite(squares))
+                    magnitudes.push_back(std::sqrt(squares));
+            }
         }
     }
     return magnitudes;
@@ -53,16 +61,17 @@ double deriveHigh(std::vector<float> magnitudes)
 }  // namespace
 
 EdgeThresholds chooseThresholds(const std::optional<double>& low, const std::optional<double>& high,
-                                const image::BaseImage& gradientX, const image::BaseImage& gradientY)
+                                const std::vector<imaproc::ConstImagePtr>& gradient)
 {
     if (low && high)
         return {*low, *high, "as given"};
     if (high)
         return {rounded(0.4 * *high), *high, "low is 0.4 high"};
-    const double derived = deriveHigh(sampleMagnitudes(gradientX, gradientY));
+    const double derived = deriveHigh(sampleMagnitudes(gradient));
+    const std::string source = gradient.front()->getSizeZ() > 1 ? "from the volume" : "from the picture";
     if (low)
-        return {*low, std::max(*low, derived), "high from the picture"};
-    return {rounded(0.4 * derived), derived, "from the picture"};
+        return {*low, std::max(*low, derived), "high " + source};
+    return {rounded(0.4 * derived), derived, source};
 }
 
 }  // namespace orvik::examples

@@ -1,3 +1,4 @@
+#include "Interruption.h"
 #include "VolumeCodec.h"
 
 #include <algorithm>
@@ -408,6 +409,7 @@ public:
     void write(const unsigned char* bytes, std::size_t count)
     {
         for (std::size_t at = 0; at < count; at += g_chunkBytes) {
+            throwIfInterrupted();
             const auto part = static_cast<unsigned>(std::min(g_chunkBytes, count - at));
             if (gzwrite(m_file, bytes + at, part) != static_cast<int>(part))
                 throw Refusal(systemReason(errno));
@@ -467,6 +469,7 @@ Volume readNifti(std::FILE* file, std::uint64_t fileBytes)
     source.skip(layout.start - header.bytes().size());
     std::vector<unsigned char> chunk(g_chunkBytes);
     for (std::size_t left = bytes / each; left > 0;) {
+        throwIfInterrupted();
         const std::size_t count = std::min(left, chunk.size() / layout.bytesPerStored);
         source.read(chunk.data(), count * layout.bytesPerStored);
         if (header.isSwapped())

@@ -1,5 +1,6 @@
 #include "OutputFiles.h"
 
+#include "Interruption.h"
 #include "PictureCodec.h"
 
 #include <atomic>
@@ -121,6 +122,7 @@ OutputFiles::~OutputFiles() = default;
 
 void OutputFiles::add(const std::string& path, const std::function<void(std::FILE*)>& fill)
 {
+    throwIfInterrupted();
     naming(path, [&] {
         requireReplaceable(path);
         auto file = std::make_unique<NewFile>(path);
@@ -140,6 +142,7 @@ void OutputFiles::addText(const std::string& path, const std::string& text)
 
 void OutputFiles::putInPlace()
 {
+    throwIfInterrupted();
     for (const auto& file : m_files) {
         try {
             naming(file->target().string(), [&] {

@@ -1,5 +1,7 @@
 #include "ProgramSupport.h"
 
+#include "Interruption.h"
+
 #include "frame/core/Scheduler.h"
 #include "frame/processor/AlgorithmFunctionSelector.h"
 
@@ -50,7 +52,7 @@ std::string describe(const Picture& picture)
 
 std::vector<unsigned char> toMask(const image::BaseImage& binary)
 {
-    std::vector<unsigned char> mask(binary.getSizeX() * binary.getSizeY());
+    std::vector<unsigned char> mask(binary.getSizeX() * binary.getSizeY() * binary.getSizeZ());
     image::copyOut(binary, mask.data());
     for (unsigned char& pixel : mask)
         pixel = pixel != 0 ? 255 : 0;
@@ -204,6 +206,7 @@ int runProgram(CLI::App& app, int argc, char** argv, const CommonOptions& option
 {
     try {
         app.parse(argc, argv);
+        noteInterruptions();
         core::setNbThreads(options.threads);
         if (!options.instructionSet.empty())
             forceInstructionSet(instructionSets().at(options.instructionSet));
@@ -214,6 +217,9 @@ int runProgram(CLI::App& app, int argc, char** argv, const CommonOptions& option
         return app.exit(help);
     } catch (const CLI::ParseError& error) {
         return reportFailure(app, std::string(error.what()) + " (--help tells the options)", 2);
+    } catch (const Interrupted& interrupted) {
+        endByInterruption();
+        return reportFailure(app, interrupted.what(), 1);
     } catch (const std::bad_alloc&) {
         return reportFailure(app, "not enough memory", 1);
     } catch (const std::exception& error) {
@@ -227,15 +233,15 @@ void runToEnd(processor::BaseProcessor& processor, const std::string& title, con
     // The next time to show something; the run calls back from one thread at a time.
     Clock::time_point next = Clock::now() + std::chrono::milliseconds(500);
     bool shown = false;
-    if (!options.quiet && isatty(STDERR_FILENO) != 0) {
-        processor.setProgressCallback([&](double fraction) {
-            if (Clock::now() < next)
-                return;
-            next = Clock::now() + std::chrono::milliseconds(100);
-            shown = true;
-            std::fprintf(stderr, "\r%s %3.0f %%", title.c_str(), 100.0 * fraction);
-        });
-    }
+    const bool isTold = !options.quiet && isatty(STDERR_FILENO) != 0;
+    processor.setProgressCallback([&](double fraction) {
+        throwIfInterrupted();
+        if (!isTold || Clock::now() < next)
+            return;
+        next = Clock::now() + std::chrono::milliseconds(100);
+        shown = true;
+        std::fprintf(stderr, "\r%s %3.0f %%", title.c_str(), 100.0 * fraction);
+    });
     processor.run(core::eST_Synchronous);
     processor.setProgressCallback(nullptr);
     if (shown)

@@ -25,7 +25,7 @@ imaproc::ConstImagePtr wrapPicture(const Picture& picture);
 /// "384 x 303, 8 bit unsigned".
 std::string describe(const Picture& picture);
 
-/// 255 where an image of one plane, with one byte per sample, is not 0; rows without padding.
+/// 255 where an image of one plane or volume, with one byte per sample, is not 0; rows without padding.
 std::vector<unsigned char> toMask(const image::BaseImage& binary);
 
 /// The picture in grey with the pixels of a mask in red, three bytes per pixel.
@@ -69,12 +69,11 @@ CLI::Validator isWholeNumberFrom(unsigned long least, unsigned long most);
 
 /// Parses the command line, does what the common options ask for, then the work. Any failure becomes one line on
 /// stderr that starts with the program's name. Returns the exit status: 0, 1 for failed work, 2 for a wrong command
-/// line.
+/// line. Ctrl-C ends the process once its files are cleared away.
 int runProgram(CLI::App& app, int argc, char** argv, const CommonOptions& options, const std::function<void()>& work);
 
 /// Runs a processor of the library to its end. On a terminal, progress is shown once that takes longer than half a
-/// second.
-/// Throws what ended the run when it failed.
+/// second. Throws what ended the run when it failed, and Interrupted after Ctrl-C.
 void runToEnd(processor::BaseProcessor& processor, const std::string& title, const CommonOptions& options);
 
 /// The instruction set of the kernel that a Level 3 class has run last.

@@ -1,3 +1,4 @@
+#include "Interruption.h"
 #include "VolumeCodec.h"
 
 #include <algorithm>
@@ -80,6 +81,7 @@ public:
         if (TIFFSetDirectory(m_tiff, 0) != 1)
             m_error.refuse();
         do {
+            throwIfInterrupted();
             if (isSlice()) {
                 const Picture slice = read();
                 volume.samples.insert(volume.samples.end(), slice.samples.begin(), slice.samples.end());

@@ -1,3 +1,4 @@
+#include "Interruption.h"
 #include "VolumeCodec.h"
 
 #include <algorithm>
@@ -36,6 +37,7 @@ public:
     void write()
     {
         for (unsigned long z = 0; z < m_volume.sizeZ; ++z) {
+            throwIfInterrupted();
             describePage(z);
             writeRows(z);
             if (TIFFWriteDirectory(m_tiff) != 1)

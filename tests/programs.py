@@ -129,14 +129,14 @@ class ProgramTestCase(unittest.TestCase):
             self.assertIn(text, result.stderr, arguments)
         self.assertTrue(before == self.contents(), arguments)
 
-    def refuse_taken_names(self, *outputs):
+    def refuse_taken_names(self, *outputs, source="discs.v1.png"):
         """A folder in the place of one output, older files in those of the others, which stay as they were."""
         for taken in outputs:
             os.makedirs(self.path("without " + taken, taken))
             for name in set(outputs) - {taken}:
                 with open(self.path("without " + taken, name), "w") as file:
                     file.write("older")
-            self.refuse(1, [taken, "directory"], "discs.v1.png", "-o", "without " + taken)
+            self.refuse(1, [taken, "directory"], source, "-o", "without " + taken)
 
     def bytes_of(self, *names):
         with open(self.path(*names), "rb") as file:
