@@ -109,7 +109,7 @@ void listPoints(const PointOptions& options, const std::string& what, const Poin
 {
     StageTimes times;
     Volume volume = times.measure("read", [&] { return readVolume(options.list.picture, options.raw); });
-    const bool isStack = volume.sizeZ > 1, isVolume = isStack && find.inVolume && !options.sliceBySlice;
+    const bool isStack = volume.sizeZ > 1, isVolume = isStack && !options.sliceBySlice;
     if (options.distanceZ && !isVolume)
         throw CLI::ValidationError("--distance-z", "there are no neighbours along z in single slices");
     const FoundPoints found =

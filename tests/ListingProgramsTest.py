@@ -146,6 +146,24 @@ class CornersProgramTest(PointProgram, ProgramTestCase):
         self.assertLess(self.list_of("--max", "1", "--sigma", "3")[0][2], strongest)
 
 
+    def test_lists_the_corners_of_a_box(self):
+        slices = [[[200 if all(10 <= i < 30 for i in (x, y, z)) else 10 for x in range(40)] for y in range(40)]
+                  for z in range(40)]
+        write_nifti(self.path("box.nii"), slices)
+        for measure in ("harris", "eigenvalue"):
+            report = self.succeed("box.nii", "--measure", measure, "--max", "8")
+            found = sorted(row[:3] for row in read_csv(self.path("box-corners.csv"), ["x", "y", "z", "value"]))
+            low = found[0][0]
+            self.assertLess(abs(low - 9.5), 2)
+            self.assertEqual([(x, y, z) for x in (low, 39 - low) for y in (low, 39 - low) for z in (low, 39 - low)], found)
+        self.assertIn("box.nii, 40 x 40 x 40, 8 bit unsigned\n", report)
+        self.refuse(2, ["--k", "0.04", "1/27"], "box.nii", "--k", "0.04")
+        # A slice through the box is the picture of a square.
+        self.succeed("box.nii", "--slice-by-slice", "--max", "4")
+        corners = read_csv(self.path("box-corners.csv"), ["x", "y", "z", "value"])
+        self.assertEqual(4, len({row[:2] for row in corners if row[2] in (10, 20, 29)}))
+
+
 class LinesProgramTest(ListingProgram, ProgramTestCase):
     what = "lines"
     columns = ["rho", "theta", "votes"]
