@@ -143,6 +143,24 @@ TEST(Spheres, ScoresAreTheSameForStripsAndThreads)
     }
 }
 
+TEST(Spheres, TellHowFarASingleStripIs)
+{
+    const WithThreads one(1);
+    const Gradients g = randomGradients(eIBT_Int16, {20, 16, 14}, 17);
+    for (const eRingForm form : {eRF_Gather, eRF_Votes}) {
+        const WithForm forced(form);
+        const auto spheres =
+            processorWith<HoughSpheres3dImgLvl1, InGxGreyImg3d, InGyGreyImg3d, InGzGreyImg3d>(g[0], g[1], g[2]);
+        Numbers fractions;
+        spheres->setProgressCallback([&](double fraction) { fractions.push_back(fraction); });
+        processor::executeSyncRun(spheres);
+        EXPECT_LT(10u, fractions.size());
+        EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+        EXPECT_GT(0.2, fractions.front());
+        EXPECT_EQ(1.0, fractions.back());
+    }
+}
+
 TEST(Spheres, ScoresAreThoseOfEachVolume)
 {
     const Gradients g = randomGradients(eIBT_UInt8, {12, 9, 8, 2, 2}, 14);

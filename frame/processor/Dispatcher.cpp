@@ -169,10 +169,11 @@ unsigned long BaseDynamicProcessorDispatcher::start(unsigned int nbThreads)
         samples = std::max(samples, split->getElementSamples());
     }
     unsigned long grain = core::getStripGrain();
+    const unsigned long ofThread = divideUp(m_nbElements, nbThreads), thick = 2 * margin + 1;
     if (grain == 0)
-        grain = std::max({divideUp(m_nbElements, g_stripsPerThread * nbThreads), 2 * margin + 1, getMinElements(),
-                          divideUp(g_minStripSamples, samples),
-                          std::min(getMinMargins() * margin, divideUp(m_nbElements, nbThreads))});
+        grain = std::max({divideUp(m_nbElements, g_stripsPerThread * nbThreads),
+                          areMarginsCheap() ? std::min(thick, ofThread) : thick, getMinElements(),
+                          divideUp(g_minStripSamples, samples), std::min(getMinMargins() * margin, ofThread)});
     else  // else the time would grow with the square of the image where margins are as large
         grain = std::max(grain, divideUp(2 * margin, g_maxMarginLines));
     m_grain = std::min(grain, m_nbElements);

@@ -71,6 +71,7 @@ public:
 protected:
     virtual unsigned long getMinElements() const = 0;
     virtual unsigned long getMinMargins() const = 0;
+    virtual bool areMarginsCheap() const = 0;
 
 private:
     std::vector<boost::shared_ptr<BaseDynamicSplit>> m_splits;
@@ -98,6 +99,7 @@ public:
 protected:
     unsigned long getMinElements() const override { return P::s_minStripLines; }
     unsigned long getMinMargins() const override { return P::s_minStripMargins; }
+    bool areMarginsCheap() const override { return P::s_areMarginsCheap; }
 };
 
 /// The answer of a stage that has a provider, or failed to make one.

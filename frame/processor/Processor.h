@@ -125,6 +125,8 @@ public:
     /// Strips are no thinner than that many times the margin on one side, as long as there is one for each thread; a class
     /// whose margins cost more than lines that are read asks for more. One line more than twice it is the least.
     static constexpr unsigned long s_minStripMargins = 2;
+    /// Whether that least may be undercut to give each thread a strip: where lines that margins read take far less than others.
+    static constexpr bool s_areMarginsCheap = false;
 
 protected:
     static constexpr unsigned int s_version = 1;

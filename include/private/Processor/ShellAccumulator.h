@@ -10,6 +10,7 @@
 #include "Processor/Shells.h"
 #include "Processor/UnitGradients.h"
 
+#include "frame/core/ActionProvider.h"
 #include "frame/image/Strips.h"
 #include "frame/processor/BaseDataParser.h"
 #include "frame/simd/Simd.h"
@@ -100,7 +101,8 @@ void findVotingVoxels(const GradientCone& cone, unsigned long nbBins, const floa
 }
 
 /// A strip's lines of an accumulator, one after the other, slice by slice. `gradients(z, y)` gives the three lines of gradients
-/// at line y of slice z of the volume, from the left margin on; `isCancelled` tells whether to end early.
+/// at line y of slice z of the volume, from the left margin on; `origin` is asked whether to end early, and told how far the
+/// strip is.
 template<class Sample>
 class ShellAccumulator
 {
@@ -125,8 +127,8 @@ public:
     }
 
     /// False when cancelled.
-    template<class Gradients, class IsCancelled>
-    bool line(unsigned long i, const Gradients& gradients, const IsCancelled& isCancelled, float* out)
+    template<class Gradients>
+    bool line(unsigned long i, const Gradients& gradients, const core::BaseRequestOrigin& origin, float* out)
     {
         const long z = m_firstSlice + static_cast<long>(i) / m_nbRows, y = static_cast<long>(i) % m_nbRows;
         if (!m_shells.getCone().isOpen) {
@@ -135,27 +137,31 @@ public:
         }
         if (i == 0)
             for (long slice = z - m_radius; slice < z + m_radius; ++slice)
-                if (!enterRows(slice, 0, m_nbRows, gradients, isCancelled))
+                if (!enterRows(slice, 0, m_nbRows, gradients, origin))
                     return false;
         // Of the slice that enters, as far as this line reaches.
-        if (!enterRows(z + m_radius, y == 0 ? 0 : y + m_radius, y + m_radius + 1, gradients, isCancelled))
+        if (!enterRows(z + m_radius, y == 0 ? 0 : y + m_radius, y + m_radius + 1, gradients, origin))
             return false;
-        if (!m_lists)
-            return gather(z, y, isCancelled, out);
-        handOver(z, y, out);
-        return true;
+        if (m_lists) {
+            handOver(z, y, out);
+            return true;
+        }
+        if (y + 1 == m_nbRows)
+            origin.reportProgress(static_cast<unsigned long>(z - m_firstSlice + 1),
+                                  static_cast<unsigned long>(m_endSlice - m_firstSlice));
+        return gather(z, y, origin, out);
     }
 
 private:
-    template<class Gradients, class IsCancelled>
-    bool enterRows(long z, long begin, long end, const Gradients& gradients, const IsCancelled& isCancelled)
+    template<class Gradients>
+    bool enterRows(long z, long begin, long end, const Gradients& gradients, const core::BaseRequestOrigin& origin)
     {
         if (m_lists && begin == 0)
             enterVoteSlice(z + m_radius);
         if (z < 0 || z >= m_nbSlices)
             return true;
         for (long y = begin; y < std::min(end, m_nbRows); ++y) {
-            if (isCancelled())
+            if (origin.isCancellationRequested())
                 return false;
             const auto [gx, gy, gz] = gradients(z, y);
             if (m_lists) {
@@ -167,10 +173,12 @@ private:
             toUnitGradients<Sample, 3>({gx, gy, gz}, m_nbAligned + 2 * static_cast<unsigned long>(m_radius) + 1,
                                        {to, to + pitch, to + 2 * pitch}, to + 3 * pitch);
         }
+        const long first = std::max(m_firstSlice - m_radius, 0l), last = std::min(m_endSlice + m_radius, m_nbSlices);
+        if (m_lists && begin < m_nbRows && end >= m_nbRows)  // nearly all of the work
+            origin.reportProgress(static_cast<unsigned long>(z - first + 1), static_cast<unsigned long>(last - first));
         return true;
     }
-    template<class IsCancelled>
-    bool gather(long z, long y, const IsCancelled& isCancelled, float* out) const
+    bool gather(long z, long y, const core::BaseRequestOrigin& origin, float* out) const
     {
         const ShellElement* const elements = m_shells.getElements().data();
         const auto addAll = [&](auto& sums) {
@@ -180,7 +188,7 @@ private:
                 // Places before the first slice are passed over; all others outside read nothing, which adds nothing.
                 if (!isInside && (atZ < 0 || m_shells.isFinite()))
                     continue;
-                if (isCancelled())
+                if (origin.isCancellationRequested())
                     return false;
                 const float* const line = isInside ? m_buffers.lineAt(atZ, atY)
                                                    : static_cast<const float*>(m_buffers.outside.getDataPtr());

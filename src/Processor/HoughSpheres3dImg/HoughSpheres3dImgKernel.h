@@ -52,8 +52,7 @@ BoolResult HoughSpheres3dImgLvl3::genericProcessFunction(const processor::Proces
         return std::make_tuple(strip->gx->accessBuffer(slice, row), strip->gy->accessBuffer(slice, row),
                                strip->gz->accessBuffer(slice, row));
     };
-    const auto isCancelled = [&] { return getOrigin().isCancellationRequested(); };
-    return strip->accumulator.line(info.lineIndex, gradients, isCancelled, strip->out->accessBuffer())
+    return strip->accumulator.line(info.lineIndex, gradients, getOrigin(), strip->out->accessBuffer())
                ? success()
                : failure(core::getCancelledText());
 }

@@ -21,6 +21,8 @@ class ORVIK_API HoughSpheres3dImgLvl3
 
     typedef LineStripParserMode ParserMode;
     static constexpr unsigned long s_minStripMargins = 3;
+    /// Of slices beyond the strip only what votes for it is looked at.
+    static constexpr bool s_areMarginsCheap = true;
 
     /// What the strips of a volume share; made from the attributes where it is not given.
     void setShells(const ConstPtr<Shells>& shells);
