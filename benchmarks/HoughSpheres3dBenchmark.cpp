@@ -8,8 +8,11 @@
 #include "Processor/HoughSpheres3d/HoughSpheres3dLvl1.h"
 #include "Processor/HoughSpheres3dImg/HoughSpheres3dImgLvl1.h"
 #include "Processor/HoughSpheres3dImg/HoughSpheres3dImgLvl3.h"
+#include "Processor/HoughSpheres3dLabelImg/HoughSpheres3dLabelImgLvl1.h"
 #include "siblings/Filtering/Processor/GaussianGradient3dImg/GaussianGradient3dImgLvl1.h"
+#include "siblings/Utility/Processor/EraseImg/EraseImgLvl2.h"
 
+#include "frame/attr/ImageAttributes.h"
 #include "frame/attr/Records.h"
 #include "frame/core/Scheduler.h"
 #include "frame/image/BaseImage.h"
@@ -203,6 +206,35 @@ void printTruths()
             }
 }
 
+/// 200 spheres of radius 10 in 256^3 voxels, and the zeros that they are drawn on.
+void registerLabels()
+{
+    const unsigned long size = 256;
+    const auto spheres = HoughSpheres3dPpties::createNode();
+    std::mt19937 random(6);
+    std::uniform_real_distribution<double> place(0, static_cast<double>(size));
+    for (unsigned int i = 0; i < 200; ++i)
+        spheres->access<HoughSpheres3dPpties::Coll>().push_back(Sphere::createNode(place(random), place(random),
+                                                                                   place(random), 10.0, 1.0));
+    const ImagePtr out = image::createImage(image::eIBT_Label8, {size, size, size});
+    const ConstPtr<HoughSpheres3dPpties> drawn = spheres;
+    const auto add = [](const char* name, const auto& run) {
+        benchmark::RegisterBenchmark(name,
+                                     [=](benchmark::State& state) {
+                                         for (auto _ : state)
+                                             run();
+                                     })
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    };
+    add("labels", [=] { houghSpheres3dLabelImg(drawn, out, out); });
+    add("erasing", [=] {
+        const auto erase = processor::createInitialised<imaproc::util::EraseImgLvl2>();
+        erase->set<OutSubImg2d>(out);
+        processor::executeSyncRun(erase);
+    });
+}
+
 void printLarge(unsigned long size, unsigned int nbThreads)
 {
     const Gradients& gradients = gradientsOf(size);
@@ -238,11 +270,13 @@ int main(int argc, char** argv)
     registerScores("gather_64_middle", 64, eRF_Gather, 1, eCIT_Both, 0.3, 3);
     registerScores("votes_64_middle", 64, eRF_Votes, 1, eCIT_Both, 0.3, 3);
     registerRadii("radii_100", 128);
+    registerLabels();
     const int status =
         bench::runBenchmarks(argc, argv,
                              {{"gathering over votes, 128^3, radii 8 to 25", "gather", "votes", "at least 20"},
                               {"one thread over two", "scores", "scores_2_threads", "at least 1.7"},
                               {"scores over radii of 100 centres", "scores", "radii_100", "at least 10"},
+                              {"labels of 200 spheres over erasing their volume", "labels", "erasing", "at most 5"},
                               {"gathering over votes, 64^3, 0.1 radians", "gather_64", "votes_64", ""},
                               {"gathering over votes, 64^3, 0.3 radians", "gather_64_middle", "votes_64_middle", ""},
                               {"gathering over votes, 64^3, 1 radian", "gather_64_wide", "votes_64_wide", ""}});

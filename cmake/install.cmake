@@ -32,7 +32,8 @@ list(FILTER headers_of_users EXCLUDE REGEX "^frame/(simd/\
 |processor/(Dispatcher|KernelRegistrator|Split|ValueArchiving)|log/|util/(FrameMessages|Loggers|ProcessEnd))")
 list(APPEND headers_of_users
   siblings/AdvancedMorphology/Library.h siblings/AdvancedMorphology/Processor/ConnectedComponents.h
-  siblings/AdvancedMorphology/Processor/PartsOfImages.h siblings/Filtering/Library.h siblings/Utility/Library.h)
+  siblings/AdvancedMorphology/Processor/PartsOfImages.h siblings/Filtering/Library.h siblings/GlobalMeasure/Library.h
+  siblings/Utility/Library.h)
 foreach(header ${headers_of_users})
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES ${header} DESTINATION ${headers}/${folder} COMPONENT development)

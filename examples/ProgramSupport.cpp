@@ -253,8 +253,12 @@ std::string lastKernelOf(const std::string& className)
 {
     const processor::AlgorithmEntry& entry = processor::getAlgorithmEntry(className);
     for (const auto& kernel : entry.selector.getFunctions())
-        if (kernel.getEfficiency() == entry.lastEfficiency)
-            return kernel.getInstructionSets().toString();
+        if (kernel.getEfficiency() == entry.lastEfficiency) {
+            const std::string sets = kernel.getInstructionSets().toString();  // two of a kernel that may use both
+            const std::size_t plus = sets.find('+');
+            const std::string first = sets.substr(0, plus);
+            return plus != std::string::npos && first == sets.substr(plus + 1) ? first : sets;
+        }
     return "none";
 }
 

@@ -59,15 +59,27 @@ GreyScale scaleOf(const Volume& volume)
     return GreyScale(volume.sampleType, volume.samples.data(), volume.samples.size() / bytesPerSample(volume.sampleType));
 }
 
+void mark(const Side& side, View& view, long right, long down)
+{
+    if (right >= 0 && down >= 0 && right < static_cast<long>(view.sizeX) && down < static_cast<long>(view.sizeY))
+        view.pixels[pixelOf(side, view, static_cast<unsigned long>(right), static_cast<unsigned long>(down))] = 255;
+}
+
 void markCross(const Side& side, View& view, std::array<long, 3> at, long reach)
 {
-    const auto mark = [&](long right, long down) {
-        if (right >= 0 && down >= 0 && right < static_cast<long>(view.sizeX) && down < static_cast<long>(view.sizeY))
-            view.pixels[pixelOf(side, view, static_cast<unsigned long>(right), static_cast<unsigned long>(down))] = 255;
-    };
     for (long step = -reach; step <= reach; ++step) {
-        mark(at[side.right] + step, at[side.down]);
-        mark(at[side.right], at[side.down] + step);
+        mark(side, view, at[side.right] + step, at[side.down]);
+        mark(side, view, at[side.right], at[side.down] + step);
+    }
+}
+
+void markCircle(const Side& side, View& view, std::array<double, 3> at, double radius)
+{
+    const long nbSteps = std::lround(8 * radius) + 8;  // no pixel is passed over
+    for (long i = 0; i < nbSteps; ++i) {
+        const double angle = 2 * M_PI * static_cast<double>(i) / static_cast<double>(nbSteps);
+        mark(side, view, std::lround(at[side.right] + radius * std::cos(angle)),
+             std::lround(at[side.down] + radius * std::sin(angle)));
     }
 }
 
@@ -140,6 +152,23 @@ void markInCuts(Views& marks, const Volume& volume, double x, double y, double z
         const long distance = std::abs(at[g_sides[i].along] - static_cast<long>(sizesOf(volume)[g_sides[i].along] / 2));
         if (distance <= g_reach)
             markCross(g_sides[i], marks[i], at, distance == 0 ? g_reach : 0);
+    }
+}
+
+void outlineInProjections(Views& marks, double x, double y, double z, double radius)
+{
+    const std::array<double, 3> at = {x, y, z};
+    for (std::size_t i = 0; i < marks.size(); ++i)
+        markCircle(g_sides[i], marks[i], at, radius);
+}
+
+void outlineInCuts(Views& marks, const Volume& volume, double x, double y, double z, double radius)
+{
+    const std::array<double, 3> at = {x, y, z};
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        const double distance = at[g_sides[i].along] - static_cast<double>(sizesOf(volume)[g_sides[i].along] / 2);
+        if (std::abs(distance) <= radius)
+            markCircle(g_sides[i], marks[i], at, std::sqrt(radius * radius - distance * distance));
     }
 }
 

@@ -33,6 +33,10 @@ Views projectMaxima(const Volume& volume);
 void markInProjections(Views& marks, const Volume& volume, double x, double y, double z);
 void markInCuts(Views& marks, const Volume& volume, double x, double y, double z);
 
+/// Marks a sphere: its outline from all three sides; where the cuts go through it, the circles that they make of it.
+void outlineInProjections(Views& marks, double x, double y, double z, double radius);
+void outlineInCuts(Views& marks, const Volume& volume, double x, double y, double z, double radius);
+
 /// Writes views side by side among files of which all appear or none does: in grey, and red where a mark is not 0.
 void addViews(OutputFiles& files, const std::string& path, const Views& views, const Views& marks);
 

@@ -3,6 +3,7 @@
 #include "FeatureList.h"
 #include "PictureIo.h"
 #include "ProgramSupport.h"
+#include "RoundOptions.h"
 
 #include "Processor/HoughCircles2d/HoughCircles2dLvl1.h"
 
@@ -26,19 +27,12 @@ namespace {
 
 struct Options
 {
-    unsigned int minRadius = 5, maxRadius = 50;
-    std::string kind = "both";
+    RoundOptions round;
     std::string method = "standard";
-    double angle = 0.1;
-    double ratio = 0.5;
-    double threshold = 0.0;
-    double apart = 1.0;
     unsigned int points = std::numeric_limits<unsigned int>::max();
     ListOptions list;
 };
 
-const std::map<std::string, attr::eCircleIntensityType> g_kinds = {
-    {"dark", attr::eCIT_Outward}, {"bright", attr::eCIT_Inward}, {"both", attr::eCIT_Both}};
 const std::map<std::string, attr::eHoughCircles2dAlgoMethod> g_methods = {{"standard", attr::eHCAM_Standard},
                                                                           {"phase", attr::eHCAM_PhaseCoded}};
 
@@ -48,23 +42,13 @@ unsigned long largestRadius(const Picture& picture)
     return std::min(picture.sizeX, picture.sizeY) / 2;
 }
 
-void checkRange(const Options& options)
+/// By phases a single radius can't be told.
+void checkMethod(const Picture& picture, const Options& options)
 {
-    if (options.minRadius > options.maxRadius)
-        throw CLI::ValidationError("--min-radius", std::to_string(options.minRadius) + " is above --max-radius, "
-                                                       + std::to_string(options.maxRadius));
-}
-
-/// The library narrows radii to the picture. By phases a single one can't be told.
-void checkRangeOf(const Picture& picture, const Options& options)
-{
-    const unsigned long largest = largestRadius(picture);
-    if (options.minRadius > largest)
-        throw CLI::ValidationError("--min-radius", std::to_string(options.minRadius) + " is above half of the picture, "
-                                                       + std::to_string(largest));
-    if (options.method == "phase" && std::min<unsigned long>(options.maxRadius, largest) == options.minRadius)
+    const RoundOptions& round = options.round;
+    if (options.method == "phase" && std::min<unsigned long>(round.maxRadius, largestRadius(picture)) == round.minRadius)
         throw CLI::ValidationError("--method",
-                                   "phase needs more than one radius, not " + std::to_string(options.minRadius) + " alone");
+                                   "phase needs more than one radius, not " + std::to_string(round.minRadius) + " alone");
 }
 
 // Through the processor, not through the function houghCircles2d that does the same in one call: only a processor tells
@@ -74,15 +58,13 @@ FeatureList findCircles(const Picture& picture, const Options& options)
 {
     const auto circles = processor::createInitialised<imaproc::fd::HoughCircles2dLvl1>();
     circles->set<attr::InOptGreyImg2d>(wrapPicture(picture));
-    circles->set<attr::InOptHoughCirclesRadiusRange>(attr::createHoughCirclesRadiusRange(options.minRadius,
-                                                                                         options.maxRadius));
+    circles->set<attr::InOptHoughCirclesRadiusRange>(options.round.createRange());
     circles->set<attr::InOptHoughCircles2dAlgoMethod>(g_methods.at(options.method));
-    circles->set<attr::InOptCircleIntensityType>(g_kinds.at(options.kind));
-    circles->set<attr::InOptMaxAngleWithGradDir>(options.angle);
+    circles->set<attr::InOptCircleIntensityType>(options.round.getKind());
+    circles->set<attr::InOptMaxAngleWithGradDir>(options.round.angle);
     circles->set<attr::InOptNbMaxPtsPerCircle>(options.points);
-    circles->set<attr::InOptAccumIntensityThreshold>(attr::AccumIntensityThreshold::createNode(options.threshold,
-                                                                                               options.ratio));
-    circles->set<attr::InOptRemoveTooCloseCirclesParams>(attr::RemoveTooCloseCirclesParams::createNode(true, options.apart));
+    circles->set<attr::InOptAccumIntensityThreshold>(options.round.createThreshold());
+    circles->set<attr::InOptRemoveTooCloseCirclesParams>(options.round.createRemoval());
     runToEnd(*circles, "circles", options.list.common);
 
     const auto found = circles->getStorage<attr::OutPIHoughCircles2dPpties>()->getEntry(PlanIndex());
@@ -130,10 +112,11 @@ void print(const FeatureList& circles, const Options& options)
 
 void run(const Options& options)
 {
-    checkRange(options);
+    checkRange(options.round);
     StageTimes times;
     const Picture picture = times.measure("read", [&] { return readPicture(options.list.picture); });
-    checkRangeOf(picture, options);
+    checkRangeOf(options.round, largestRadius(picture), "picture");
+    checkMethod(picture, options);
     const FeatureList circles = times.measure("circles", [&] { return findCircles(picture, options); });
     const ListFiles files = times.measure("write", [&] {
         return writeList(options.list, "circles", circles, picture, drawCircles(picture, circles));
@@ -141,9 +124,8 @@ void run(const Options& options)
     if (options.list.common.quiet)
         return;
     std::cout << "picture     " << options.list.picture << ", " << describe(picture) << '\n'
-              << "radii       " << options.minRadius << " to "
-              << std::min<unsigned long>(options.maxRadius, largestRadius(picture)) << " pixels, " << options.kind << ", "
-              << options.method << " method\n"
+              << "radii       " << describeRange(options.round, largestRadius(picture), "pixels") << ", " << options.method
+              << " method\n"
               << "threads     " << core::getNbThreads() << '\n';
     print(circles, options);
     std::cout << "time        " << times.toString() << '\n'
@@ -162,28 +144,11 @@ int main(int argc, char** argv)
     Options options;
     options.list.max = 1000;
     addPicture(app, options.list.picture);
-    addNumber(app, "--min-radius", options.minRadius, "smallest radius, 1 to 10000 pixels (default: 5)",
-              isWholeNumberFrom(1, 10000), "PIXELS");
-    addNumber(app, "--max-radius", options.maxRadius,
-              "greatest radius, 1 to 10000 pixels; half of the picture at most (default: 50)", isWholeNumberFrom(1, 10000),
-              "PIXELS");
-    addChoice(app, "--kind", options.kind, "bright circles, dark ones, or both (default: both)", {"bright", "dark", "both"});
+    addRoundOptions(app, options.round, "circles", "pixels");
     addChoice(app, "--method", options.method,
               "standard, which tries each radius about each centre, or phase, which reads it from a complex score\n"
               "(default: standard)",
               {"standard", "phase"});
-    addNumber(app, "--angle", options.angle,
-              "greatest angle between gradient and radius, above 0 to 3.14 radians (default: 0.1)", isNumberFrom(1e-6, 3.14),
-              "RADIANS");
-    addNumber(app, "--ratio", options.ratio,
-              "list circles with at least this share of the greatest score, 0 to 1 (default: 0.5)", isNumberFrom(0, 1),
-              "SHARE");
-    addNumber(app, "--threshold", options.threshold, "and with at least this score, in grey levels per pixel (default: 0)",
-              isNumberFrom(0), "SCORE");
-    addNumber(app, "--apart", options.apart,
-              "of overlapping circles list the strongest alone: 0 those within one another, 1 those whose centre is in\n"
-              "another, 2 all that overlap, up to 100 (default: 1)",
-              isNumberFrom(0, 100), "FACTOR");
     addNumber(app, "--points", options.points, "pixels that each ring is thinned to, 1 to 1000000 (default: all)",
               isWholeNumberFrom(1, 1000000), "N");
     addListOptions(app, options.list);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library and finds edges, corners, maxima, lines and circles of some photographs, and surfaces, corners and maxima
-# of a head; the results are in out/.
+# Builds the library and finds edges, corners, maxima, lines and circles of some photographs, spheres of packed beads, and
+# surfaces, corners, maxima and the eyes of a head; the results are in out/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
@@ -52,7 +52,7 @@ getFiles()
 
 installMissing "${orvikPackages[@]}"
 cmake --preset release
-cmake --build build/release --target edges corners extrema lines circles surfaces
+cmake --build build/release --target edges corners extrema lines circles spheres surfaces
 if ! getFiles "the photographs" python3-skimage usr/lib/python3/dist-packages/skimage/data "${photographs[@]}"; then
     echo "demo.sh: any picture of yours will do as well: build/release/bin/edges PICTURE -o out" >&2
     exit 1
@@ -72,6 +72,11 @@ echo
 build/release/bin/circles "$folder/coins.png" --min-radius 12 --max-radius 35 --kind bright --ratio 0.25 -o out
 echo
 build/release/bin/circles "$folder/moon.png" --min-radius 4 --max-radius 30 -o out
+echo
+/usr/bin/python3 examples/beads.py make out
+build/release/bin/spheres out/beads.raw --raw-size 160x140x120 --min-radius 6 --max-radius 15 --kind bright --ratio 0.4 \
+    --quiet -o out
+/usr/bin/python3 examples/beads.py compare out out/beads-spheres.csv
 status=0
 if getFiles "the head" mricron-data usr/share/mricron/templates "$head"; then
     echo
@@ -80,6 +85,8 @@ if getFiles "the head" mricron-data usr/share/mricron/templates "$head"; then
     build/release/bin/corners "$folder/$head" --sigma 1.5 --distance 8 --max 200 -o out
     echo
     build/release/bin/extrema "$folder/$head" --distance 10 --threshold 150 -o out
+    echo
+    build/release/bin/spheres "$folder/$head" --min-radius 9 --max-radius 16 --ratio 0.9 -o out
 else
     echo "demo.sh: any volume of yours will do as well: build/release/bin/surfaces VOLUME -o out" >&2
     status=1

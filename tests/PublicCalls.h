@@ -46,6 +46,11 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
     const auto radii = attr::createHoughCirclesRadiusRange(2, 6);
     const ImagePtr volume = drawnImage(image::eIBT_Int16, {sizeX, sizeY, 9}, {0, 0, 1, 4, 9}, 6);
     const auto shells = attr::createHoughCirclesRadiusRange(2, 4);
+    const auto spheres = attr::HoughSpheres3dPpties::createNode();
+    for (const double x : {4.0, 8.5, 20.0})
+        spheres->access<attr::HoughSpheres3dPpties::Coll>().push_back(attr::HoughSphere3dPpties::createNode(x, 7, 1, 5.5,
+                                                                                                            1));
+    const ConstPtr<attr::HoughSpheres3dPpties> balls = spheres;
     const auto extraction = ConstPtr<attr::HoughLinesExtractionParams>();
 
 #define ORVIK_CALL(space, name, ...) calls.push_back({#name, [=] { return toBeRead(space::name(__VA_ARGS__)); }})
@@ -84,6 +89,7 @@ inline std::vector<PublicCall> publicCalls(unsigned long sizeX = 21, unsigned lo
 
     ORVIK_CALLS(houghSpheres3dImg, volume, volume, volume, shells);
     ORVIK_PLANE_CALLS(houghSpheres3d, shells);
+    ORVIK_CALLS(houghSpheres3dLabelImg, balls, planes);
     ORVIK_CALLS(houghSpheres3d, volume, volume, volume, shells, attr::eCIT_Both, 3ul, 0.2, 20u, nullptr, nullptr, nullptr);
 
 #undef ORVIK_CALL

@@ -8,6 +8,7 @@
 #include "Processor/ComputeBestSpheresRadiiFromGradMagImg3d/ComputeBestSpheresRadiiFromGradMagImg3dLvl1.h"
 #include "Processor/HoughSpheres3d/HoughSpheres3dLvl1.h"
 #include "Processor/HoughSpheres3dImg/HoughSpheres3dImgLvl1.h"
+#include "Processor/HoughSpheres3dLabelImg/HoughSpheres3dLabelImgLvl1.h"
 #include "Processor/ExtractHoughPeaks2d/ExtractHoughPeaks2dLvl1.h"
 #include "Processor/ExtractRadiusFromHoughImg/ExtractRadiusFromHoughImgLvl1.h"
 #include "Processor/HarrisCorner2d/HarrisCorner2dLvl1.h"
@@ -189,6 +190,15 @@ ImagesOfClass spheres(bool isGrey)
         Results<OutPIHoughSpheres3dPpties, OutOptRealImg1>());
 }
 
+Ptr<PlanIndexedHoughSpheres3dPpties> oneSphere()
+{
+    const auto list = HoughSpheres3dPpties::createNode();
+    list->access<HoughSpheres3dPpties::Coll>().push_back(HoughSphere3dPpties::createNode(9, 4, 1, 3.5, 1));
+    const Ptr<PlanIndexedHoughSpheres3dPpties> lists = PlanIndexedHoughSpheres3dPpties::createColl();
+    lists->insert(PlanIndex(), list);
+    return lists;
+}
+
 /// All classes of which a rule looks at more than one image.
 std::vector<ImagesOfClass> allClasses()
 {
@@ -244,6 +254,9 @@ std::vector<ImagesOfClass> allClasses()
             Results<OutHoughCircles2dPpties>()),
         spheres(true),
         spheres(false),
+        imagesOf<fd::HoughSpheres3dLabelImgLvl1, InImg, OutLabelImg>(
+            {{eIBT_Label16, g_planes}, {eIBT_Label16, g_planes}}, {{"InImg", "OutLabelImg"}},
+            with<InPIHoughSpheres3dPpties>(oneSphere()), Results<OutLabelImg>()),
         imagesOf<fd::HoughSpheres3dImgLvl1, InGxGreyImg3d, InGyGreyImg3d, InGzGreyImg3d, OutRealImg>(
             TypesAndSizes(4, {eIBT_Real32, g_planes}), {}, with<>(), Results<OutRealImg>()),
         imagesOf<fd::ComputeBestSpheresRadiiFromGradMagImg3dLvl1, InGxGreyImg3d, InGyGreyImg3d, InGzGreyImg3d>(

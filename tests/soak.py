@@ -50,6 +50,7 @@ ARGUMENTS = {
     "houghCirclesPhaseCoded2dImg": lambda draw, a, b: ((a, b, 2, seldom(draw, -1, 3, 9)), {}),
     "houghCircles2d": lambda draw, a, b: ((a, 2, seldom(draw, -1, 5, 9)), {"algoMethod": draw.choice([0, 1])}),
     "houghSpheres3dImg": lambda draw, a, b: ((a, b, a, seldom(draw, "x", 1), 2), {}),
+    "houghSpheres3dLabelImg": lambda draw, a, b: (([(5, 4, 0, seldom(draw, -1, 2, 9))], a if a.ndim < 4 else a[0]), {}),
     "houghSpheres3d": lambda draw, a, b: ((a, 1, seldom(draw, -1, 2, 4)), {"ratioOfMax": draw.choice([None, 0.9])}),
     "extractHoughPeaks2d": lambda draw, a, b: ((a, b, seldom(draw, "x", 0, 9)), {}),
     "maxL2Norm2Msr": lambda draw, a, b: ((a, seldom(draw, b.astype("f8"), b)), {}),

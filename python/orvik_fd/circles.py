@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Any, Optional, Tuple
+from typing import Any, Optional, Sequence, Tuple
 
 import numpy
 
@@ -35,13 +35,13 @@ def _setRings(run: Run[Any, Any], minRadius: Optional[int], maxRadius: Optional[
     run.set("InOptNbMaxPtsPerCircle", nbMaxPtsPerCircle=nbMaxPtsPerCircle)
 
 
-def _rowsOf(centers: Any, axes: str = "XY") -> Any:
+def _rowsOf(centers: Any, axes: Sequence[str] = "XY", name: str = "centers") -> Any:
     """Coordinates and Value of centres: a structured array with such fields, the last one if it has it, or rows of coordinates
     and perhaps a value."""
     array = numpy.asarray(centers)
     if array.dtype.names:
         if not set(axes) <= set(array.dtype.names):
-            raise TypeError(f"centers: fields {' and '.join(axes)} are expected, not {', '.join(array.dtype.names)}")
+            raise TypeError(f"{name}: fields {' and '.join(axes)} are expected, not {', '.join(array.dtype.names)}")
         value = array["Value"] if "Value" in array.dtype.names else numpy.zeros(array.shape)
         return numpy.stack([array[axis] for axis in axes] + [value], axis=-1).astype(numpy.float64)
     nbLeaves = len(axes) + 1
@@ -49,8 +49,8 @@ def _rowsOf(centers: Any, axes: str = "XY") -> Any:
     if array.ndim == 2 and array.shape[1] == len(axes):
         array = numpy.column_stack([array, numpy.zeros(len(array))])
     if array.ndim != 2 or array.shape[1] != nbLeaves:
-        raise TypeError(f"centers: rows of {', '.join(axes.lower())} and perhaps a value are expected, not an array of shape "
-                        f"{array.shape}")
+        columns = ", ".join(axis.lower() for axis in axes)
+        raise TypeError(f"{name}: rows of {columns} and perhaps a value are expected, not an array of shape {array.shape}")
     return array
 
 

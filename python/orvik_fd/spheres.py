@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Any, Optional
+from typing import Any, Mapping, Optional, Tuple, Union
 
 from .calls import Progress, Run, background, everyPlaneBackground, everyVolume, foreground, named, newRun
 from .circles import _rowsOf, _setRings
@@ -15,6 +15,7 @@ __all__ = [
     "houghSpheres3d", "houghSpheres3d_async",
     "multiSlice_houghSpheres3d", "multiSlice_houghSpheres3d_async",
     "computeBestSpheresRadiiFromGradMagImg3d", "computeBestSpheresRadiiFromGradMagImg3d_async",
+    "houghSpheres3dLabelImg", "houghSpheres3dLabelImg_async",
 ]
 
 
@@ -168,6 +169,42 @@ def _computeBestSpheresRadiiFromGradMagImg3d(
     return run.returning("OutHoughSpheres3dPpties")
 
 
+def _houghSpheres3dLabelImg(
+    spheres: Union[Any, Mapping[Tuple[int, int, int], Any]],
+    inImg: Array,
+    outImg: Optional[Array] = None,
+    *,
+    progress: Optional[Progress] = None,
+) -> Run[Array, Array]:
+    """Draws spheres, such as those of houghSpheres3d, into a volume of labels.
+
+    A voxel within the radius of a sphere gets the sphere's number, counted from 1 in the list's order; others are 0. Of several
+    spheres that one has it in which it lies deepest, distance over radius, the earlier one where it lies as deep. Centres and
+    radii are not rounded.
+
+    Arguments:
+        spheres: rows of x, y, z, radius and perhaps a value, or a structured array with such fields, as houghSpheres3d gives
+            for one volume; for stacks a dict of them by (t, c, 0), as multiSlice_houghSpheres3d gives, exactly one for each
+            volume. Parts outside the volume are cut off; a radius below 0 or NaN draws nothing but keeps its number.
+        inImg: gives the shape, (z, y, x) to (t, c, z, y, x); its samples are not looked at.
+        outImg: an array of that shape that the labels are written to, of uint8, uint16 or uint32, wide enough for the numbers
+            of all spheres. Default: a new one, of the narrowest of these that is.
+        progress: called with the fraction of the current stage that is done, or a bar of tqdm.
+
+    Gives an array of that shape.
+
+    Raises Error for shapes that differ, volumes without a list or lists without a volume, an outImg that cannot name all
+    spheres; TypeError and ValueError for arguments that no image or list can be made of.
+    """
+    run: Run[Array, Array] = newRun("fd::HoughSpheres3dLabelImgLvl1", progress)
+    lists = spheres if isinstance(spheres, Mapping) else {(0, 0, 0): spheres}
+    fields = ("X", "Y", "Z", "Radius")
+    run.setList("InPIHoughSpheres3dPpties", spheres={at: _rowsOf(rows, fields, "spheres") for at, rows in lists.items()})
+    run.set("InImg", inImg=inImg)
+    run.give("OutLabelImg", outImg=outImg)
+    return run.returning("OutLabelImg")
+
+
 houghSpheres3dImg = foreground(_houghSpheres3dImg)
 houghSpheres3dImg_async = background(_houghSpheres3dImg)
 houghSpheres3d = foreground(_houghSpheres3d)
@@ -176,3 +213,5 @@ multiSlice_houghSpheres3d = everyVolume(_houghSpheres3d)
 multiSlice_houghSpheres3d_async = everyPlaneBackground(_houghSpheres3d)
 computeBestSpheresRadiiFromGradMagImg3d = foreground(_computeBestSpheresRadiiFromGradMagImg3d)
 computeBestSpheresRadiiFromGradMagImg3d_async = background(_computeBestSpheresRadiiFromGradMagImg3d)
+houghSpheres3dLabelImg = foreground(_houghSpheres3dLabelImg)
+houghSpheres3dLabelImg_async = background(_houghSpheres3dLabelImg)

@@ -3,6 +3,8 @@
 #include "Interpreter.h"
 
 #include "frame/attr/Declarations.h"
+#include "frame/imaproc/ImageAttributes.h"
+#include "frame/serialization/PlanIndexedColl.h"
 #include "frame/util/BaseException.h"
 
 #include <cctype>
@@ -227,12 +229,10 @@ void setParameter(processor::BaseAttribute& attribute, const py::kwargs& argumen
         throw py::type_error(attribute.getObjectName() + " does not take " + reprOf(arguments));
 }
 
-void setList(processor::BaseAttribute& attribute, const py::handle& rows, const std::string& name)
+/// Appends a record for each row.
+static void appendRows(BaseDataItemNodeColl& coll, const py::handle& rows, const std::string& name)
 {
     const auto array = py::array_t<double, py::array::c_style>::ensure(rows);
-    auto& target = dynamic_cast<processor::BaseDataItemAttribute&>(attribute);
-    target.initEmpty();
-    BaseDataItemNodeColl& coll = *boost::const_pointer_cast<BaseDataItemNode>(target.accessDataItemNodePtr())->accessList();
     RowLayout layout;
     LayoutReader reader(layout);
     coll.createNode()->visitLeaves(reader);
@@ -243,6 +243,26 @@ void setList(processor::BaseAttribute& attribute, const py::handle& rows, const 
         RowReader row(array.data(i, 0));
         coll.appendNode().visitLeaves(row);
     }
+}
+
+void setList(processor::BaseAttribute& attribute, const py::handle& rows, const std::string& name)
+{
+    if (auto* const lists = dynamic_cast<imaproc::BasePlanIndexedAttribute*>(&attribute)) {
+        lists->initEmpty();
+        for (const auto& [key, rowsOfEntry] : py::cast<py::dict>(rows)) {
+            const auto place = py::cast<py::object>(key);
+            if (!py::isinstance<py::tuple>(place) || py::len(place) != 3)
+                throw py::type_error(name + ": lists are told by (t, c, z), not by " + reprOf(place));
+            const auto indexAt = [&](int i) { return py::cast<unsigned long>(place[py::int_(i)]); };
+            const boost::shared_ptr<BaseSerializationObject> entry = lists->accessStorage()->createEntry();
+            appendRows(*dynamic_cast<BaseDataItemNode&>(*entry).accessList(), rowsOfEntry, name);
+            lists->accessStorage()->insert(PlanIndex(indexAt(2), indexAt(1), indexAt(0)), entry);
+        }
+        return;
+    }
+    auto& target = dynamic_cast<processor::BaseDataItemAttribute&>(attribute);
+    target.initEmpty();
+    appendRows(*boost::const_pointer_cast<BaseDataItemNode>(target.accessDataItemNodePtr())->accessList(), rows, name);
 }
 
 py::array toStructuredArray(BaseDataItemNode& list)

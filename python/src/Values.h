@@ -21,7 +21,8 @@ double toDouble(const pybind11::handle& object, const std::string& name);
 /// @throws TypeError or ValueError that names the argument when its value does not fit.
 void setParameter(processor::BaseAttribute& attribute, const pybind11::kwargs& arguments);
 
-/// Gives a list its records, one for each row of an array of doubles that has a column for each leaf.
+/// Gives a list its records, one for each row of an array of doubles that has a column for each leaf; lists of planes or
+/// volumes from a dict of such arrays by (t, c, z).
 /// @throws TypeError that names the argument for another array.
 void setList(processor::BaseAttribute& attribute, const pybind11::handle& rows, const std::string& name);
 

@@ -209,6 +209,15 @@ def test_houghSpheres3dFindsBallsAndCentresOutsideHaveNoRadius():
     assert abs(order["X"] - [16, 45]).max() <= 1 and abs(order["Y"] - [20, 24]).max() <= 1
     assert abs(order["Z"] - [18, 22]).max() <= 1 and abs(order["Radius"] - [9, 12]).max() <= 1
     assert list(orvik_fd.multiSlice_houghSpheres3d(numpy.stack([picture, picture]), 5, 15)) == [(0, 0, 0), (0, 1, 0)]
+    labels = orvik_fd.houghSpheres3dLabelImg(found, picture)
+    first = 1 + abs(found["X"] - 16).argmin()
+    assert labels.dtype == numpy.uint8 and [labels[18, 20, 16], labels[22, 24, 45], labels[0, 0, 0]] == [first, 3 - first, 0]
+    ofStack = orvik_fd.houghSpheres3dLabelImg({(0, 0, 0): [], (0, 1, 0): found}, numpy.stack([picture, picture]))
+    assert not ofStack[0].any() and (ofStack[1] == labels).all()
+    out = numpy.empty(picture.shape, numpy.uint16)
+    assert orvik_fd.houghSpheres3dLabelImg_async([(16, 20, 18, 9)], picture, out).result() is out and out[18, 20, 16] == 1
+    with pytest.raises(TypeError, match="spheres: rows of x, y, z, radius and perhaps a value"):
+        orvik_fd.houghSpheres3dLabelImg([(16, 20, 18)], picture)
     g = orvik_fd.gaussianGradient3dImg(picture.astype(numpy.float32), 1)
     rows = orvik_fd.computeBestSpheresRadiiFromGradMagImg3d(*g, [(16, 20, 18), (5, 5, -7)], 5, 15)
     assert abs(rows["Radius"][0] - 9) <= 1 and numpy.isnan(list(rows[1])).all()

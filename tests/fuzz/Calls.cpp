@@ -243,6 +243,15 @@ const auto shortRadii = [](Scenario& scenario) {
 };
 const auto nbSpheres = [](Scenario& scenario) { return scenario.number("nbSpheres", {0ul, 3ul}); };
 const auto sphereList = [](Scenario& scenario) { return scenario.oneIn(32) ? nullptr : HoughSpheres3dPpties::createNode(); };
+const auto drawnSpheres = [](Scenario& scenario) -> ConstPtr<HoughSpheres3dPpties> {
+    const auto list = HoughSpheres3dPpties::createNode();
+    for (unsigned int i = scenario.below(9); i > 0; --i) {
+        const double x = scenario.number("x", {3.0, 0.5, 64.0}), y = scenario.number("y", {2.0, 7.5, 30.0});
+        const double z = scenario.number("z", {0.0, 1.5, 9.0}), radius = scenario.number("radius", {0.0, 2.0, 5.5, 30.0});
+        list->access<HoughSpheres3dPpties::Coll>().push_back(HoughSphere3dPpties::createNode(x, y, z, radius, 1.0));
+    }
+    return scenario.oneIn(32) ? nullptr : list;
+};
 const auto circleList = [](Scenario& scenario) { return scenario.oneIn(32) ? nullptr : HoughCircles2dPpties::createNode(); };
 
 // --- settings with which a result need not be that of plain code on one thread and in one strip
@@ -362,6 +371,8 @@ const Family kFamilies[] = {
     family("houghSpheres3dImg", none, FUNCTION(houghSpheres3dImg), in, in, in, radii),
     family("houghSpheres3dImg, into", none, FUNCTION(houghSpheres3dImg), in, in, in, radii, circleType, circleAngle, nbPoints,
            scores),
+    family("houghSpheres3dLabelImg", none, FUNCTION(houghSpheres3dLabelImg), drawnSpheres, in),
+    family("houghSpheres3dLabelImg, into", none, FUNCTION(houghSpheres3dLabelImg), drawnSpheres, in, out),
     family("houghSpheres3d", none, PLANES(houghSpheres3d), in, radii),
     family("houghSpheres3d, grey", none, PLANES(houghSpheres3d), in, radii, circleType, nbSpheres, nbPoints, circleThreshold,
            tooClose),
