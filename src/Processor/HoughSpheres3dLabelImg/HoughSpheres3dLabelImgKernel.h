@@ -1,6 +1,6 @@
 #pragma once
 
-// Which sphere has each voxel of a slice, and the lines of labels. Compiled once per instruction set.
+// Which sphere has each voxel, slice by slice of one strip. Compiled once per instruction set.
 
 #include "Processor/HoughSpheres3dLabelImg/HoughSpheres3dLabelImgLvl3.h"
 #include "Processor/HoughSpheres3dLabelImg/SphereSlice.h"
@@ -10,7 +10,6 @@
 #include "frame/processor/KernelRegistrator.h"
 #include "frame/simd/Simd.h"
 
-#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -19,19 +18,25 @@
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
 
-/// What the kernel works with on one strip.
-template<class Out>
-struct LabelStrip
+/// Makes room in a row for columns from `first` to `end`: outside of all spheres a voxel is infinitely deep, so that nothing is
+/// within one.
+inline void widen(SphereSlice::Columns& drawn, unsigned long first, unsigned long end, float* depths, int* labels)
 {
-    const Out* out;
-    unsigned long firstZ;  // of the strip, in the volume
-};
+    if (drawn.first == drawn.end)
+        drawn = {first, first};
+    const auto clear = [&](unsigned long from, unsigned long to) {
+        for (unsigned long x = from; x < to; ++x) {
+            depths[x] = std::numeric_limits<float>::infinity();
+            labels[x] = 0;
+        }
+    };
+    clear(first, drawn.first);
+    clear(drawn.end, end);
+    drawn = {first < drawn.first ? first : drawn.first, end > drawn.end ? end : drawn.end};
+}
 
-template<class O>
-LabelStrip(const O*, unsigned long) -> LabelStrip<O>;
-
-/// Columns from `first` on, up to `end` or a little beyond, of a row: what the sphere gets is told voxel by voxel, so it does not
-/// matter how many are looked at.
+/// Columns from `first` to `end`, whole vectors: what the sphere gets is told voxel by voxel, so it does not matter that there
+/// are some too many.
 inline void drawRow(const DrawnSphere& sphere, float y, float z, unsigned long first, unsigned long end, float* depths,
                     int* labels)
 {
@@ -44,10 +49,9 @@ inline void drawRow(const DrawnSphere& sphere, float y, float z, unsigned long f
     const F steps = load(columns);
     const float dy = y - sphere.y, dz = z - sphere.z, yy = dy * dy, zz = dz * dz;
     const I label = I{} + static_cast<int>(sphere.label);
-    for (unsigned long x = first - first % lanes; x < end; x += lanes) {
+    for (unsigned long x = first; x < end; x += lanes) {
         const F dx = (steps + static_cast<float>(x)) - sphere.x;
         const F distance = squareRoot((dx * dx + yy) + zz), depth = distance / sphere.radius, before = load(depths + x);
-        // Outside of all spheres a voxel is infinitely deep: so is nothing within one.
         const I taken = (distance <= sphere.radius) & ~(before <= depth);
         store(depths + x, taken ? depth : before);
         store(labels + x, taken ? label : load(labels + x));
@@ -56,13 +60,15 @@ inline void drawRow(const DrawnSphere& sphere, float y, float z, unsigned long f
 
 inline void drawSlice(SphereSlice& slice, unsigned long z)
 {
+    constexpr unsigned long lanes = Lanes<float>::count;
     float* const depths = static_cast<float*>(slice.depths.getDataPtr());
     int* const labels = static_cast<int*>(slice.labels.getDataPtr());
-    std::fill(slice.isDrawn.begin(), slice.isDrawn.end(), static_cast<unsigned char>(0));
+    for (SphereSlice::Columns& drawn : slice.drawn)
+        drawn = {0, 0};
     for (const DrawnSphere& sphere : slice.spheres) {
         if (z < sphere.firstSlice || z >= sphere.endSlice)
             continue;
-        const double reach = reachOf(sphere), dz = static_cast<double>(z) - static_cast<double>(sphere.z);
+        const double reach = sphere.reach(), dz = static_cast<double>(z) - static_cast<double>(sphere.z);
         const double inSlice = reach * reach - dz * dz;
         if (inSlice < 0)
             continue;
@@ -74,40 +80,39 @@ inline void drawSlice(SphereSlice& slice, unsigned long z)
             const Reach columns(static_cast<double>(sphere.x), __builtin_sqrt(inRow), slice.sizeX);
             if (columns.first >= columns.end)
                 continue;
+            const unsigned long end = columns.first + (columns.end - columns.first + lanes - 1) / lanes * lanes;
             float* const rowDepths = depths + y * slice.rowSize;
             int* const rowLabels = labels + y * slice.rowSize;
-            if (!slice.isDrawn[y]) {
-                slice.isDrawn[y] = 1;
-                std::fill_n(rowDepths, slice.rowSize, std::numeric_limits<float>::infinity());
-                std::fill_n(rowLabels, slice.rowSize, 0);
-            }
-            drawRow(sphere, static_cast<float>(y), static_cast<float>(z), columns.first, columns.end, rowDepths, rowLabels);
+            widen(slice.drawn[y], columns.first, end, rowDepths, rowLabels);
+            drawRow(sphere, static_cast<float>(y), static_cast<float>(z), columns.first, end, rowDepths, rowLabels);
         }
     }
+}
+
+/// A line of labels, 0 beside the columns with spheres.
+template<class Sample>
+void writeRow(const SphereSlice::Columns& drawn, const int* labels, Sample* to, unsigned long sizeX)
+{
+    const unsigned long first = drawn.first < sizeX ? drawn.first : sizeX, end = drawn.end < sizeX ? drawn.end : sizeX;
+    std::memset(to, 0, first * sizeof(Sample));
+    for (unsigned long x = first; x < end; ++x)
+        to[x] = static_cast<Sample>(labels[x]);
+    std::memset(to + end, 0, (sizeX - end) * sizeof(Sample));
 }
 
 }  // namespace
 
 template<class Sample, core::eInstructionSet Set>
-BoolResult HoughSpheres3dLabelImgLvl3::genericProcessFunction(const processor::ProcessingInfo& info)
+BoolResult HoughSpheres3dLabelImgLvl3::genericProcessFunction(const processor::ProcessingInfo&)
 {
-    const auto* const strip = onceAStrip(info, [&] {
-        return LabelStrip{parser<attr::OutLabelZStrip3d, Sample>(), value<attr::OutLabelZStrip3d>()->getStripStartOffsetZ()};
-    });
-    if (!strip)
-        return wrongSampleType();
+    const image::OutputImageZStrip3d& strip = *value<attr::OutLabelZStrip3d>();
     SphereSlice& slice = *m_slice;
-    const unsigned long y = info.lineIndex % slice.sizeY;
-    if (y == 0)
-        drawSlice(slice, strip->firstZ + info.lineIndex / slice.sizeY);
-    Sample* const to = strip->out->accessBuffer();
-    if (!slice.isDrawn[y]) {
-        std::memset(to, 0, info.nbData * sizeof(Sample));
-        return success();
+    for (unsigned long line = 0; line < strip.getNbLines();) {
+        drawSlice(slice, strip.getStripStartOffsetZ() + line / slice.sizeY);
+        const int* const labels = static_cast<const int*>(slice.labels.getDataPtr());
+        for (unsigned long y = 0; y < slice.sizeY; ++y, ++line)
+            writeRow(slice.drawn[y], labels + y * slice.rowSize, static_cast<Sample*>(strip.accessLine(line)), slice.sizeX);
     }
-    const int* const labels = static_cast<const int*>(slice.labels.getDataPtr()) + y * slice.rowSize;
-    for (unsigned long x = 0; x < info.nbData; ++x)
-        to[x] = static_cast<Sample>(labels[x]);
     return success();
 }
 

@@ -21,10 +21,11 @@ processor::StageResult HoughSpheres3dLabelImgLvl3::preProcess()
     SphereSlice& slice = *m_slice;
     slice.sizeX = strip.getSizeX();
     slice.sizeY = strip.getSizeY();
-    slice.rowSize = processor::alignedCount(slice.sizeX, getRunGranularity());
+    const unsigned long widestVector = 16;  // of floats, which may begin at any column
+    slice.rowSize = slice.sizeX + widestVector;
     slice.depths.init(slice.rowSize * slice.sizeY, eDT_Real32);
     slice.labels.init(slice.rowSize * slice.sizeY, eDT_UInt32);
-    slice.isDrawn.assign(slice.sizeY, 0);
+    slice.drawn.assign(slice.sizeY, {0, 0});
 
     const unsigned long firstSlice = strip.getStripStartOffsetZ();
     const unsigned long endSlice = firstSlice + strip.getNbLines() / slice.sizeY;
@@ -44,7 +45,7 @@ processor::StageResult HoughSpheres3dLabelImgLvl3::preProcess()
                           0};
         if (!(drawn.radius >= 0))
             continue;
-        const Reach reach(static_cast<double>(drawn.z), reachOf(drawn), endSlice);
+        const Reach reach(static_cast<double>(drawn.z), drawn.reach(), endSlice);
         drawn.firstSlice = std::max(reach.first, firstSlice);
         drawn.endSlice = reach.end;
         if (drawn.firstSlice < drawn.endSlice)

@@ -19,6 +19,8 @@ class ORVIK_API HoughSpheres3dLabelImgLvl3
     typedef attr::OutLabelZStrip3d KeyStrip;
     typedef LineStripParserMode ParserMode;
 
+    /// None: the kernel goes over the strip slice by slice, and is called once for all of it.
+    void initDataParserColl(processor::DataParserColl& coll) override { coll.clear(); }
     processor::StageResult preProcess() override;
     template<class Sample, core::eInstructionSet Set>
     BoolResult genericProcessFunction(const processor::ProcessingInfo& info);
