@@ -29,19 +29,6 @@ namespace {
 const unsigned long g_size = 256;
 const double g_low = 8.0, g_high = 20.0;  // grey levels a voxel: skin, skull and the folds of the brain
 
-void registerRun(const std::string& name, unsigned int nbThreads, const std::function<void()>& run)
-{
-    benchmark::RegisterBenchmark(name.c_str(),
-                                 [=](benchmark::State& state) {
-                                     core::setNbThreads(nbThreads);
-                                     for (auto _ : state)
-                                         run();
-                                     core::setNbThreads(1);
-                                 })
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
-}
-
 #ifdef ORVIK_HAVE_ITK
 typedef itk::Image<float, 3> ItkImage;
 

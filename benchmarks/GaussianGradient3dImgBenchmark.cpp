@@ -24,19 +24,6 @@ ImagePtr volume()
     return image::createImage(image::eIBT_Real32, {g_size, g_size, g_size});
 }
 
-void registerRun(const std::string& name, unsigned int nbThreads, const std::function<void()>& run)
-{
-    benchmark::RegisterBenchmark(name.c_str(),
-                                 [=](benchmark::State& state) {
-                                     core::setNbThreads(nbThreads);
-                                     for (auto _ : state)
-                                         run();
-                                     core::setNbThreads(1);
-                                 })
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
-}
-
 }  // namespace
 
 int main(int argc, char** argv)
@@ -48,9 +35,9 @@ int main(int argc, char** argv)
         for (unsigned long column = 0; column < g_size; ++column)
             static_cast<float*>(in->accessLine(i % g_size, i / g_size))[column] = static_cast<float>(random() >> 8);
     const auto gradient = [=] { imaproc::filter::gaussianGradient3dImg(in, 1, 1, 1, 4, x, y, z); };
-    registerRun("gradient", 1, gradient);
-    registerRun("gradient_2_threads", 2, gradient);
-    registerRun("copies", 1, [=] {
+    bench::registerRun("gradient", 1, gradient);
+    bench::registerRun("gradient_2_threads", 2, gradient);
+    bench::registerRun("copies", 1, [=] {
         for (unsigned long i = 0; i < g_size * g_size; ++i) {
             const float* const from = static_cast<const float*>(in->getLine(i % g_size, i / g_size));
             for (const ImagePtr& to : {x, y, z})

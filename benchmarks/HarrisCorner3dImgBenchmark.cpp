@@ -38,19 +38,6 @@ float* lineOf(const ImagePtr& image, unsigned long i)
     return static_cast<float*>(image->accessLine(i % g_size, i / g_size));
 }
 
-void registerRun(const std::string& name, unsigned int nbThreads, const std::function<void()>& run)
-{
-    benchmark::RegisterBenchmark(name.c_str(),
-                                 [=](benchmark::State& state) {
-                                     core::setNbThreads(nbThreads);
-                                     for (auto _ : state)
-                                         run();
-                                     core::setNbThreads(1);
-                                 })
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
-}
-
 struct Volumes
 {
     ImagePtr in = volume(), wk[6] = {volume(), volume(), volume(), volume(), volume(), volume()}, out = volume();
@@ -194,8 +181,8 @@ int main(int argc, char** argv)
             if (!core::isAvailable(first) || !core::isAvailable(second))
                 continue;
             const std::string of = core::getInstructionSetName(first);
-            registerRun(name + "_" + of, 1,
-                        [=, &volumes, first = first, second = second] { volumes.respond(type, first, second); });
+            bench::registerRun(name + "_" + of, 1,
+                               [=, &volumes, first = first, second = second] { volumes.respond(type, first, second); });
             if (first != core::eIS_Generic)
                 ratios.push_back({"kernel of plain code, whose vectors have 16 bytes, over that of " + of + ", " + name,
                                   name + "_generic", name + "_" + of, "shown"});
@@ -203,17 +190,17 @@ int main(int argc, char** argv)
                               first == core::eIS_Avx2 ? "at least 4" : "shown"});
         }
     }
-    registerRun("harris_scalars", 1, [&] { volumes.respondInScalars(harrisInScalars); });
-    registerRun("eigenvalue_scalars", 1, [&] { volumes.respondInScalars(eigenvalueInScalars); });
-    registerRun("gradient", 1, [&] { volumes.gradient(); });
-    registerRun("tensor", 1, [&] { volumes.tensor(); });
-    registerRun("copies", 1, [&] { volumes.copies(); });
-    registerRun("gradient_and_tensor", 1, [&] {
+    bench::registerRun("harris_scalars", 1, [&] { volumes.respondInScalars(harrisInScalars); });
+    bench::registerRun("eigenvalue_scalars", 1, [&] { volumes.respondInScalars(eigenvalueInScalars); });
+    bench::registerRun("gradient", 1, [&] { volumes.gradient(); });
+    bench::registerRun("tensor", 1, [&] { volumes.tensor(); });
+    bench::registerRun("copies", 1, [&] { volumes.copies(); });
+    bench::registerRun("gradient_and_tensor", 1, [&] {
         volumes.gradient();
         volumes.tensor();
     });
-    registerRun("whole", 1, [&] { volumes.whole(); });
-    registerRun("whole_2_threads", 2, [&] { volumes.whole(); });
+    bench::registerRun("whole", 1, [&] { volumes.whole(); });
+    bench::registerRun("whole_2_threads", 2, [&] { volumes.whole(); });
     ratios.push_back({"whole over gradient and tensor", "whole", "gradient_and_tensor", "at most 4"});
     ratios.push_back({"tensor over reading and writing its images once", "tensor", "copies", "at most 3"});
     ratios.push_back({"one thread over two", "whole", "whole_2_threads", "aim for 1.7"});

@@ -218,17 +218,8 @@ void registerLabels()
                                                                                    place(random), 10.0, 1.0));
     const ImagePtr out = image::createImage(image::eIBT_Label8, {size, size, size});
     const ConstPtr<HoughSpheres3dPpties> drawn = spheres;
-    const auto add = [](const char* name, const auto& run) {
-        benchmark::RegisterBenchmark(name,
-                                     [=](benchmark::State& state) {
-                                         for (auto _ : state)
-                                             run();
-                                     })
-            ->Unit(benchmark::kMillisecond)
-            ->UseRealTime();
-    };
-    add("labels", [=] { houghSpheres3dLabelImg(drawn, out, out); });
-    add("erasing", [=] {
+    bench::registerRun("labels", 1, [=] { houghSpheres3dLabelImg(drawn, out, out); });
+    bench::registerRun("erasing", 1, [=] {
         const auto erase = processor::createInitialised<imaproc::util::EraseImgLvl2>();
         erase->set<OutSubImg2d>(out);
         processor::executeSyncRun(erase);

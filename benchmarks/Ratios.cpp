@@ -1,5 +1,7 @@
 #include "Ratios.h"
 
+#include "frame/core/Scheduler.h"
+
 #include <cstdio>
 
 namespace orvik::bench {
@@ -25,6 +27,19 @@ double RatioReporter::time(const std::string& name) const
 {
     const auto found = m_shortest.find(name);
     return found == m_shortest.end() ? 0.0 : found->second;
+}
+
+void registerRun(const std::string& name, unsigned int nbThreads, const std::function<void()>& run)
+{
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [=](benchmark::State& state) {
+                                     core::setNbThreads(nbThreads);
+                                     for (auto _ : state)
+                                         run();
+                                     core::setNbThreads(1);
+                                 })
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
 }
 
 int runBenchmarks(int argc, char** argv, const std::vector<Ratio>& ratios)

@@ -4,6 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -21,6 +22,9 @@ public:
 private:
     std::map<std::string, double> m_shortest;
 };
+
+/// A benchmark of `run` with that many threads, by the time that it takes.
+void registerRun(const std::string& name, unsigned int nbThreads, const std::function<void()>& run);
 
 /// One line of the table: how many times `longer` takes as long as `shorter`.
 struct Ratio
