@@ -11,63 +11,76 @@
 #include "frame/simd/Simd.h"
 
 #include <cstring>
-#include <limits>
 
 #include "frame/simd/OpenSet.h"
 
 namespace orvik { namespace imaproc { namespace fd {
 namespace {
 
-/// Makes room in a row for columns from `first` to `end`: outside of all spheres a voxel is infinitely deep, so that nothing is
-/// within one.
-inline void widen(SphereSlice::Columns& drawn, unsigned long first, unsigned long end, float* depths, int* labels)
+/// Makes room in a row for columns from `first` to `end`, in no sphere.
+inline void widen(SphereSlice::Columns& drawn, unsigned long first, unsigned long end, int* labels)
 {
     if (drawn.first == drawn.end)
         drawn = {first, first};
     const auto clear = [&](unsigned long from, unsigned long to) {
-        for (unsigned long x = from; x < to; ++x) {
-            depths[x] = std::numeric_limits<float>::infinity();
+        for (unsigned long x = from; x < to; ++x)
             labels[x] = 0;
-        }
     };
     clear(first, drawn.first);
     clear(drawn.end, end);
     drawn = {first < drawn.first ? first : drawn.first, end > drawn.end ? end : drawn.end};
 }
 
+/// Of two spheres that a voxel lies in, whether it lies no deeper in the second one, by distance over radius.
+inline bool keepsFirst(const DrawnSphere& first, const DrawnSphere& second, float x, float y, float z)
+{
+    const auto depthIn = [&](const DrawnSphere& sphere) {
+        const float dx = x - sphere.x, dy = y - sphere.y, dz = z - sphere.z;
+        return __builtin_sqrtf((dx * dx + dy * dy) + dz * dz) / sphere.radius;
+    };
+    return depthIn(first) <= depthIn(second);
+}
+
 /// Columns from `first` to `end`, whole vectors: what the sphere gets is told voxel by voxel, so it does not matter that there
 /// are some too many.
-inline void drawRow(const DrawnSphere& sphere, float y, float z, unsigned long first, unsigned long end, float* depths,
+inline void drawRow(const SphereSlice& slice, unsigned int place, float y, float z, unsigned long first, unsigned long end,
                     int* labels)
 {
     typedef Lanes<float>::type F;
     typedef Lanes<int>::type I;
     constexpr unsigned long lanes = Lanes<float>::count;
+    const DrawnSphere& sphere = slice.spheres[place];
     float columns[lanes];
     for (unsigned long i = 0; i < lanes; ++i)
         columns[i] = static_cast<float>(i);
     const F steps = load(columns);
     const float dy = y - sphere.y, dz = z - sphere.z, yy = dy * dy, zz = dz * dz;
-    const I label = I{} + static_cast<int>(sphere.label);
+    const I label = I{} + static_cast<int>(place + 1);
     for (unsigned long x = first; x < end; x += lanes) {
         const F dx = (steps + static_cast<float>(x)) - sphere.x;
-        const F distance = squareRoot((dx * dx + yy) + zz), depth = distance / sphere.radius, before = load(depths + x);
-        const I taken = (distance <= sphere.radius) & ~(before <= depth);
-        store(depths + x, taken ? depth : before);
-        store(labels + x, taken ? label : load(labels + x));
+        const I inside = ((dx * dx + yy) + zz) <= sphere.squareWithin, before = load(labels + x);
+        const I contested = inside & (before != 0);
+        store(labels + x, inside ? label : before);
+        if (!anyOf(contested))
+            continue;
+        for (unsigned long i = 0; i < lanes; ++i)
+            if (contested[i]
+                && keepsFirst(slice.spheres[static_cast<unsigned int>(before[i]) - 1], sphere, static_cast<float>(x + i), y,
+                              z))
+                labels[x + i] = before[i];
     }
 }
 
 inline void drawSlice(SphereSlice& slice, unsigned long z)
 {
     constexpr unsigned long lanes = Lanes<float>::count;
-    float* const depths = static_cast<float*>(slice.depths.getDataPtr());
     int* const labels = static_cast<int*>(slice.labels.getDataPtr());
     for (SphereSlice::Columns& drawn : slice.drawn)
         drawn = {0, 0};
-    for (const DrawnSphere& sphere : slice.spheres) {
-        if (z < sphere.firstSlice || z >= sphere.endSlice)
+    for (const SphereSlice::Reaching& reaching : slice.reaching) {
+        if (z < reaching.firstSlice || z >= reaching.endSlice)
             continue;
+        const DrawnSphere& sphere = slice.spheres[reaching.place];
         const double reach = sphere.reach(), dz = static_cast<double>(z) - static_cast<double>(sphere.z);
         const double inSlice = reach * reach - dz * dz;
         if (inSlice < 0)
@@ -81,10 +94,9 @@ inline void drawSlice(SphereSlice& slice, unsigned long z)
             if (columns.first >= columns.end)
                 continue;
             const unsigned long end = columns.first + (columns.end - columns.first + lanes - 1) / lanes * lanes;
-            float* const rowDepths = depths + y * slice.rowSize;
-            int* const rowLabels = labels + y * slice.rowSize;
-            widen(slice.drawn[y], columns.first, end, rowDepths, rowLabels);
-            drawRow(sphere, static_cast<float>(y), static_cast<float>(z), columns.first, end, rowDepths, rowLabels);
+            int* const row = labels + y * slice.rowSize;
+            widen(slice.drawn[y], columns.first, end, row);
+            drawRow(slice, reaching.place, static_cast<float>(y), static_cast<float>(z), columns.first, end, row);
         }
     }
 }

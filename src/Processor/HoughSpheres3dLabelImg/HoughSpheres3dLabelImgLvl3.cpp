@@ -23,33 +23,29 @@ processor::StageResult HoughSpheres3dLabelImgLvl3::preProcess()
     slice.sizeY = strip.getSizeY();
     const unsigned long widestVector = 16;  // of floats, which may begin at any column
     slice.rowSize = slice.sizeX + widestVector;
-    slice.depths.init(slice.rowSize * slice.sizeY, eDT_Real32);
     slice.labels.init(slice.rowSize * slice.sizeY, eDT_UInt32);
     slice.drawn.assign(slice.sizeY, {0, 0});
 
     const unsigned long firstSlice = strip.getStripStartOffsetZ();
     const unsigned long endSlice = firstSlice + strip.getNbLines() / slice.sizeY;
     slice.spheres.clear();
-    unsigned int label = 0;
+    slice.reaching.clear();
     for (const auto& sphere : value<InHoughSpheres3dPpties>()->get<HoughSpheres3dPpties::Coll>().getNodes()) {
-        ++label;
+        const unsigned int place = static_cast<unsigned int>(slice.spheres.size());
+        slice.spheres.emplace_back();
         if (!sphere)
             continue;
         const auto leaf = [](double value) { return static_cast<float>(value); };
-        DrawnSphere drawn{leaf(sphere->get<HoughSphere3dPpties::X>()),
-                          leaf(sphere->get<HoughSphere3dPpties::Y>()),
-                          leaf(sphere->get<HoughSphere3dPpties::Z>()),
-                          leaf(sphere->get<HoughSphere3dPpties::Radius>()),
-                          label,
-                          0,
-                          0};
+        DrawnSphere& drawn = slice.spheres.back();
+        drawn = {leaf(sphere->get<HoughSphere3dPpties::X>()), leaf(sphere->get<HoughSphere3dPpties::Y>()),
+                 leaf(sphere->get<HoughSphere3dPpties::Z>()), leaf(sphere->get<HoughSphere3dPpties::Radius>()), 0.0f};
         if (!(drawn.radius >= 0))
             continue;
+        drawn.squareWithin = squareWithin(drawn.radius);
         const Reach reach(static_cast<double>(drawn.z), drawn.reach(), endSlice);
-        drawn.firstSlice = std::max(reach.first, firstSlice);
-        drawn.endSlice = reach.end;
-        if (drawn.firstSlice < drawn.endSlice)
-            slice.spheres.push_back(drawn);
+        const unsigned long first = std::max(reach.first, firstSlice);
+        if (first < reach.end)
+            slice.reaching.push_back({place, first, reach.end});
     }
     return processor::eSRT_Done;
 }

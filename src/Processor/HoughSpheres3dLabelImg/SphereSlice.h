@@ -6,12 +6,11 @@
 
 namespace orvik { namespace imaproc { namespace fd {
 
-/// A sphere in the arithmetic that it is drawn in, and the slices of the strip that it may reach.
+/// A sphere in the arithmetic that it is drawn in.
 struct DrawnSphere
 {
     float x, y, z, radius;
-    unsigned int label;
-    unsigned long firstSlice, endSlice;  // of the volume
+    float squareWithin;  // the greatest number whose root is not above the radius
 
     /// A little more than the radius, by more than distances are rounded.
     double reach() const { return static_cast<double>(radius) * (1 + 1e-6) + 1e-30; }
@@ -32,7 +31,10 @@ struct Reach
     unsigned long first = 0, end = 0;
 };
 
-/// What one strip works with: its spheres in the order of the list, and the slice at hand.
+/// The greatest number whose root, rounded to float, is not above `radius`, which is no NaN and not below 0.
+float squareWithin(float radius);
+
+/// What one strip works with: the spheres, and the slice at hand.
 struct SphereSlice
 {
     /// Columns of a row in which there are spheres; what lies beside them is not set.
@@ -41,9 +43,16 @@ struct SphereSlice
         unsigned long first, end;
     };
 
-    std::vector<DrawnSphere> spheres;
+    /// A sphere that may reach slices of the strip, by its place in the list.
+    struct Reaching
+    {
+        unsigned int place;
+        unsigned long firstSlice, endSlice;  // of the volume
+    };
+
+    std::vector<DrawnSphere> spheres;  // all of the list
+    std::vector<Reaching> reaching;
     unsigned long sizeX, sizeY, rowSize;
-    image::TypedOwnBuffer depths;  // distance over radius in the sphere that has the voxel
     image::TypedOwnBuffer labels;
     std::vector<Columns> drawn;  // of each row
 };

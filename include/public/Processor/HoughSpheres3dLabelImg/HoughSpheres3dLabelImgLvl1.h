@@ -23,7 +23,7 @@ class HoughSpheres3dLabelImgLvl1;
 /// @return a new image of labels: of 8 bits up to 255 spheres, 16 up to 65535, else of 32.
 /// @throws processor::ORVIKBaseProcessingException  when the list or the image is null, or the image has several channels or
 /// times (give a list for each); the text names the attribute and both values.
-/// Cost: a pass over the volume, and what the volumes of the spheres need; memory for a slice of 8 bytes a voxel per thread.
+/// Cost: a pass over the volume, and what the volumes of the spheres need; memory for a slice of 4 bytes a voxel per thread, and the list.
 /// The same bits for any strips, threads and instruction set.
 ORVIK_API ImagePtr houghSpheres3dLabelImg(const ConstPtr<attr::HoughSpheres3dPpties>& spheres, const ConstImagePtr& inImg);
 /// The same of an image of any number of volumes: exactly a list for each (c, t), with z 0. The longest one tells the type.

@@ -9,8 +9,8 @@ namespace orvik { namespace imaproc { namespace fd {
 
 struct SphereSlice;
 
-/// Level 3: one strip of slices. The spheres are drawn into a slice of scores and labels, each where it can be, then its lines
-/// are written.
+/// Level 3: one strip of slices. The spheres are drawn into a slice of labels, each where it can be, then its lines are
+/// written.
 class ORVIK_API HoughSpheres3dLabelImgLvl3
     : public ProcessingAlgorithm<HoughSpheres3dLabelImgLvl3, attr::InHoughSpheres3dPpties, attr::OutLabelZStrip3d>
 {
