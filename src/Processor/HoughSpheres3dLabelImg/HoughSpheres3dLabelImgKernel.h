@@ -101,16 +101,42 @@ inline void drawSlice(SphereSlice& slice, unsigned long z)
     }
 }
 
-/// A line of labels, 0 beside the columns with spheres.
+/// Writes lines of labels. Zeros that follow one another in memory, such as lines without spheres, are written together.
 template<class Sample>
-void writeRow(const SphereSlice::Columns& drawn, const int* labels, Sample* to, unsigned long sizeX)
+class LabelWriter
 {
-    const unsigned long first = drawn.first < sizeX ? drawn.first : sizeX, end = drawn.end < sizeX ? drawn.end : sizeX;
-    std::memset(to, 0, first * sizeof(Sample));
-    for (unsigned long x = first; x < end; ++x)
-        to[x] = static_cast<Sample>(labels[x]);
-    std::memset(to + end, 0, (sizeX - end) * sizeof(Sample));
-}
+public:
+    ~LabelWriter() { writeZeros(); }
+
+    void write(const SphereSlice::Columns& drawn, const int* labels, Sample* to, unsigned long sizeX)
+    {
+        const unsigned long first = drawn.first < sizeX ? drawn.first : sizeX, end = drawn.end < sizeX ? drawn.end : sizeX;
+        addZeros(to, to + (first < end ? first : sizeX));
+        if (first == end)
+            return;
+        for (unsigned long x = first; x < end; ++x)
+            to[x] = static_cast<Sample>(labels[x]);
+        addZeros(to + end, to + sizeX);
+    }
+
+private:
+    void addZeros(Sample* from, Sample* to)
+    {
+        if (from != m_end) {
+            writeZeros();
+            m_begin = from;
+        }
+        m_end = to;
+    }
+    void writeZeros()
+    {
+        if (m_begin != m_end)
+            std::memset(m_begin, 0, static_cast<unsigned long>(m_end - m_begin) * sizeof(Sample));
+        m_begin = m_end;
+    }
+
+    Sample *m_begin = nullptr, *m_end = nullptr;
+};
 
 }  // namespace
 
@@ -119,11 +145,13 @@ BoolResult HoughSpheres3dLabelImgLvl3::genericProcessFunction(const processor::P
 {
     const image::OutputImageZStrip3d& strip = *value<attr::OutLabelZStrip3d>();
     SphereSlice& slice = *m_slice;
+    LabelWriter<Sample> writer;
     for (unsigned long line = 0; line < strip.getNbLines();) {
         drawSlice(slice, strip.getStripStartOffsetZ() + line / slice.sizeY);
         const int* const labels = static_cast<const int*>(slice.labels.getDataPtr());
         for (unsigned long y = 0; y < slice.sizeY; ++y, ++line)
-            writeRow(slice.drawn[y], labels + y * slice.rowSize, static_cast<Sample*>(strip.accessLine(line)), slice.sizeX);
+            writer.write(slice.drawn[y], labels + y * slice.rowSize, static_cast<Sample*>(strip.accessLine(line)),
+                         slice.sizeX);
     }
     return success();
 }
