@@ -290,7 +290,10 @@ void convert(const Layout& layout, const unsigned char* stored, std::size_t coun
         for (std::size_t i = 0; i < count; ++i) {
             const Stored value = loadSample<Stored>(stored + i * sizeof value);
             if (layout.isScaled()) {
-                const auto scaled = static_cast<float>(layout.slope * static_cast<double>(value) + layout.intercept);
+                const double exact = layout.slope * static_cast<double>(value) + layout.intercept;
+                if (std::isfinite(exact) && std::abs(exact) > std::numeric_limits<float>::max())
+                    throw Refusal("the header scales samples beyond what 32 bit reals hold");
+                const auto scaled = static_cast<float>(exact);
                 std::memcpy(out + i * sizeof scaled, &scaled, sizeof scaled);
             } else {
                 const Kept<Stored> kept = narrowed(value);

@@ -42,7 +42,7 @@ std::string writeFiles(const PointOptions& options, const std::string& what, con
     Views marksOfCuts = blankViews(volume), marksOfProjections = blankViews(volume);
     for (const std::vector<double>& point : points.rows) {
         markInCuts(marksOfCuts, volume, point[0], point[1], point[2]);
-        markInProjections(marksOfProjections, volume, point[0], point[1], point[2]);
+        markInProjections(marksOfProjections, point[0], point[1], point[2]);
     }
     makeFolder(options.list.folder);
     const std::string start = outputStart(options.list.folder, options.list.picture) + "-" + what;

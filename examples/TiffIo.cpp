@@ -147,8 +147,8 @@ private:
                 volume.sampleType = page.sampleType;
                 readSpacing(volume);
             } else if (page.sizeX != volume.sizeX || page.sizeY != volume.sizeY || page.sampleType != volume.sampleType) {
-                throw Refusal("page " + std::to_string(volume.sizeZ + 1) + " is " + sizeText(page.sizeX, page.sizeY) + ", "
-                              + nameOf(page.sampleType) + ", but page 1 is " + sizeText(volume.sizeX, volume.sizeY) + ", "
+                throw Refusal("slice " + std::to_string(volume.sizeZ + 1) + " is " + sizeText(page.sizeX, page.sizeY) + ", "
+                              + nameOf(page.sampleType) + ", but slice 1 is " + sizeText(volume.sizeX, volume.sizeY) + ", "
                               + nameOf(volume.sampleType) + ": they are no slices of a volume");
             }
             ++volume.sizeZ;

@@ -74,7 +74,7 @@ Volume readRawVolume(const std::string& path, const RawLayout& layout);
 /// Writes a volume among files of which all appear or none does. The name's ending tells the format: .tif or .tiff (a page
 /// for each slice, deflated; spacing in its description and resolution), .nii or .nii.gz (spacing and orientation as read;
 /// version 2 where a size exceeds 32767). Sample types stay what they are. Throws PictureError as OutputFiles does, for
-/// another ending, or if there are more than 2^31 - 1 columns or lines.
+/// another ending, or for TIFF if there are more than 2^31 - 1 columns or lines.
 void addVolume(OutputFiles& files, const std::string& path, const Volume& volume);
 
 }  // namespace orvik::examples

@@ -139,7 +139,7 @@ Views projectMaxima(const Volume& volume)
     return views;
 }
 
-void markInProjections(Views& marks, const Volume&, double x, double y, double z)
+void markInProjections(Views& marks, double x, double y, double z)
 {
     for (std::size_t i = 0; i < marks.size(); ++i)
         markCross(g_sides[i], marks[i], {std::lround(x), std::lround(y), std::lround(z)}, g_reach);

@@ -30,7 +30,7 @@ Views projectMaxima(const Volume& volume);
 
 /// Marks a voxel by a cross of 7 by 7 pixels, from all three sides: where it is in the projections; in the cuts where they
 /// go through it, and by a single pixel where it is within 3 voxels of them.
-void markInProjections(Views& marks, const Volume& volume, double x, double y, double z);
+void markInProjections(Views& marks, double x, double y, double z);
 void markInCuts(Views& marks, const Volume& volume, double x, double y, double z);
 
 /// Marks a sphere: its outline from all three sides; where the cuts go through it, the circles that they make of it.

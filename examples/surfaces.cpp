@@ -82,7 +82,8 @@ Volume measureSteepness(const Volume& surfaces, const VolumeGradient& gradient)
             const auto* const gy = static_cast<const float*>(gradient.y->getLine(y, z));
             const auto* const gz = static_cast<const float*>(gradient.z->getLine(y, z));
             for (unsigned long x = 0; x < surfaces.sizeX; ++x, ++surface, out += sizeof(float)) {
-                const float magnitude = *surface != 0 ? std::sqrt(gx[x] * gx[x] + gy[x] * gy[x] + gz[x] * gz[x]) : 0.0F;
+                const double dx = gx[x], dy = gy[x], dz = gz[x];
+                const auto magnitude = *surface != 0 ? static_cast<float>(std::sqrt(dx * dx + dy * dy + dz * dz)) : 0.0F;
                 std::memcpy(out, &magnitude, sizeof magnitude);
             }
         }

@@ -289,9 +289,9 @@ TEST_F(VolumeIo, ReadsPagesOfTiffAsSlices)
                readVolume(pages("wb", {{5, 4, 16}, {5, 4, 16}})), "words");
 
     EXPECT_EQ(reasonOf(pages("w", {page, second, {4, 5}})),
-              "page 3 is 4 x 5, 8 bit unsigned, but page 1 is 5 x 4, 8 bit unsigned: they are no slices of a volume");
+              "slice 3 is 4 x 5, 8 bit unsigned, but slice 1 is 5 x 4, 8 bit unsigned: they are no slices of a volume");
     EXPECT_EQ(reasonOf(pages("w", {page, {5, 4, 16}})),
-              "page 2 is 5 x 4, 16 bit unsigned, but page 1 is 5 x 4, 8 bit unsigned: they are no slices of a volume");
+              "slice 2 is 5 x 4, 16 bit unsigned, but slice 1 is 5 x 4, 8 bit unsigned: they are no slices of a volume");
     EXPECT_EQ(reasonOf(pages("w", {reduced, mask})), "all pages are reduced ones or masks");
 }
 

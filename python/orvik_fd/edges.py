@@ -72,7 +72,7 @@ def _cannySurfaces3dImg(
     Arguments:
         inGxImg3d, inGyImg3d, inGzImg3d: gradient along x, y and z, of shape (z, y, x) to (t, c, z, y, x), of equal shape and
             dtype, any dtype that images have; every volume by itself. Reads 0 outside the volume. A volume of one slice is
-            not what cannyEdges2dImg gives of the plane: gradients along z count. Magnitudes are compared squared: in
+            what cannyEdges2dImg gives of the plane as long as its gradients along z are 0. Magnitudes are compared squared: in
             double for float32, else in unsigned integers that wrap, of 16 bits for samples of 8 bits and of 32 bits for
             the others. So gx^2 + gy^2 + gz^2 and the squared thresholds must stay below 65536, or 2^32.
         inOptimizationPolicy: ePOP_Labels finds what hangs together by labelling: passes independent of the picture, two

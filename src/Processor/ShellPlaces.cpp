@@ -54,9 +54,10 @@ BoolResult checkShellMemory(const HoughCirclesRadiusRange& range)
     const double outer = static_cast<double>(maxRadius) + 0.5, inner = std::max(0.0, static_cast<double>(minRadius));
     const double nbPlaces =
         minRadius > maxRadius ? 0.0 : std::max(1.0, 4.0 / 3.0 * M_PI * (outer * outer * outer - inner * inner * inner));
+    const double bytesOfRadius = 64.0;  // rows and sums of radii, also where the range is empty
     const double perPlace = sizeof(HoughSpheresKernelXYZElt) + sizeof(void*) * 2 + sizeof(ShellPlace) + sizeof(ShellElement);
     return checkMemory("The shells of radii from " + std::to_string(minRadius) + " to " + std::to_string(maxRadius),
-                       nbPlaces * perPlace, true);
+                       nbPlaces * perPlace + (outer + 1.0) * bytesOfRadius, true);
 }
 
 boost::shared_ptr<HoughSpheresKernelXYZ> makeKernelXYZ(const HoughCirclesRadiusRange& range, unsigned int nbMaxPts)

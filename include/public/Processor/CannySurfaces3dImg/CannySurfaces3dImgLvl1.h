@@ -23,8 +23,9 @@ class CannySurfaces3dImgLvl1;
 /// images, else in unsigned integers that wrap (16 bits for samples of 8 bits, 32 bits for the others).
 /// @param inCannyThresholds  low and high threshold, absolute, in the unit of the gradients. A negative one acts as its
 /// absolute value. Neither is checked against the other: with low above high every candidate is surface.
-/// @return a new binary image of the size of the gradients: 1 on surfaces, 0 elsewhere. A volume of one slice is not what
-/// cannyEdges2dImg gives of the plane: gradients along z count, and what lies before and after the slice is 0.
+/// @return a new binary image of the size of the gradients: 1 on surfaces, 0 elsewhere. A volume of one slice is
+/// what cannyEdges2dImg gives of the plane as long as its gradients along z are 0; they count, and there is nothing before and
+/// after the slice.
 /// @throws processor::ORVIKBaseProcessingException  when an image or the thresholds are null, sizes or types differ, or an
 /// image that is written shares memory with another one; the text names the attributes and both values. Nothing is written
 /// then.

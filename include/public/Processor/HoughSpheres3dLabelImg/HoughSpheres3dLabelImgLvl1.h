@@ -18,12 +18,12 @@ class HoughSpheres3dLabelImgLvl1;
 ///
 /// @param spheres  of one volume, of any number; parts outside the volume are cut off. A radius below 0 or NaN, or a centre that
 /// is NaN, draws nothing but keeps its number; so does an empty place of the list. A radius of 0 draws the voxel that is its
-/// centre, if one is.
+/// centre, if one is, unless a later sphere has that voxel: there is no depth in it to compare.
 /// @param inImg  gives the sizes, X by Y by Z; its samples are not looked at, so it may be outImg.
 /// @return a new image of labels: of 8 bits up to 255 spheres, 16 up to 65535, else of 32.
 /// @throws processor::ORVIKBaseProcessingException  when the list or the image is null, or the image has several channels or
 /// times (give a list for each); the text names the attribute and both values.
-/// Cost: a pass over the volume, and what the volumes of the spheres need; memory for a slice of 4 bytes a voxel per thread, and the list.
+/// Cost: two passes over the result, which is erased first, and what the volumes of the spheres need; memory for a slice of 4 bytes a voxel per thread, and the list.
 /// The same bits for any strips, threads and instruction set.
 ORVIK_API ImagePtr houghSpheres3dLabelImg(const ConstPtr<attr::HoughSpheres3dPpties>& spheres, const ConstImagePtr& inImg);
 /// The same of an image of any number of volumes: exactly a list for each (c, t), with z 0. The longest one tells the type.

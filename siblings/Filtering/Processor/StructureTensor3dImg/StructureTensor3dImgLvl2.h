@@ -16,7 +16,7 @@ namespace orvik { namespace imaproc { namespace filter {
 /// rounded once, to the nearest, half to even, and saturated.
 ///
 /// The result of gx * gx may be gx itself, that of gy * gy gy, and that of gz * gz gz, which are then overwritten. Float results
-/// hold the products on their way: no further image is made, only some slices per running strip. Where a result is of another
+/// hold the products on their way: no further image is made, only some lines per running strip. Where a result is of another
 /// type, one float volume is, in which its products are smoothed one after the other. The bits are the same for any strips,
 /// threads and instruction set, but for those of a NaN.
 /// Refused: gradients of different sizes or types, a result of another size, results that share memory otherwise, a deviation or
