@@ -85,7 +85,7 @@ void findVotingVoxels(const GradientCone& cone, unsigned long nbBins, const floa
         const PlaceVector longest = isX ? absX : isY ? absY : absZ;
         const auto binOf = [&](PlaceVector part) {
             const Whole bin = __builtin_convertvector(part / longest * all(static_cast<float>(nbBins)), Whole);
-            return bin > last ? last : bin;
+            return bin > last ? last : bin < 0 ? Whole{} : bin;  // below 0 where it is no number: that one does not vote
         };
         const Whole axis = isX ? Whole{} : isY ? Whole{} + 1 : Whole{} + 2;
         const Whole list = axis * perAxis + binOf(isX ? absY : absX) * static_cast<int>(nbBins)
