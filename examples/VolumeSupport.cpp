@@ -87,6 +87,19 @@ std::string describeVolume(const std::string& path, const Volume& volume)
     return text.str();
 }
 
+void addVolumeFormat(CLI::App& app, const std::string& option, std::string& format, const std::string& what)
+{
+    addChoice(app, option, format, "of the " + what + ": nii.gz, nii or tif (default: nii.gz for NIfTI files, else tif)",
+              {"nii.gz", "nii", "tif"});
+}
+
+std::string endingOf(const std::string& format, const Volume& volume)
+{
+    if (!format.empty())
+        return format;
+    return volume.space.nifti ? "nii.gz" : "tif";
+}
+
 std::string outputStart(const std::string& folder, const std::string& path)
 {
     namespace fs = std::filesystem;

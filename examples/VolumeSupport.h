@@ -29,6 +29,11 @@ std::string describeVolume(const std::string& path, const Volume& volume);
 /// The start of the names of what is written for a file: its own name in the folder, without the ending.
 std::string outputStart(const std::string& folder, const std::string& path);
 
+/// An option for the format of the volume that a program writes, which `what` names, and the ending that it stands for: that of
+/// the volume that was read, where the option is not given.
+void addVolumeFormat(CLI::App& app, const std::string& option, std::string& format, const std::string& what);
+std::string endingOf(const std::string& format, const Volume& volume);
+
 /// Refuses work that takes more memory than there is before it begins, in the words of readVolume().
 void requireMemoryFor(const Volume& volume, unsigned bytesPerVoxel);
 

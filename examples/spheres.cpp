@@ -100,7 +100,7 @@ std::string writeFiles(const Volume& volume, const Volume& labels, const Feature
     }
     makeFolder(options.list.folder);
     const std::string start = outputStart(options.list.folder, options.list.picture) + "-spheres";
-    const std::string format = !options.format.empty() ? options.format : volume.space.nifti ? "nii.gz" : "tif";
+    const std::string format = endingOf(options.format, volume);
     const std::string list = start + "." + options.list.format, drawn = start + "-labels." + format;
     OutputFiles output;
     addList(output, list, options.list, spheres);
@@ -160,8 +160,7 @@ int main(int argc, char** argv)
     options.list.max = 1000;
     addPictureOrVolume(app, options.list.picture);
     addRoundOptions(app, options.round, "spheres", "voxels");
-    addChoice(app, "--volume-format", options.format,
-              "of the labels: nii.gz, nii or tif (default: nii.gz for NIfTI files, else tif)", {"nii.gz", "nii", "tif"});
+    addVolumeFormat(app, "--volume-format", options.format, "labels");
     addRawOptions(app, options.raw);
     addListOptions(app, options.list);
     return runProgram(app, argc, argv, options.list.common, [&] { run(options); });

@@ -97,7 +97,7 @@ std::string writeFiles(const Volume& volume, const Volume& surfaces, const Volum
     const Views projections = projectMaxima(measureSteepness(surfaces, gradient));
     makeFolder(options.folder);
     const std::string start = outputStart(options.folder, options.file) + "-surfaces";
-    const std::string format = !options.format.empty() ? options.format : volume.space.nifti ? "nii.gz" : "tif";
+    const std::string format = endingOf(options.format, volume);
     OutputFiles output;
     addVolume(output, start + "." + format, surfaces);
     addViews(output, start + "-slices.png", cutThroughMiddle(volume), cutThroughMiddle(surfaces));
@@ -157,8 +157,7 @@ int main(int argc, char** argv)
     addEdgeOptions(app, options.edges);
     addNumber(app, "--sigma-z", options.sigmaZ, "the same along z, in slices (default: as --sigma)", isNumberFrom(0.1, 1000),
               "SLICES");
-    addChoice(app, "--format", options.format,
-              "of the volume: nii.gz, nii or tif (default: nii.gz for NIfTI files, else tif)", {"nii.gz", "nii", "tif"});
+    addVolumeFormat(app, "--format", options.format, "volume");
     addRawOptions(app, options.raw);
     addCommonOptions(app, options.common);
     return runProgram(app, argc, argv, options.common, [&] { run(options); });
